@@ -1,0 +1,70 @@
+#!/usr/bin/env bash
+# Makes sure that the Debian packages for one purpose are installed:
+#   run    building and starting the application
+#   test   running its tests as well (virtual display, window manager, synthetic input)
+#   ci     the further checks of .ci/run as well (formatter, linter, sanitizers)
+# Silent and quick when nothing is missing. When something is and cannot be installed, says so and fails.
+set -euo pipefail
+
+run_packages=(g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools libqt6svg6 fonts-dejavu-core)
+test_packages=(xvfb xauth openbox xdotool imagemagick x11-utils)
+ci_packages=(clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev git)
+
+case "${1:-}" in
+    run) wanted=("${run_packages[@]}") ;;
+    test) wanted=("${run_packages[@]}" "${test_packages[@]}") ;;
+    ci) wanted=("${run_packages[@]}" "${test_packages[@]}" "${ci_packages[@]}") ;;
+    *)
+        echo "usage: ${0##*/} run|test|ci" >&2
+        exit 2
+        ;;
+esac
+
+# Qt reaches an X display by itself; a session with nothing but Wayland needs one more plugin.
+if [[ -n ${WAYLAND_DISPLAY:-} && -z ${DISPLAY:-} ]]; then
+    wanted+=(qt6-wayland)
+fi
+
+fail() {
+    printf '%s\n' "$@" >&2
+    exit 1
+}
+
+if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+    fail "Fablegrid is set up for Debian 12, and this system has no dpkg and apt." \
+        "Needed are the packages: ${wanted[*]}"
+fi
+
+# dpkg-query fails when it does not know one of the names; what it does know is still listed.
+installed=" $(dpkg-query --show --showformat '${Package}:${db:Status-Status} ' "${wanted[@]}" 2>/dev/null || true)"
+missing=()
+for package in "${wanted[@]}"; do
+    [[ $installed == *" $package:installed "* ]] || missing+=("$package")
+done
+if ((${#missing[@]} == 0)); then
+    exit 0
+fi
+
+as_root=()
+if ((EUID != 0)); then
+    if command -v sudo >/dev/null && sudo -n true 2>/dev/null; then
+        as_root=(sudo -n)
+    else
+        fail "Missing packages: ${missing[*]}" \
+            "Only root may install them: sudo apt-get install --no-install-recommends ${missing[*]}"
+    fi
+fi
+
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+apt_get() {
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q "$@" </dev/null >>"$log" 2>&1
+}
+
+echo "Installing packages: ${missing[*]}"
+# A list that could not be refreshed may still serve, so only the installation decides.
+apt_get update || true
+if ! apt_get install -y --no-install-recommends "${missing[@]}"; then
+    reason=$(grep '^E: ' "$log" | head -n 1 || true)
+    fail "Could not install the packages: ${missing[*]}" "apt-get: ${reason:-no reason given}"
+fi

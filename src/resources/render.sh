@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Renders the PNG and ICO files of this folder from the SVG files beside them.
+# The results are kept in the tree, so building the application needs neither rsvg-convert nor icotool;
+# run this after a drawing has changed (Debian packages: librsvg2-bin, icoutils).
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/Assets"
+
+# render SVG WIDTH HEIGHT PNG
+render() {
+    rsvg-convert --width "$2" --height "$3" --output "$4" "$1"
+}
+
+render "Logo/logo - Square (Fill) - App 1.svg" 1024 1024 "Logo/logo - Square (Fill) - App 1.png"
+render "Logo/logo - Fill Clipped 4.svg" 646 696 "Logo/logo - Fill Clipped 4.png"
+render "Icons/Add Node.svg" 1024 1024 "Icons/Add Node.png"
+
+sizes=$(mktemp -d)
+trap 'rm -rf "$sizes"' EXIT
+bitmaps=()
+for size in 16 24 32 48 64 72 96 128; do
+    render "Logo/logo - Transparent Clipped.svg" "$size" "$size" "$sizes/$size.png"
+    bitmaps+=("$sizes/$size.png")
+done
+# The largest image stays a PNG inside the icon file, as Windows recommends; as a bitmap it would take 270 kB.
+render "Logo/logo - Transparent Clipped.svg" 256 256 "$sizes/256.png"
+icotool --create --output "Logo/logo - Transparent Clipped.ico" "${bitmaps[@]}" --raw "$sizes/256.png"
