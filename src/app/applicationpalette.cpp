@@ -1,0 +1,32 @@
+#include "app/applicationpalette.h"
+
+#include <QColor>
+
+QPalette applicationPalette()
+{
+    const QColor window(54, 54, 54);
+    const QColor base(66, 66, 66);
+    const QColor button(77, 77, 77);
+    const QColor text(255, 255, 255);
+    const QColor disabledText(160, 160, 160);
+    const QColor highlight(48, 112, 190);
+
+    QPalette palette(button, window);
+    palette.setColor(QPalette::WindowText, text);
+    palette.setColor(QPalette::Base, base);
+    palette.setColor(QPalette::AlternateBase, window);
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::PlaceholderText, disabledText);
+    palette.setColor(QPalette::Button, button);
+    palette.setColor(QPalette::ButtonText, text);
+    palette.setColor(QPalette::BrightText, text);
+    palette.setColor(QPalette::ToolTipBase, base);
+    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::Link, QColor(112, 176, 251));
+    palette.setColor(QPalette::LinkVisited, QColor(190, 160, 250));
+    palette.setColor(QPalette::Highlight, highlight);
+    palette.setColor(QPalette::HighlightedText, text);
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, disabledText);
+    return palette;
+}

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QPalette>
+
+/// The dark palette of the whole application, in the greys of the main window's form.
+///
+/// The form's style sheets set backgrounds that children inherit, but not every text on them: without a
+/// palette of our own, tab titles and dialogs would come out dark on dark, or light on light, by the
+/// desktop's theme.
+QPalette applicationPalette();

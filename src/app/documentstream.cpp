@@ -1,0 +1,3 @@
+#include "app/documentstream.h"
+
+DocumentStream::DocumentStream(QIODevice *device) : QDataStream(device) { setVersion(QDataStream::Qt_6_4); }

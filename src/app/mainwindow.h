@@ -1,0 +1,89 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+class NodegraphView;
+class OverViewerScene;
+class QIODevice;
+
+namespace Ui {
+class MainWindow;
+}
+
+/// The program's window: the tabs, the panel they share, the document and the commands.
+///
+/// One document holds all tabs. There is no modified flag; the save questions are always asked.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    void addNodeGraphTab();
+    /// Asks whether to save, then closes the tab at that place of the tab bar. The last tab stays.
+    void closeTab(int index);
+
+    /// The document's path, empty while it has none.
+    QString getCurrentFilePath() const { return currentFilePath; }
+    /// The tabs' views in the order of their creation, which is the order in which they are saved.
+    const std::vector<NodegraphView *> &getViews() const { return views; }
+    /// The panel; lives as long as this window.
+    OverViewerScene *getOverviewerScene() const { return overviewerScene; }
+
+public slots:
+    void addEventNode();
+    void currentTabChanged(int index);
+    void sl_saveFile();
+    void sl_loadFile();
+    void sl_saveAsFile();
+    /// Discards all tabs without asking and forgets the document's path.
+    void clearTabs();
+    void sl_undo();
+    void sl_redo();
+    void sl_copy();
+    void sl_paste();
+    void sl_cut();
+    void sl_selectAll();
+    void sl_deselectAll();
+    void sl_setEndOfStory();
+    void sl_setAsImportant();
+    void sl_delete();
+    void sl_frame();
+    void zoomIn();
+    void zoomOut();
+    void zoom_50();
+    void zoom_100();
+    void zoom_200();
+    void helpSupport();
+    /// Writes all tabs into a new file in the autosave folder.
+    void autosave();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void setupOverviewer();
+    void connectCommands();
+    void startAutosave();
+    /// The current tab's view, null when there is no tab.
+    NodegraphView *currentView() const;
+    NodegraphView *viewAt(int tabIndex) const;
+
+    QString askForSavePath();
+    void saveTo(const QString &path);
+    bool writeDocument(QIODevice *device) const;
+    void readDocument(QIODevice *device);
+    void setZoom(double scale);
+
+    OverViewerScene *overviewerScene = nullptr; // goes with the panel's view
+    QString currentFilePath;
+    std::unique_ptr<Ui::MainWindow> ui;
+    std::vector<NodegraphView *> views; // not owned: the tab widget owns them
+    int autosaveInterval = 60000;       // milliseconds
+};

@@ -1,0 +1,186 @@
+#include "app/mainwindow.h"
+
+#include "app/documentstream.h"
+#include "scene/nodegraphscene.h"
+#include "ui_mainwindow.h"
+#include "view/nodegraphview.h"
+
+#include <QCloseEvent>
+#include <QDateTime>
+#include <QDebug>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPointer>
+#include <QSaveFile>
+#include <QStandardPaths>
+
+#include <algorithm>
+
+namespace {
+
+constexpr QMessageBox::StandardButtons answers = QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+
+} // namespace
+
+QString MainWindow::askForSavePath()
+{
+    return QFileDialog::getSaveFileName(this, tr("Save Scene"), QString(), tr("Scene Files (*.scene)"));
+}
+
+void MainWindow::sl_saveFile()
+{
+    if (currentFilePath.isEmpty()) {
+        const QString path = askForSavePath();
+        if (path.isEmpty())
+            return;
+        currentFilePath = path;
+    }
+    saveTo(currentFilePath);
+}
+
+void MainWindow::sl_saveAsFile()
+{
+    const QString path = askForSavePath();
+    if (path.isEmpty())
+        return;
+    currentFilePath = path;
+    saveTo(currentFilePath);
+}
+
+void MainWindow::saveTo(const QString &path)
+{
+    QSaveFile file(path);
+    file.setDirectWriteFallback(true); // a writable file in a folder that is not
+    if (!file.open(QIODevice::WriteOnly)) {
+        qWarning() << "Couldn't open file for writing.";
+        return;
+    }
+    qInfo() << "Tabs to save" << views.size();
+    if (!writeDocument(&file) || !file.commit())
+        qWarning() << "Couldn't write the scene file, what was there is kept:" << path << file.errorString();
+}
+
+/// Writes all tabs; false if not every byte was taken.
+bool MainWindow::writeDocument(QIODevice *device) const
+{
+    DocumentStream stream(device);
+    stream << qint32(views.size());
+    for (const NodegraphView *view : views)
+        view->nodegraphScene()->saveSceneToFile(stream);
+    return stream.status() == QDataStream::Ok;
+}
+
+void MainWindow::clearTabs()
+{
+    for (const NodegraphView *view : views)
+        view->nodegraphScene()->clear();
+    while (ui->Nodegraph->count() > 0) {
+        QWidget *page = ui->Nodegraph->widget(0);
+        ui->Nodegraph->removeTab(0);
+        delete page;
+    }
+    views.clear();
+    currentFilePath.clear();
+}
+
+void MainWindow::sl_loadFile()
+{
+    const QString path =
+        QFileDialog::getOpenFileName(this, tr("Load Scene"), QString(), tr("Scene Files (*.scene)"));
+    if (path.isEmpty())
+        return;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        qWarning() << "Couldn't open file for reading.";
+        return;
+    }
+    qInfo() << "Clearing tabs";
+    clearTabs();
+    readDocument(&file);
+    currentFilePath = path;
+}
+
+void MainWindow::readDocument(QIODevice *device)
+{
+    // Every tab takes four bytes at least; a count beyond that is damage, and the empty tabs would never end.
+    const qint64 mostTabs = device->size() / 4 + 16;
+    DocumentStream stream(device);
+    qint32 count = 0;
+    stream >> count;
+    qInfo() << "Tabs to open" << count;
+    if (count > mostTabs) {
+        qWarning() << "The file cannot hold" << count << "tabs, opening" << mostTabs;
+        count = static_cast<qint32>(mostTabs);
+    }
+    for (qint32 i = 0; i < count; ++i) {
+        qInfo() << "Adding tabs";
+        addNodeGraphTab();
+    }
+    const std::vector<NodegraphView *> opened = views;
+    for (NodegraphView *view : opened) {
+        view->nodegraphScene()->loadSceneFromFile(stream);
+        view->viewport()->update();
+    }
+    // The panel still shows the tab that was read last.
+    if (NodegraphView *view = currentView())
+        view->nodegraphScene()->updateStory();
+}
+
+void MainWindow::closeTab(int index)
+{
+    if (ui->Nodegraph->count() == 1)
+        return;
+    const QPointer<NodegraphView> closing = viewAt(index);
+    const auto answer = QMessageBox::question(
+        this, tr("Save Changes"),
+        tr("This tab has unsaved changes. Do you want to save them before closing?"), answers);
+    if (answer == QMessageBox::Cancel)
+        return;
+    if (answer == QMessageBox::Yes)
+        sl_saveFile();
+    if (!closing)
+        return;
+    // By the view, not by the number: tabs may have been dragged, and `views` keeps the order of creation.
+    ui->Nodegraph->removeTab(ui->Nodegraph->indexOf(closing));
+    std::erase(views, closing.data());
+    closing->deleteLater(); // the close button that was pressed belongs to this tab
+    if (NodegraphView *view = currentView())
+        view->nodegraphScene()->updateStory();
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    const auto answer = QMessageBox::question(
+        this, tr("Save Changes"),
+        tr("The file has unsaved changes. Do you want to save them before closing?"), answers);
+    if (answer == QMessageBox::Yes)
+        sl_saveFile();
+    event->setAccepted(answer != QMessageBox::Cancel);
+}
+
+void MainWindow::autosave()
+{
+    const QString documents =
+        QDir::toNativeSeparators(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    const QString folder = QStringLiteral("Fablegrid/Autosavedir");
+    const QDir parent(documents);
+    if (!parent.exists(folder))
+        parent.mkpath(folder);
+    const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd_hhmmss"));
+    const QString path = documents + QLatin1Char('/') + folder + QDir::separator() +
+                         QStringLiteral("Yarnsmith_") + stamp + QStringLiteral("_autosaveVersion.scene");
+
+    QSaveFile file(path);
+    file.setDirectWriteFallback(true);
+    if (!file.open(QIODevice::WriteOnly)) {
+        qWarning() << "Failed to open autosave file for writing:" << path;
+        return;
+    }
+    if (!writeDocument(&file) || !file.commit()) {
+        qWarning() << "Failed to write autosave file:" << path << file.errorString();
+        return;
+    }
+    qInfo() << "Autosaved scene to:" << path;
+}

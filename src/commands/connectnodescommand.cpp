@@ -1,0 +1,24 @@
+#include "commands/connectnodescommand.h"
+
+#include "scene/nodegraphscene.h"
+
+#include <QObject>
+
+ConnectNodesCommand::ConnectNodesCommand(NodegraphScene *editedScene, int downstreamIndex, int upstreamIndex)
+    : scene(editedScene), nodeIndex(downstreamIndex), prevIndex(upstreamIndex)
+{
+    setText(QObject::tr("Connect Nodes"));
+}
+
+void ConnectNodesCommand::redo()
+{
+    Node *upstream = scene->findNodeByIndex(prevIndex);
+    scene->connectNodes(scene->findNodeByIndex(nodeIndex), upstream);
+}
+
+// Whatever feeds the node now is what goes: a connection that this one replaced does not come back.
+void ConnectNodesCommand::undo()
+{
+    if (Node *downstream = scene->findNodeByIndex(nodeIndex))
+        scene->disconnectNode(downstream);
+}

@@ -1,0 +1,84 @@
+#include "commands/delnodecommand.h"
+
+#include "items/node.h"
+#include "items/nodedata.h"
+#include "scene/nodegraphscene.h"
+
+#include <QObject>
+
+DelNodeCommand::DelNodeCommand(NodegraphScene *editedScene, const QPointF &position, int nodeIndex,
+                               const NodeData *data, const QString &title)
+    : scene(editedScene), index(nodeIndex), pos(position), type(data->getType()), dataCopy(data->clone()),
+      name(title)
+{
+    setText(QObject::tr("Delete Node"));
+    node = scene->findNodeByIndex(index);
+    captureLinksAndMarks();
+}
+
+DelNodeCommand::~DelNodeCommand() = default;
+
+void DelNodeCommand::captureLinksAndMarks()
+{
+    prevIndex = -1;
+    prevNode = nullptr;
+    nextNodes.clear();
+    nextIndices.clear();
+    if (!node)
+        return;
+    if (node->hasInput()) {
+        prevIndex = node->getPrevIndex();
+        prevNode = node->prevNode();
+    }
+    for (Node *next : node->nextNodes()) {
+        nextIndices.push_back(next->getIndex());
+        nextNodes.emplace_back(next);
+    }
+    important = node->getIsImportant();
+    endOfStory = node->getIsEndOfStory();
+}
+
+/// The user may have typed, moved or connected since the node came back; none of that may be lost.
+void DelNodeCommand::captureAgain()
+{
+    pos = node->scenePos();
+    name = node->getTitle();
+    node->getData()->copyTo(dataCopy.get());
+    captureLinksAndMarks();
+}
+
+void DelNodeCommand::redo()
+{
+    node = scene->findNodeByIndex(index);
+    if (!node)
+        return;
+    if (undone)
+        captureAgain();
+    scene->deleteNode(node);
+}
+
+void DelNodeCommand::undo()
+{
+    undone = true;
+    const bool endIsFree = scene->endOfStoryNode() == nullptr;
+    node = scene->restoreNode(pos, index, type, dataCopy.get(), name);
+    if (important)
+        node->setImportant(true);
+    restoreLinks();
+    if (endOfStory && endIsFree)
+        scene->setEndOfStory(node);
+    else
+        scene->updateStory();
+}
+
+void DelNodeCommand::restoreLinks()
+{
+    prevNode = scene->findNodeByIndex(prevIndex);
+    nextNodes.clear();
+    for (const int nextIndex : nextIndices)
+        nextNodes.emplace_back(scene->findNodeByIndex(nextIndex));
+    if (node && prevNode)
+        scene->connectNodes(node, prevNode);
+    for (const QPointer<Node> &next : nextNodes)
+        scene->connectNodes(next, node);
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QPointF>
+#include <QPointer>
+#include <QString>
+#include <QUndoCommand>
+
+#include <memory>
+#include <vector>
+
+class Node;
+class NodeData;
+class NodegraphScene;
+
+/// Deletes a node from a scene; undo() makes one like it with the same index and connections. Owned by the
+/// undo stack that it is pushed on.
+class DelNodeCommand : public QUndoCommand
+{
+public:
+    /// `scene` must outlive every call of redo() and undo(). The rest describes the node: its scene position,
+    /// its index, its payload (copied, not null) and its title.
+    DelNodeCommand(NodegraphScene *scene, const QPointF &pos, int index, const NodeData *data,
+                   const QString &name);
+    ~DelNodeCommand() override;
+
+    void undo() override;
+    void redo() override;
+
+private:
+    void captureLinksAndMarks();
+    void captureAgain();
+    void restoreLinks();
+
+    NodegraphScene *scene;
+    int index;
+    QPointF pos;
+    int type;
+    std::unique_ptr<NodeData> dataCopy;
+    QString name;
+    QPointer<Node> node; // the node at construction, later the one that undo() made
+    QPointer<Node> prevNode;
+    int prevIndex = -1; // of the upstream node, -1 without one
+    std::vector<QPointer<Node>> nextNodes;
+    std::vector<int> nextIndices;
+    bool important = false;
+    bool endOfStory = false;
+    bool undone = false; // what is known may be older than the node
+};

@@ -1,0 +1,76 @@
+#include "items/connectionline.h"
+
+#include "items/socket.h"
+
+#include <QGraphicsSceneMouseEvent>
+#include <QLineF>
+#include <QPainterPath>
+#include <QPainterPathStroker>
+
+ConnectionLine::ConnectionLine(const QPointF &startPoint, const QPointF &endPoint)
+    : start(startPoint), end(endPoint)
+{
+    updatePen();
+    setZValue(-1.0);
+    sl_updatePath();
+}
+
+void ConnectionLine::updatePen()
+{
+    pen.setWidth(penWidth);
+    pen.setColor(penColor);
+    setPen(pen);
+}
+
+Socket *ConnectionLine::inputSocket() const { return firstSocket; }
+
+Socket *ConnectionLine::outputSocket() const { return secondSocket; }
+
+void ConnectionLine::setSockets(Socket *input, Socket *output)
+{
+    firstSocket = input;
+    secondSocket = output;
+}
+
+// The default shape also contains the area between the curve and its chord, where a press belongs to the
+// canvas.
+QPainterPath ConnectionLine::shape() const
+{
+    QPainterPathStroker stroker;
+    stroker.setWidth(penWidth + 2 * pressGrace);
+    stroker.setCapStyle(pen.capStyle());
+    stroker.setJoinStyle(pen.joinStyle());
+    return stroker.createStroke(path());
+}
+
+void ConnectionLine::sl_updatePath()
+{
+    QPainterPath curve(start);
+    curve.cubicTo(QPointF((3 * start.x() + end.x()) / 4, start.y()),
+                  QPointF((3 * end.x() + start.x()) / 4, end.y()), end);
+    setPath(curve);
+}
+
+void ConnectionLine::sl_setStart(QPointF point)
+{
+    start = point;
+    sl_updatePath();
+}
+
+void ConnectionLine::sl_setEnd(QPointF point)
+{
+    end = point;
+    sl_updatePath();
+}
+
+void ConnectionLine::mousePressEvent(QGraphicsSceneMouseEvent *event)
+{
+    const QPointF press = event->scenePos();
+    const double toStart = QLineF(start, press).length();
+    const double toEnd = QLineF(end, press).length();
+    emit s_clicked(this, toEnd > toStart ? SocketType::input : SocketType::output);
+    QGraphicsItem::mousePressEvent(event);
+    // The click has taken this line out of its scene. An ignored press would make the scene look for the next
+    // item below and take the mouse away from one that no longer holds it.
+    event->accept();
+}

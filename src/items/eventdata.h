@@ -1,0 +1,45 @@
+#pragma once
+
+#include "items/resizeobserver.h"
+
+#include <QGraphicsItem>
+#include <QObject>
+
+class QDataStream;
+class STLineEdit;
+
+/// The content of an event: its description. Owned by its parent item, a NodeData or an entry of the panel.
+class EventData : public QObject, public QGraphicsItem, public ResizeObserver
+{
+    Q_OBJECT
+    Q_INTERFACES(QGraphicsItem)
+
+public:
+    /// `parent` may be null; the caller then owns the object until it gets a parent item.
+    explicit EventData(QGraphicsItem *parent);
+
+    QString getDescription() const;
+    /// Sets the text without reporting a change.
+    void setDescription(const QString &text);
+    /// The text item; owned by this object.
+    STLineEdit *getDescriptionItem() const { return description; }
+
+    QRectF boundingRect() const override;
+    void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
+
+    void aboutToResize() override;
+    void resized() override;
+
+signals:
+    void s_isChanged();
+
+public slots:
+    void sl_isChanged();
+    void sl_saveToFile(QDataStream &stream);
+    void sl_openFromFile(QDataStream &stream);
+
+private:
+    bool settingText = false;
+    STLineEdit *description = nullptr;
+    QString lastText; // as last reported; texts set by the program do not count
+};

@@ -1,0 +1,240 @@
+#include "items/node.h"
+
+#include "items/connectionline.h"
+#include "items/nodedata.h"
+#include "items/socket.h"
+#include "items/stnodename.h"
+
+#include <QBrush>
+#include <QDataStream>
+#include <QDebug>
+#include <QGraphicsPathItem>
+#include <QGraphicsSceneMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPen>
+#include <QStyleOptionGraphicsItem>
+
+namespace {
+constexpr double nodeZ = 1.0;
+constexpr double headerZ = 2.0;
+constexpr double dataZ = 2.0;
+constexpr double nameZ = 3.0;
+constexpr double socketZ = 3.0;
+} // namespace
+
+Node::Node(int nodeType) : type(nodeType)
+{
+    setFlags(ItemIsMovable | ItemIsSelectable);
+    setZValue(nodeZ);
+    createHeader();
+    createName();
+    createSockets();
+    createData();
+    sl_updateSize();
+}
+
+void Node::createHeader()
+{
+    headerItem = new QGraphicsPathItem(this);
+    headerItem->setZValue(headerZ);
+    headerItem->setPen(Qt::NoPen);
+    if (type == 0)
+        headerItem->setBrush(headerColor);
+    updateHeaderPath();
+}
+
+void Node::createName()
+{
+    nameItem = new STNodeName(this);
+    nameItem->setZValue(nameZ);
+    if (type == 0)
+        setNodeName(QStringLiteral("Event"));
+    nameItem->setPos(margin, headerHeight / 10); // NOLINT(bugprone-integer-division): whole units
+}
+
+void Node::createSockets()
+{
+    inSocket = new Socket(SocketType::input, this);
+    outSocket = new Socket(SocketType::output, this);
+    for (Socket *socket : {inSocket, outSocket}) {
+        socket->setZValue(socketZ);
+        connectSocket(socket);
+    }
+}
+
+void Node::connectSocket(Socket *socket)
+{
+    connect(socket, SIGNAL(s_clicked(int,QPointF)), this, SLOT(sl_socketClick(int,QPointF)));
+    connect(socket, SIGNAL(s_clickdrag()), this, SLOT(sl_socketClickDrag()));
+    connect(socket, SIGNAL(s_clickReleasedHere()), this, SLOT(sl_socketClickRelease()));
+}
+
+void Node::createData()
+{
+    data = new NodeData(type, this);
+    data->setZValue(dataZ);
+    data->moveBy(margin + static_cast<int>(inSocket->boundingRect().width()), headerHeight + margin);
+    // Resize before reporting: whoever hears s_changed already sees the new outline.
+    connect(data, SIGNAL(s_dataChanged()), this, SLOT(sl_updateSize()));
+    connect(data, SIGNAL(s_dataChanged()), this, SLOT(sl_changed()));
+}
+
+void Node::setNodeName(const QString &name)
+{
+    nodeName = name;
+    nameItem->setPlainText(name);
+}
+
+QString Node::getTitle() const { return nameItem->toPlainText(); }
+
+void Node::setIndex(int newIndex)
+{
+    if (newIndex == index)
+        return;
+    qInfo() << "Old node index " << index << " New node index " << newIndex;
+    emit s_indexChanged(this, newIndex);
+    index = newIndex;
+}
+
+void Node::removeNextNode(const Node *downstream) { std::erase(nextNodes_, downstream); }
+
+ConnectionLine *Node::getOutLine() const
+{
+    return nextNodes_.empty() ? nullptr : nextNodes_.back()->getInLine();
+}
+
+void Node::setIsEndOfStory(bool endOfStory)
+{
+    isEndOfStory = endOfStory;
+    update();
+}
+
+// Told before it is stored, and told every time: the panel keeps its own copy of the mark.
+void Node::setImportant(bool important)
+{
+    emit s_importanceChanged(this, important);
+    isImportant = important;
+}
+
+void Node::copyDataFrom(const NodeData *source)
+{
+    source->copyTo(data);
+    type = source->getType();
+    sl_updateSize();
+}
+
+void Node::updateLines()
+{
+    if (hasInput_ && inLine)
+        inLine->sl_setStart(inSocket->sceneCentre());
+    for (const Node *downstream : nextNodes_) {
+        if (ConnectionLine *line = downstream->getInLine())
+            line->sl_setEnd(outSocket->sceneCentre());
+    }
+}
+
+void Node::sl_updateSize()
+{
+    if (!data) // the payload reports its size while it is being made
+        return;
+    const QRectF payload = data->boundingRect();
+    const QRectF input = inSocket->boundingRect();
+    const QRectF output = outSocket->boundingRect();
+    const int width = static_cast<int>(input.width() + output.width() + payload.width() + margin);
+    const int height = static_cast<int>(headerHeight + payload.height() + margin);
+    const QRectF body(0, 0, width, height);
+    if (body != rect) {
+        prepareGeometryChange();
+        rect = body;
+    }
+    inSocket->setPos(0, height / 2);                       // NOLINT(bugprone-integer-division): whole units
+    outSocket->setPos(width - output.width(), height / 2); // NOLINT(bugprone-integer-division)
+    updateLines();
+    updateHeaderPath();
+    nameItem->setAvailableWidth(width - 2 * margin);
+    update();
+}
+
+void Node::updateHeaderPath()
+{
+    const double right = rect.width();
+    QPainterPath strip(QPointF(0, headerHeight));
+    strip.lineTo(0, cornerRadius);
+    strip.quadTo(0, 0, cornerRadius, 0);
+    strip.lineTo(right - cornerRadius, 0);
+    strip.quadTo(right, 0, right, cornerRadius);
+    strip.lineTo(right, headerHeight);
+    strip.closeSubpath();
+    headerItem->setPath(strip);
+}
+
+void Node::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *)
+{
+    QColor body = baseColor;
+    if (isEndOfStory)
+        body = endOfStoryColor;
+    if (isImportant)
+        body = importantColor;
+    if (option->state & QStyle::State_Selected)
+        body = selectedColor;
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(body);
+    painter->drawRoundedRect(rect, cornerRadius, cornerRadius, Qt::AbsoluteSize);
+}
+
+void Node::mousePressEvent(QGraphicsSceneMouseEvent *event)
+{
+    emit s_selected(this);
+    QGraphicsItem::mousePressEvent(event);
+}
+
+// The reported places are those before this move; the lines catch up with the next one, and on release.
+void Node::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
+{
+    emit s_moving(this);
+    const QPointF inputCentre = inSocket->sceneCentre();
+    const QPointF outputCentre = outSocket->sceneCentre();
+    emit s_inSocketMove(inputCentre);
+    emit s_outSocketMove(outputCentre);
+    QGraphicsItem::mouseMoveEvent(event);
+}
+
+void Node::sl_socketClick(int socketType, QPointF point) { emit s_socketClick(socketType, point); }
+
+void Node::sl_socketClickDrag() { emit s_socketClickDrag(); }
+
+void Node::sl_socketClickRelease() { emit s_socketClickRelease(); }
+
+void Node::sl_changed() { emit s_changed(this); }
+
+void Node::saveToStream(QDataStream &stream)
+{
+    stream << getTitle() << scenePos() << qint32(index) << qint32(prevIndex) << qint32(isEndOfStory ? 1 : 0)
+           << qint32(isImportant ? 1 : 0);
+    emit data->s_saveToFile(stream);
+}
+
+void Node::openFromStream(QDataStream &stream)
+{
+    QString title;
+    QPointF position;
+    qint32 storedIndex = 0;
+    qint32 storedPrevIndex = 0;
+    qint32 endOfStory = 0;
+    qint32 important = 0;
+    stream >> title >> position >> storedIndex >> storedPrevIndex >> endOfStory >> important;
+    data->sl_openFromFile(stream);
+
+    nameItem->setPlainText(title);
+    setPos(position);
+    setIndex(storedIndex);
+    // Once more whether or not it changed: listeners that came with the record's text match nodes by index.
+    emit s_indexChanged(this, storedIndex);
+    prevIndex = storedPrevIndex;
+    if (endOfStory == 1)
+        isEndOfStory = true;
+    if (important != 0)
+        isImportant = true;
+    update();
+}

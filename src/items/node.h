@@ -1,0 +1,139 @@
+#pragma once
+
+#include "items/resizeobserver.h"
+
+#include <QColor>
+#include <QGraphicsItem>
+#include <QObject>
+
+#include <vector>
+
+class ConnectionLine;
+class NodeData;
+class QDataStream;
+class QGraphicsPathItem;
+class STNodeName;
+class Socket;
+
+/// The box that stands for one event of a story. Owned by its scene; owns its header, texts and sockets.
+///
+/// The links to other nodes and lines are observers that the scene writes; the node only moves line ends.
+class Node : public QObject, public QGraphicsItem, public ResizeObserver
+{
+    Q_OBJECT
+    Q_INTERFACES(QGraphicsItem)
+
+public:
+    /// `type` 0 is the event, the only type that the program makes.
+    explicit Node(int type);
+
+    void setNodeName(const QString &name);
+    /// The plain text of the title item, which the user edits directly.
+    QString getTitle() const;
+
+    int getType() const { return type; }
+    /// The payload, with the description; owned by this node.
+    NodeData *getData() const { return data; }
+    Socket *getInSocket() const { return inSocket; }
+    Socket *getOutSocket() const { return outSocket; }
+    STNodeName *getNameItem() const { return nameItem; }
+
+    /// The node's number in its scene.
+    int getIndex() const { return index; }
+    void setIndex(int newIndex);
+    /// The index of the node that feeds the input, -1 when none does.
+    int getPrevIndex() const { return prevIndex; }
+    void setPrevIndex(int upstreamIndex) { prevIndex = upstreamIndex; }
+
+    bool hasInput() const { return hasInput_; }
+    void setHasInput(bool connected) { hasInput_ = connected; }
+    /// The node that feeds the input, null when none does. Not owned.
+    Node *prevNode() const { return prevNode_; }
+    void setPrevNode(Node *upstream) { prevNode_ = upstream; }
+    /// The nodes that the output feeds, in the order of connecting. Not owned.
+    const std::vector<Node *> &nextNodes() const { return nextNodes_; }
+    void addNextNode(Node *downstream) { nextNodes_.push_back(downstream); }
+    /// Removes every occurrence.
+    void removeNextNode(const Node *downstream);
+    /// The line at the input, null when there is none. Owned by the scene.
+    ConnectionLine *getInLine() const { return inLine; }
+    void setInLine(ConnectionLine *line) { inLine = line; }
+    /// The line of the newest connection made from the output, null when there is none. Owned by the scene.
+    ConnectionLine *getOutLine() const;
+
+    bool getIsEndOfStory() const { return isEndOfStory; }
+    void setIsEndOfStory(bool endOfStory);
+    bool getIsImportant() const { return isImportant; }
+    void setImportant(bool important);
+
+    /// Takes over the description and the type of `source`, which stays the caller's. Reports no change.
+    void copyDataFrom(const NodeData *source);
+    /// Puts the ends of all attached lines on the sockets' middles.
+    void updateLines();
+
+    /// Write and read the node's record: title, position, index, upstream index, marks, payload.
+    void saveToStream(QDataStream &stream);
+    void openFromStream(QDataStream &stream);
+
+    QRectF boundingRect() const override { return rect; }
+    void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
+
+    void aboutToResize() override {} // sl_updateSize() announces the change itself
+    void resized() override { sl_updateSize(); }
+
+signals:
+    void s_selected(Node *node);
+    void s_moving(Node *node);
+    void s_inSocketMove(QPointF);
+    void s_outSocketMove(QPointF);
+    void s_socketClick(int type, QPointF);
+    void s_socketClickDrag();
+    void s_socketClickRelease();
+    void s_changed(Node *node);
+    void s_indexChanged(Node *node, int index);
+    void s_importanceChanged(Node *node, bool isImportant);
+
+public slots:
+    void sl_socketClick(int type, QPointF);
+    void sl_socketClickDrag();
+    void sl_socketClickRelease();
+    void sl_updateSize();
+    void sl_changed();
+
+protected:
+    void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
+    void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
+
+private:
+    void createHeader();
+    void createName();
+    void createSockets();
+    void createData();
+    void connectSocket(Socket *socket);
+    void updateHeaderPath();
+
+    QString nodeName;
+    QRectF rect{0, 0, 231.0, 196.0}; // item coordinates
+    int cornerRadius = 10;
+    int headerHeight = 34;
+    int margin = 15;
+    QColor baseColor{QStringLiteral("#D9D9D9")};
+    QColor selectedColor{QStringLiteral("#EBF400")};
+    QColor headerColor{QStringLiteral("#8556E9")};
+    QColor endOfStoryColor{QStringLiteral("#D6B4FC")};
+    QColor importantColor{QStringLiteral("#ADD8E6")};
+    QGraphicsPathItem *headerItem = nullptr;
+    STNodeName *nameItem = nullptr;
+    NodeData *data = nullptr;
+    int type;
+    Socket *inSocket = nullptr;
+    Socket *outSocket = nullptr;
+    Node *prevNode_ = nullptr;
+    std::vector<Node *> nextNodes_;
+    ConnectionLine *inLine = nullptr;
+    bool hasInput_ = false;
+    bool isEndOfStory = false;
+    bool isImportant = false;
+    int index = 0;
+    int prevIndex = -1;
+};

@@ -1,0 +1,57 @@
+#include "items/nodedata.h"
+
+#include "items/eventdata.h"
+
+#include <QDataStream>
+
+NodeData::NodeData(int dataType, QGraphicsItem *parent) : type(dataType)
+{
+    setParentItem(parent);
+    if (type != 0)
+        return;
+    auto *event = new EventData(this);
+    connect(this, SIGNAL(s_saveToFile(QDataStream&)), event, SLOT(sl_saveToFile(QDataStream&)));
+    connect(this, SIGNAL(s_openFromFile(QDataStream&)), event, SLOT(sl_openFromFile(QDataStream&)));
+    connect(event, SIGNAL(s_isChanged()), this, SLOT(sl_dataChanged()));
+    content_ = event;
+}
+
+NodeData *NodeData::clone() const
+{
+    auto *copy = new NodeData(type, nullptr);
+    if (const EventData *event = eventContent()) {
+        // A second content that is wired to nothing: a kept copy never reports or saves by itself.
+        auto *kept = new EventData(copy);
+        kept->setDescription(event->getDescription());
+        copy->content_ = kept;
+    }
+    return copy;
+}
+
+void NodeData::copyTo(NodeData *target) const
+{
+    const EventData *from = eventContent();
+    EventData *to = target ? target->eventContent() : nullptr;
+    if (type == 0 && from && to)
+        to->setDescription(from->getDescription());
+}
+
+EventData *NodeData::eventContent() const { return dynamic_cast<EventData *>(content_); }
+
+QRectF NodeData::boundingRect() const { return content_ ? content_->boundingRect() : QRectF(); }
+
+void NodeData::paint(QPainter *, const QStyleOptionGraphicsItem *, QWidget *) {}
+
+void NodeData::aboutToResize()
+{
+    ResizeObserver::tellAboutToResize(parentItem());
+    prepareGeometryChange();
+}
+
+void NodeData::resized() { ResizeObserver::tellResized(parentItem()); }
+
+void NodeData::sl_dataChanged() { emit s_dataChanged(); }
+
+void NodeData::sl_saveToFile(QDataStream &stream) { emit s_saveToFile(stream); }
+
+void NodeData::sl_openFromFile(QDataStream &stream) { emit s_openFromFile(stream); }

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QColor>
+#include <QGraphicsTextItem>
+
+/// A node's title, edited in place. Owned by its node, its parent item.
+///
+/// While it is not being edited, a title that is longer than the header shows its beginning and an ellipsis.
+class STNodeName : public QGraphicsTextItem
+{
+    Q_OBJECT
+
+public:
+    explicit STNodeName(QGraphicsItem *parent);
+
+    /// The width in item coordinates that the title may cover while it is not being edited.
+    void setAvailableWidth(double width);
+
+    QRectF boundingRect() const override;
+    QPainterPath shape() const override;
+    bool contains(const QPointF &point) const override;
+    void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
+
+protected:
+    void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+
+private:
+    bool isShortened() const { return !editing && !shortText.isNull(); }
+    void updateShortText();
+
+    QColor focusColor{QStringLiteral("#FFFFFF")};
+    double availableWidth = 0.0; // 0 until the node has laid itself out: no limit
+    QString shortText;           // what fits of a title that is too long; null when all of it fits
+    bool editing = false;        // has the focus, with the outline to match
+};

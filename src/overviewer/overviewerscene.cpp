@@ -1,0 +1,138 @@
+#include "overviewer/overviewerscene.h"
+
+#include <QBrush>
+#include <QDebug>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+/// The panel's rectangle while it has no entries; a null one would mean whatever was ever covered.
+const QRectF emptyPanel(0, 0, 1, 1);
+} // namespace
+
+OverViewerScene::OverViewerScene()
+{
+    // Entries come and go all at once, so an index of their places would be rebuilt for every story.
+    setItemIndexMethod(QGraphicsScene::NoIndex);
+    setBackgroundBrush(backgroundColor);
+    rebuildOvNodes();
+}
+
+void OverViewerScene::rebuildOvNodes()
+{
+    clearOvNodes();
+    for (Node *node : storyNodes) {
+        if (!showImportantOnly || node->getIsImportant())
+            addOvNode(node);
+    }
+    qInfo() << "No of ovnodes now: " << ovNodes.size();
+    layoutOvNodes();
+}
+
+void OverViewerScene::addOvNode(Node *node)
+{
+    auto *entry = new OvNode(node);
+    addItem(entry);
+    ovNodes.push_back(entry);
+    currentOvNode = entry;
+    connect(entry, SIGNAL(s_nodeChanged(OvNode*)), this, SLOT(sl_updateOvNode(OvNode*)));
+}
+
+void OverViewerScene::removeOvNode(OvNode *entry)
+{
+    const auto found = std::find(ovNodes.begin(), ovNodes.end(), entry);
+    if (found == ovNodes.end())
+        return;
+    if (currentOvNode == entry)
+        currentOvNode = nullptr;
+    ovNodes.erase(found);
+    removeItem(entry);
+    delete entry; // no edit of an entry changes the story, so none of its own handlers is running
+}
+
+void OverViewerScene::clearOvNodes()
+{
+    const std::vector<OvNode *> entries = ovNodes;
+    for (OvNode *entry : entries)
+        removeOvNode(entry);
+    ovNodes.clear();
+}
+
+int OverViewerScene::layoutOvNodes()
+{
+    int y = 0;
+    QRectF covered;
+    for (OvNode *entry : ovNodes) {
+        entry->setPos(0, y);
+        const QRectF outline = entry->boundingRect();
+        covered |= outline.translated(0, y);
+        y = static_cast<int>(spacing + outline.height() + y);
+    }
+    setSceneRect(covered.isNull() ? emptyPanel : covered);
+    return y;
+}
+
+OvNode *OverViewerScene::findOvNode(int index)
+{
+    const auto found = std::find_if(ovNodes.begin(), ovNodes.end(),
+                                    [index](const OvNode *entry) { return entry->getIndex() == index; });
+    if (found == ovNodes.end())
+        return nullptr;
+    qInfo() << "Found ovNode";
+    return *found;
+}
+
+void OverViewerScene::forgetScene(const QGraphicsScene *graph)
+{
+    if (!storyNodes.empty() && storyNodes.front()->scene() == graph)
+        sl_recieveNodes({});
+}
+
+void OverViewerScene::sl_recieveNodes(std::vector<Node *> nodes)
+{
+    storyNodes = std::move(nodes);
+    clearOvNodes();
+    rebuildOvNodes();
+}
+
+void OverViewerScene::sl_updatedNode(Node *node)
+{
+    const auto occurrences = std::count(storyNodes.begin(), storyNodes.end(), node);
+    for (auto i = occurrences; i > 0; --i) {
+        for (OvNode *entry : ovNodes) {
+            if (entry->getIndex() == node->getIndex())
+                entry->updateFromNode();
+        }
+    }
+}
+
+void OverViewerScene::sl_updateOvNode(OvNode *entry)
+{
+    emit s_nodeChanged(entry->getEventData(), entry->getIndex());
+}
+
+void OverViewerScene::sl_nodeIndexChanged(Node *node, int index)
+{
+    OvNode *entry = findOvNode(node->getIndex());
+    if (!entry)
+        return;
+    qInfo() << "Changing ovNode index from: " << entry->getIndex() << " to " << index;
+    entry->setIndex(index);
+}
+
+void OverViewerScene::sl_importanceChanged(Node *node, bool isImportant)
+{
+    if (OvNode *entry = findOvNode(node->getIndex())) {
+        qInfo() << "Setting importance";
+        entry->setImportant(isImportant);
+    }
+    rebuildOvNodes();
+}
+
+void OverViewerScene::sl_setFilter_important(bool show)
+{
+    qInfo() << "Setting filter";
+    showImportantOnly = show;
+    rebuildOvNodes();
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "items/node.h"
+#include "overviewer/ovnode.h"
+
+#include <QColor>
+#include <QGraphicsScene>
+
+#include <vector>
+
+/// The side panel: lists the story that it was last given, one entry an event, top to bottom.
+///
+/// One panel serves all tabs; it shows the story of the scene that published last. Owns its entries, not the
+/// nodes. Its scene rectangle is exactly that of its entries.
+class OverViewerScene : public QGraphicsScene
+{
+    Q_OBJECT
+
+public:
+    OverViewerScene();
+
+    /// The entries shown, top first.
+    const std::vector<OvNode *> &getOvNodes() const { return ovNodes; }
+    /// Stacks the entries; returns the y after the last one.
+    int layoutOvNodes();
+    /// The first entry with that index, null if there is none.
+    OvNode *findOvNode(int index);
+    /// Empties the panel if it shows the story of `graph`, which is about to go.
+    void forgetScene(const QGraphicsScene *graph);
+
+signals:
+    /// An entry was edited: its EventData, which stays the entry's, and the index of its node.
+    void s_nodeChanged(QGraphicsItem *nodeData, int index);
+
+public slots:
+    void sl_recieveNodes(std::vector<Node *> nodes);
+    void sl_updatedNode(Node *node);
+    void sl_updateOvNode(OvNode *node);
+    void sl_nodeIndexChanged(Node *node, int index);
+    void sl_importanceChanged(Node *node, bool isImportant);
+    void sl_setFilter_important(bool show);
+
+private:
+    void rebuildOvNodes();
+    void addOvNode(Node *node);
+    void removeOvNode(OvNode *entry);
+    void clearOvNodes();
+
+    std::vector<Node *> storyNodes; // not owned; refreshed or emptied before any of them goes
+    std::vector<OvNode *> ovNodes;
+    QColor backgroundColor{QStringLiteral("#EAEAEA")};
+    int spacing = 5; // scene units
+    OvNode *currentOvNode = nullptr;
+    bool showImportantOnly = false;
+};

@@ -1,0 +1,198 @@
+#include "scene/nodegraphscene.h"
+
+#include "commands/addnodecommand.h"
+#include "items/nodedata.h"
+
+#include <QBrush>
+#include <QDebug>
+#include <QGraphicsRectItem>
+#include <QGraphicsView>
+#include <QPointer>
+
+#include <cmath>
+
+namespace {
+
+constexpr double canvasSize = 99999;
+constexpr int veilAlpha = 28;
+constexpr double attachGap = 100.0;
+
+} // namespace
+
+NodegraphScene::NodegraphScene()
+{
+    qRegisterMetaType<std::vector<Node *>>("std::vector<Node*>");
+    backgroundColor = QColor::fromString(QLatin1String("#606060"));
+    selectionColor = QColor::fromString(QLatin1String("#FFFFFF"));
+    selectionColor.setAlpha(veilAlpha);
+    setBackgroundBrush(backgroundColor);
+    setSceneRect(QRectF(0, 0, canvasSize, canvasSize));
+    createSelectionRect();
+}
+
+void NodegraphScene::createSelectionRect()
+{
+    selectionRect = addRect(QRectF(), Qt::NoPen, QBrush());
+    selectionRect->setBrush(selectionColor);
+    // A veil over the nodes that answers nothing: presses go through to what lies below.
+    selectionRect->setAcceptedMouseButtons(Qt::NoButton);
+}
+
+void NodegraphScene::sl_addEventNode()
+{
+    const bool wasEmpty = nodes.empty();
+    const std::size_t before = nodes.size();
+    emit s_UndoCommandAdded(new AddNodeCommand(this, pointerPosition(), nodeCounter, 0, QString()));
+    if (nodes.size() == before)
+        return;
+    Node *added = nodes.back();
+    // The first event of a canvas has nothing to attach to; as the current node it starts the chain.
+    if (wasEmpty) {
+        currentNode_ = added;
+        added->setSelected(true);
+    }
+    added->ensureVisible(QRectF(), 0, 0);
+}
+
+/// Where the user points: the mouse, or the middle of what is shown until the mouse has been here.
+QPointF NodegraphScene::pointerPosition() const
+{
+    if (mouseSeen || views().isEmpty())
+        return lastMousePos;
+    const QGraphicsView *view = views().constFirst();
+    return view->mapToScene(view->viewport()->rect().center());
+}
+
+void NodegraphScene::createNode(QPointF pos, int index, int type, const NodeData *data, const QString &name)
+{
+    attachToCurrentNode(buildNode(pos, index, type, data, name));
+    updateStory();
+}
+
+Node *NodegraphScene::restoreNode(QPointF pos, int index, int type, const NodeData *data, const QString &name)
+{
+    Node *node = buildNode(pos, index, type, data, name);
+    updateStory();
+    return node;
+}
+
+Node *NodegraphScene::buildNode(QPointF pos, int index, int type, const NodeData *data, const QString &name)
+{
+    auto *node = new Node(type);
+    addItem(node);
+    wireNode(node);
+    node->setPos(pos);
+    if (!name.isEmpty())
+        node->setNodeName(name);
+    if (data)
+        node->copyDataFrom(data);
+    node->setIndex(freeIndex(index, node));
+    return node;
+}
+
+void NodegraphScene::wireNode(Node *node)
+{
+    connect(node, SIGNAL(s_selected(Node*)), this, SLOT(sl_selectCurrentNode(Node*)));
+    connect(node, SIGNAL(s_moving(Node*)), this, SLOT(sl_nodeMove(Node*)));
+    connect(node, SIGNAL(s_socketClick(int,QPointF)), this, SLOT(sl_socketClick(int,QPointF)));
+    connect(node, SIGNAL(s_socketClickDrag()), this, SLOT(sl_socketClickDrag()));
+    connect(node, SIGNAL(s_changed(Node*)), this, SLOT(sl_nodeChanged(Node*)));
+    connect(node, SIGNAL(s_indexChanged(Node*,int)), this, SLOT(sl_nodeIndexChanged(Node*,int)));
+    connect(node, SIGNAL(s_importanceChanged(Node*,bool)), this, SLOT(sl_importanceChanged(Node*,bool)));
+    nodes.push_back(node);
+    nodesByIndex.insert(node, node->getIndex());
+    ++nodeCounter;
+}
+
+/// The wanted index if no other node has it, else the counter's value or the first free number above it.
+int NodegraphScene::freeIndex(int wanted, const Node *node) const
+{
+    if (!nodesByIndex.isTakenByOther(wanted, node))
+        return wanted;
+    int candidate = nodeCounter;
+    while (nodesByIndex.isTakenByOther(candidate, node))
+        ++candidate;
+    return candidate;
+}
+
+void NodegraphScene::attachToCurrentNode(Node *newNode)
+{
+    if (Node *current = currentNode_; current && newNode) {
+        const double x = current->scenePos().x() + current->boundingRect().width() + attachGap;
+        newNode->setPos(std::trunc(x), std::trunc(current->scenePos().y()));
+        connectNodes(newNode, current);
+        if (current == endOfStoryNode_)
+            setEndOfStory(newNode);
+        current->setSelected(false);
+        currentNode_ = newNode;
+        newNode->setSelected(true);
+    }
+    Node *only = newNode ? newNode : currentNode_;
+    if (nodes.size() == 1 && only)
+        setEndOfStory(only);
+}
+
+Node *NodegraphScene::findNodeByIndex(int index) const { return nodesByIndex.first(index); }
+
+void NodegraphScene::sl_selectCurrentNode(Node *node) { currentNode_ = node; }
+
+void NodegraphScene::sl_deselectCurrentNode() { currentNode_ = nullptr; }
+
+void NodegraphScene::selectAll()
+{
+    selectedNodes.clear();
+    for (Node *node : nodes)
+        node->setSelected(true);
+    selectedNodes = nodes;
+}
+
+void NodegraphScene::deselectAll()
+{
+    selectedNodes.clear();
+    for (Node *node : nodes)
+        node->setSelected(false);
+}
+
+// Lines follow a dragged node through its socket signals; there is nothing else to do.
+void NodegraphScene::sl_nodeMove(Node *) {}
+
+void NodegraphScene::sl_lastMousePos(QPointF pos)
+{
+    lastMousePos = pos;
+    mouseSeen = true;
+}
+
+// Comes before the node stores its new index, so nothing finds it under a number that it no longer has.
+void NodegraphScene::sl_nodeIndexChanged(Node *node, int index)
+{
+    nodesByIndex.reindex(node, index);
+    emit s_nodeIndexChanged(node, index);
+}
+
+void NodegraphScene::sl_importanceChanged(Node *node, bool isImportant)
+{
+    emit s_importanceChanged(node, isImportant);
+}
+
+void NodegraphScene::clear()
+{
+    // The first deletion takes the whole selection with it, so each node may already be gone.
+    const std::vector<QPointer<Node>> all(nodes.begin(), nodes.end());
+    for (const QPointer<Node> &node : all) {
+        if (!node || node->scene() != this)
+            continue;
+        qInfo() << "clearing scene";
+        deleteSelectedNodes(node);
+    }
+    nodes.clear();
+    nodesByIndex.clear();
+    selectedNodes.clear();
+    selectionRect->setRect(QRectF());
+    selectInRubberBand();
+    endDrag();
+    rubberBandActive = false;
+    nodeCounter = 0;
+    currentNode_ = nullptr;
+    QGraphicsScene::clear();
+    createSelectionRect();
+}

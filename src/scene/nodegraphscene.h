@@ -1,0 +1,162 @@
+#pragma once
+
+#include "items/connectionline.h"
+#include "items/node.h"
+#include "items/socket.h"
+#include "scene/nodeindexmap.h"
+
+#include <QColor>
+#include <QGraphicsScene>
+
+#include <vector>
+
+class NodeData;
+class QDataStream;
+class QGraphicsRectItem;
+class QUndoCommand;
+
+Q_MOC_INCLUDE(<QUndoCommand>)
+Q_MOC_INCLUDE(<QDataStream>)
+
+/// The model of one story graph, one scene a tab: nodes, connections, marks and the story they make.
+///
+/// The user's edits are never carried out directly. The scene builds an undo command and hands it out through
+/// s_UndoCommandAdded(); whoever pushes it on an undo stack makes it run, and it calls back into the
+/// primitive operations below. All positions are scene coordinates. Created without a parent; whoever makes
+/// the tab ties its life to the tab's view.
+class NodegraphScene : public QGraphicsScene
+{
+    Q_OBJECT
+
+public:
+    NodegraphScene();
+
+    /// All nodes in the order of their creation; owned by this scene.
+    const std::vector<Node *> &getNodes() const { return nodes; }
+    /// What select all and the rubber band have collected; not the items' own selected state.
+    const std::vector<Node *> &getSelectedNodes() const { return selectedNodes; }
+    /// The chain from the first event to the end of the story.
+    const std::vector<Node *> &getStory() const { return story; }
+    /// The node that last reported itself pressed, null when there is none.
+    Node *currentNode() const { return currentNode_; }
+    /// The node that carries the mark, null when there is none.
+    Node *endOfStoryNode() const { return endOfStoryNode_; }
+
+    /// Makes a node for the user: places it behind the current node, if there is one, connects it there and
+    /// hands it the end-of-story mark. A taken index is replaced by the next free one from the counter. The
+    /// description is copied from `data`, which may be null and stays the caller's.
+    void createNode(QPointF pos, int index, int type, const NodeData *data, const QString &name);
+    /// Makes a node just as told, whichever node is current: for bringing back one that was there before.
+    Node *restoreNode(QPointF pos, int index, int type, const NodeData *data, const QString &name);
+    /// The first node with that index, null if there is none.
+    Node *findNodeByIndex(int index) const;
+    /// Feeds the input of `downstream` from the output of `upstream`, replacing what fed it. Nothing happens
+    /// if one is null or if the connection would close a cycle.
+    void connectNodes(Node *downstream, Node *upstream);
+    /// Takes away what feeds the node's input. Null is ignored.
+    void disconnectNode(Node *node);
+    /// Whether `upstream` is `downstream` itself or is fed by it over any number of nodes.
+    static bool wouldCloseCycle(const Node *downstream, const Node *upstream);
+    /// Cuts the node out of the graph; it is destroyed soon after. Null is ignored.
+    void deleteNode(Node *node);
+    /// Deletes the selected nodes, or if none are selected `node`, or if that is null the current node; one
+    /// undo command each.
+    void deleteSelectedNodes(Node *node);
+
+    /// Computes the story anew and publishes it.
+    void updateStory();
+    /// Moves the end-of-story mark to the current node; nothing happens if there is none.
+    void setEndOfStoryNode();
+    /// Moves the mark to `node`, which must not be null.
+    void setEndOfStory(Node *node);
+    /// Flips the importance of `node`, or of the current node if that is null.
+    void toggleImportance(Node *node);
+
+signals:
+    /// A new edit; the receiver owns the command and runs it by pushing it.
+    void s_UndoCommandAdded(QUndoCommand *undoCommand);
+    void s_frameView(QRectF bounds);
+    void s_updateStory(std::vector<Node *>);
+    void s_updateNode(Node *node);
+    void s_nodeIndexChanged(Node *node, int index);
+    void s_importanceChanged(Node *node, bool isImportant);
+
+public slots:
+    void sl_addEventNode();
+    void sl_selectCurrentNode(Node *);
+    void sl_deselectCurrentNode();
+    void sl_nodeMove(Node *);
+    void sl_connectionLineClicked(ConnectionLine *line, int type);
+    void sl_nodeChanged(Node *);
+    void sl_nodeIndexChanged(Node *, int index);
+    void sl_ovNodeChanged(QGraphicsItem *nodeData, int index);
+    void sl_importanceChanged(Node *, bool isImportant);
+    void sl_socketClick(int type, QPointF);
+    void sl_socketClickDrag();
+    void sl_manualNodeConnect(Socket *socket);
+    void sl_lastMousePos(QPointF);
+    /// Writes and reads one tab's block of a document; reading expects an empty scene.
+    void saveSceneToFile(QDataStream &stream);
+    void loadSceneFromFile(QDataStream &stream);
+    void copyNodes();
+    void cutNodes();
+    void pasteNodes();
+    void selectAll();
+    void deselectAll();
+    /// Deletes every node, through commands, and whatever else is on the canvas.
+    void clear();
+    /// Asks for the current node, or the selected ones, or all nodes to be shown.
+    void frameSelectedNodes();
+
+protected:
+    void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
+    void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
+    void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;
+
+private:
+    Node *buildNode(QPointF pos, int index, int type, const NodeData *data, const QString &name);
+    void wireNode(Node *node);
+    int freeIndex(int wanted, const Node *node) const;
+    void attachToCurrentNode(Node *newNode);
+    void forgetNode(Node *node);
+    void createSelectionRect();
+    QPointF pointerPosition() const;
+
+    void pushDelNodeCommand(Node *node);
+    void pushDisconnectCommand(const Node *node);
+    void wireLine(ConnectionLine *line, Node *downstream, Node *upstream);
+    void removeInputLine(Node *node);
+
+    void beginDrag(const QPointF &start, const QPointF &end, Socket *source);
+    void removeDragLine();
+    void endDrag();
+    void selectInRubberBand();
+    void settleMovedLines(Node *dragged);
+
+    std::vector<Node *> readRecords(QDataStream &stream, int count);
+    void restoreConnections(const std::vector<Node *> &loaded);
+
+    Node *duplicateNode(Node *source);
+    void addNodeAt(QPointF pos, int type, int index);
+
+    std::vector<Node *> nodes;
+    std::vector<Node *> selectedNodes;
+    std::vector<Node *> clipboardNodes;
+    std::vector<Node *> story;
+    QColor backgroundColor;
+    QColor selectionColor;
+    QPointF lastMousePos;
+    Socket *dragSocket = nullptr;
+    ConnectionLine *dragLine = nullptr;
+    Node *currentNode_ = nullptr;
+    bool lineDragActive = false;
+    int nodeCounter = 0; // nodes wired since the last clear(); the source of new indices
+    bool rubberBandActive = false;
+    bool cutPending = false;
+    QGraphicsRectItem *selectionRect = nullptr;
+    QPointF rubberBandOrigin;
+    Node *endOfStoryNode_ = nullptr;
+
+    NodeIndexMap nodesByIndex;
+    bool mouseSeen = false; // lastMousePos means something
+};

@@ -1,0 +1,114 @@
+#include "scene/nodegraphscene.h"
+
+#include "commands/connectnodescommand.h"
+#include "scene/recordorder.h"
+
+#include <QDataStream>
+#include <QDebug>
+#include <QHash>
+
+namespace {
+constexpr double framingMargin = 50;
+constexpr int mostBlankNodes = 1000; // made for records that a damaged file announces but does not hold
+} // namespace
+
+void NodegraphScene::saveSceneToFile(QDataStream &stream)
+{
+    qInfo() << "Nodes to save" << nodes.size();
+    stream << qint32(nodes.size());
+    std::vector<int> indices;
+    indices.reserve(nodes.size());
+    for (const Node *node : nodes)
+        indices.push_back(node->getIndex());
+    for (const std::size_t position : recordOrder(indices)) {
+        Node *node = nodes[position];
+        if (node->getType() == 0)
+            stream << QStringLiteral("Event");
+        qInfo() << "Serializing node";
+        node->saveToStream(stream);
+    }
+}
+
+void NodegraphScene::loadSceneFromFile(QDataStream &stream)
+{
+    qInfo() << "Fileopening";
+    qint32 count = 0;
+    stream >> count;
+    qInfo() << "Nodes to open" << count;
+    if (count >= 1)
+        restoreConnections(readRecords(stream, count));
+    frameSelectedNodes();
+}
+
+/// The nodes that were read, in the order of their records.
+std::vector<Node *> NodegraphScene::readRecords(QDataStream &stream, int count)
+{
+    std::vector<Node *> loaded;
+    int blankNodes = 0;
+    for (int i = 0; i < count; ++i) {
+        const bool pastEnd = stream.status() != QDataStream::Ok || stream.atEnd();
+        if (pastEnd && ++blankNodes > mostBlankNodes) {
+            qWarning() << "Stopped reading: the data ended after" << i - mostBlankNodes << "of" << count
+                       << "nodes";
+            break;
+        }
+        qInfo() << "deserializing node";
+        QString typeTag; // every node is an event, whatever the tag says
+        stream >> typeTag;
+        const int provisionalIndex = nodeCounter++;
+        createNode(QPointF(0, 0), provisionalIndex, 0, nullptr, QString());
+        // By the provisional index, not the new node itself: see recordOrder(), which writing relies on.
+        Node *node = findNodeByIndex(provisionalIndex);
+        node->openFromStream(stream);
+        if (node->getIsEndOfStory())
+            setEndOfStory(node);
+        loaded.push_back(node);
+    }
+    return loaded;
+}
+
+void NodegraphScene::restoreConnections(const std::vector<Node *> &loaded)
+{
+    QHash<int, Node *> firstWithIndex;
+    for (Node *node : loaded) {
+        if (!firstWithIndex.contains(node->getIndex()))
+            firstWithIndex.insert(node->getIndex(), node);
+    }
+    for (const Node *node : loaded) {
+        const int upstreamIndex = node->getPrevIndex();
+        if (upstreamIndex == -1)
+            continue;
+        if (!firstWithIndex.contains(upstreamIndex)) {
+            qInfo() << "CouldntFind outNode";
+            continue;
+        }
+        if (wouldCloseCycle(findNodeByIndex(node->getIndex()), findNodeByIndex(upstreamIndex))) {
+            qWarning() << "Refused a connection that closes a cycle: node" << node->getIndex()
+                       << "fed by node" << upstreamIndex;
+            continue;
+        }
+        emit s_UndoCommandAdded(new ConnectNodesCommand(this, node->getIndex(), upstreamIndex));
+    }
+    // What is saved later is what is shown now.
+    for (Node *node : loaded) {
+        if (!node->hasInput())
+            node->setPrevIndex(-1);
+    }
+}
+
+void NodegraphScene::frameSelectedNodes()
+{
+    const auto sceneRectOf = [](const Node *node) { return node->mapRectToScene(node->boundingRect()); };
+    QRectF bounds;
+    if (currentNode_) {
+        bounds = sceneRectOf(currentNode_);
+    } else {
+        const std::vector<Node *> &framed = selectedNodes.empty() ? nodes : selectedNodes;
+        for (const Node *node : framed)
+            bounds |= sceneRectOf(node);
+    }
+    if (!bounds.isNull())
+        bounds.adjust(-framingMargin, -framingMargin, framingMargin, framingMargin);
+    emit s_frameView(bounds);
+    qInfo() << "Calculating bounds";
+}

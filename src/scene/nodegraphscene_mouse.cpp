@@ -1,0 +1,167 @@
+#include "scene/nodegraphscene.h"
+
+#include "commands/connectnodescommand.h"
+
+#include <QGraphicsRectItem>
+#include <QGraphicsSceneMouseEvent>
+#include <QSet>
+
+namespace {
+
+constexpr double rubberBandZ = 100.0;
+
+/// The node a socket sits on, null if there is none.
+Node *nodeOf(const Socket *socket) { return socket ? dynamic_cast<Node *>(socket->parentItem()) : nullptr; }
+
+} // namespace
+
+void NodegraphScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
+{
+    endDrag(); // a second button during a drag leaves nothing of the first behind
+    currentNode_ = nullptr;
+    if (event->button() == Qt::LeftButton) {
+        rubberBandActive = !itemAt(event->scenePos(), QTransform());
+        if (rubberBandActive) {
+            selectedNodes.clear();
+            rubberBandOrigin = event->scenePos();
+        }
+    }
+    QGraphicsScene::mousePressEvent(event);
+}
+
+void NodegraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
+{
+    if (lineDragActive && dragLine)
+        dragLine->sl_setStart(lastMousePos);
+    if (rubberBandActive) {
+        selectionRect->setRect(QRectF(rubberBandOrigin, event->scenePos()).normalized());
+        selectionRect->setZValue(rubberBandZ);
+        selectInRubberBand();
+    }
+    for (Node *node : selectedNodes) {
+        emit node->s_inSocketMove(node->getInSocket()->sceneCentre());
+        emit node->s_outSocketMove(node->getOutSocket()->sceneCentre());
+    }
+    QGraphicsScene::mouseMoveEvent(event);
+}
+
+void NodegraphScene::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
+{
+    removeDragLine(); // first, so that it cannot be what lies under the mouse
+    if (auto *socket = dynamic_cast<Socket *>(itemAt(event->scenePos(), QTransform())))
+        sl_manualNodeConnect(socket);
+    endDrag();
+    rubberBandActive = false;
+    selectionRect->setRect(QRectF());
+    auto *dragged = dynamic_cast<Node *>(mouseGrabberItem());
+    QGraphicsScene::mouseReleaseEvent(event);
+    settleMovedLines(dragged);
+}
+
+/// While nodes are dragged their lines are one step behind; when they are dropped every line must be exact.
+void NodegraphScene::settleMovedLines(Node *dragged)
+{
+    if (!dragged || dragged->scene() != this)
+        return;
+    dragged->updateLines();
+    const QList<QGraphicsItem *> selected = selectedItems();
+    for (QGraphicsItem *item : selected) {
+        if (auto *node = dynamic_cast<Node *>(item))
+            node->updateLines();
+    }
+}
+
+void NodegraphScene::selectInRubberBand()
+{
+    if (!selectionRect)
+        return;
+    QSet<const Node *> listed(selectedNodes.begin(), selectedNodes.end());
+    const QList<QGraphicsItem *> covered =
+        items(selectionRect->rect(), Qt::IntersectsItemShape, Qt::DescendingOrder, QTransform());
+    for (QGraphicsItem *item : covered) {
+        auto *node = dynamic_cast<Node *>(item);
+        if (!node)
+            continue;
+        node->setSelected(true);
+        if (!listed.contains(node)) {
+            listed.insert(node);
+            selectedNodes.push_back(node);
+        }
+    }
+}
+
+void NodegraphScene::sl_socketClick(int type, QPointF pos)
+{
+    auto *node = qobject_cast<Node *>(sender());
+    if (!node)
+        return;
+    if (type != SocketType::input) {
+        beginDrag(node->getInSocket()->sceneCentre(), pos, node->getOutSocket());
+        return;
+    }
+    if (node->hasInput())
+        pushDisconnectCommand(node);
+    beginDrag(node->getOutSocket()->sceneCentre(), pos, node->getInSocket());
+}
+
+void NodegraphScene::sl_socketClickDrag()
+{
+    if (dragLine)
+        dragLine->sl_setStart(lastMousePos);
+}
+
+void NodegraphScene::sl_connectionLineClicked(ConnectionLine *line, int type)
+{
+    Socket *input = line->inputSocket();
+    Socket *output = line->outputSocket();
+    const Node *fed = nodeOf(input);
+    if (fed && fed->hasInput())
+        pushDisconnectCommand(fed);
+    Socket *stays = type != SocketType::input ? input : output;
+    if (!stays)
+        return;
+    beginDrag(lastMousePos, stays->sceneCentre(), stays);
+    lineDragActive = true;
+}
+
+/// Starts a new connection from `source`; whatever was being dragged is dropped.
+void NodegraphScene::beginDrag(const QPointF &start, const QPointF &end, Socket *source)
+{
+    endDrag();
+    dragLine = new ConnectionLine(start, end);
+    dragLine->setAcceptedMouseButtons(Qt::NoButton);
+    addItem(dragLine);
+    dragSocket = source;
+}
+
+void NodegraphScene::removeDragLine()
+{
+    if (dragLine) {
+        removeItem(dragLine);
+        delete dragLine; // it never takes a press, so no event handler of its own can be running
+        dragLine = nullptr;
+    }
+    lineDragActive = false;
+}
+
+void NodegraphScene::endDrag()
+{
+    removeDragLine();
+    dragSocket = nullptr;
+}
+
+void NodegraphScene::sl_manualNodeConnect(Socket *target)
+{
+    const Socket *source = dragSocket;
+    dragSocket = nullptr;
+    const Node *sourceNode = nodeOf(source);
+    const Node *targetNode = nodeOf(target);
+    if (!sourceNode || !targetNode || sourceNode == targetNode || source->getType() == target->getType())
+        return;
+    const bool fromOutput = source->getType() == SocketType::output;
+    const Node *downstream = fromOutput ? targetNode : sourceNode;
+    const Node *upstream = fromOutput ? sourceNode : targetNode;
+    if (wouldCloseCycle(downstream, upstream))
+        return;
+    emit s_UndoCommandAdded(new ConnectNodesCommand(this, downstream->getIndex(), upstream->getIndex()));
+}

@@ -1,0 +1,156 @@
+#include "view/nodegraphview.h"
+
+#include "scene/nodegraphscene.h"
+
+#include <QDebug>
+#include <QGestureEvent>
+#include <QMouseEvent>
+#include <QPinchGesture>
+#include <QScrollBar>
+#include <QTimer>
+#include <QUndoStack>
+#include <QWheelEvent>
+
+#include <cmath>
+
+namespace {
+
+constexpr double zoomBase = 1.2;
+constexpr double deltaPerZoomStep = 240.0; // two notches of an ordinary wheel
+
+/// Scroll-bar values are whole; far zoomed out, a pan can ask for more than an int holds.
+int scrollValue(double value)
+{
+    constexpr double limit = 1e9;
+    if (std::isnan(value))
+        return 0;
+    return static_cast<int>(qBound(-limit, value, limit));
+}
+
+} // namespace
+
+NodegraphView::NodegraphView(QWidget *parent) : QGraphicsView(parent)
+{
+    setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+    setViewportUpdateMode(QGraphicsView::FullViewportUpdate);
+    setTransformationAnchor(QGraphicsView::AnchorUnderMouse);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setMouseTracking(true);
+    grabGesture(Qt::PanGesture);
+    grabGesture(Qt::PinchGesture);
+    setNodegraphScene(new NodegraphScene);
+    connect(this, SIGNAL(lastMousePos(QPointF)), nodegraphScene_, SLOT(sl_lastMousePos(QPointF)));
+    connect(nodegraphScene_, SIGNAL(s_UndoCommandAdded(QUndoCommand*)), this,
+                                    SLOT(sl_undoCommandAdded(QUndoCommand*)));
+    connect(nodegraphScene_, SIGNAL(s_frameView(QRectF)), this, SLOT(sl_frameOnSelectedNodes(QRectF)));
+    undoStack_ = new QUndoStack(this);
+}
+
+void NodegraphView::setNodegraphScene(NodegraphScene *scene)
+{
+    nodegraphScene_ = scene;
+    setScene(scene);
+}
+
+void NodegraphView::sl_undoCommandAdded(QUndoCommand *undoCommand) { undoStack_->push(undoCommand); }
+
+void NodegraphView::zoomAt(double factor, const QPointF &scenePos)
+{
+    scale(factor, factor);
+    zoomDivisor /= factor;
+    translate(panAnchor.x() - scenePos.x(), panAnchor.y() - scenePos.y());
+}
+
+void NodegraphView::wheelEvent(QWheelEvent *event)
+{
+    const double factor = std::pow(zoomBase, event->angleDelta().y() / deltaPerZoomStep);
+    zoomAt(factor, mapToScene(event->position().toPoint()));
+}
+
+void NodegraphView::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::RightButton) {
+        panAnchor = event->position().toPoint();
+        setCursor(Qt::ClosedHandCursor);
+        return;
+    }
+    QGraphicsView::mousePressEvent(event);
+}
+
+void NodegraphView::mouseMoveEvent(QMouseEvent *event)
+{
+    const QPoint position = event->position().toPoint();
+    emit lastMousePos(mapToScene(position));
+    if (event->buttons() & Qt::RightButton)
+        pan(position);
+    QGraphicsView::mouseMoveEvent(event);
+}
+
+void NodegraphView::pan(const QPoint &position)
+{
+    const QPointF distance = mapToScene(position) - mapToScene(panAnchor.toPoint());
+    panAnchor = position;
+    horizontalScrollBar()->setValue(
+        scrollValue(horizontalScrollBar()->value() - panSpeed * distance.x() / zoomDivisor));
+    verticalScrollBar()->setValue(
+        scrollValue(verticalScrollBar()->value() - panSpeed * distance.y() / zoomDivisor));
+}
+
+void NodegraphView::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::RightButton) {
+        setCursor(Qt::ArrowCursor);
+        panAnchor = QPointF();
+    }
+    QGraphicsView::mouseReleaseEvent(event);
+}
+
+bool NodegraphView::event(QEvent *event)
+{
+    if (event->type() == QEvent::Gesture)
+        return handleGesture(static_cast<QGestureEvent *>(event));
+    const bool handled = QGraphicsView::event(event);
+    if (event->type() == QEvent::Resize && frameIsEarly && !sizeIsKnown) {
+        frame(earlyFrame);
+    } else if (event->type() == QEvent::Show && !sizeIsKnown) {
+        // The layouts around a page that is shown for the first time settle after this event.
+        QTimer::singleShot(0, this, &NodegraphView::frameAgain);
+    }
+    return handled;
+}
+
+void NodegraphView::frameAgain()
+{
+    sizeIsKnown = true;
+    if (frameIsEarly)
+        frame(earlyFrame);
+    frameIsEarly = false;
+}
+
+bool NodegraphView::handleGesture(QGestureEvent *event)
+{
+    if (event->gesture(Qt::PanGesture))
+        qInfo() << "Handling pan gesture";
+    if (const auto *pinch = static_cast<QPinchGesture *>(event->gesture(Qt::PinchGesture))) {
+        qInfo() << "Handling pinch gesture";
+        zoomAt(pinch->scaleFactor(), pinch->centerPoint());
+    }
+    return true;
+}
+
+void NodegraphView::sl_frameOnSelectedNodes(QRectF bounds)
+{
+    qInfo() << "Setting bounds";
+    if (!sizeIsKnown) {
+        earlyFrame = bounds;
+        frameIsEarly = true;
+    }
+    frame(bounds);
+}
+
+void NodegraphView::frame(const QRectF &bounds)
+{
+    fitInView(bounds, Qt::KeepAspectRatio);
+    centerOn(bounds.center());
+}

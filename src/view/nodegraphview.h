@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QGraphicsView>
+#include <QRectF>
+
+class NodegraphScene;
+class QGestureEvent;
+class QUndoCommand;
+class QUndoStack;
+
+Q_MOC_INCLUDE(<QUndoCommand>)
+
+/// One tab: shows its own scene, navigates it, and keeps the tab's undo history.
+class NodegraphView : public QGraphicsView
+{
+    Q_OBJECT
+
+public:
+    explicit NodegraphView(QWidget *parent);
+
+    /// The scene shown. Made by the constructor, but not owned: it outlives this view unless somebody else
+    /// deletes it.
+    NodegraphScene *nodegraphScene() const { return nodegraphScene_; }
+    void setNodegraphScene(NodegraphScene *scene);
+    /// The undo history; the one made by the constructor is owned by this view.
+    QUndoStack *undoStack() const { return undoStack_; }
+    void setUndoStack(QUndoStack *stack) { undoStack_ = stack; }
+
+    double getZoomDivisor() const { return zoomDivisor; }
+    void setZoomDivisor(double divisor) { zoomDivisor = divisor; }
+    /// Scales by `factor` and shifts by what separates the pan anchor from `scenePos`.
+    void zoomAt(double factor, const QPointF &scenePos);
+
+signals:
+    /// The mouse moved; scene coordinates.
+    void lastMousePos(QPointF pos);
+
+public slots:
+    /// Takes over the command and runs it.
+    void sl_undoCommandAdded(QUndoCommand *undoCommand);
+    /// Shows `bounds` (scene coordinates) as large as they fit.
+    void sl_frameOnSelectedNodes(QRectF bounds);
+
+protected:
+    bool event(QEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+
+private:
+    bool handleGesture(QGestureEvent *event);
+    void pan(const QPoint &position);
+    void frame(const QRectF &bounds);
+    void frameAgain();
+
+    double zoomDivisor = 1.0; // reciprocal of the zoom by wheel and pinch since it was last set
+    QPointF panAnchor;        // viewport coordinates, (0, 0) while nobody pans
+    int panSpeed = 1;
+    NodegraphScene *nodegraphScene_ = nullptr;
+    QUndoStack *undoStack_ = nullptr;
+
+    QRectF earlyFrame;         // what was to be framed before this view had its size
+    bool frameIsEarly = false; // earlyFrame holds something
+    bool sizeIsKnown = false;  // has been shown and laid out
+};
