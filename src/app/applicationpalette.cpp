@@ -8,6 +8,7 @@ QPalette applicationPalette()
     const QColor base(66, 66, 66);
     const QColor button(77, 77, 77);
     const QColor text(255, 255, 255);
+    const QColor placeholder(185, 185, 185);
     const QColor disabledText(160, 160, 160);
     const QColor highlight(48, 112, 190);
 
@@ -16,13 +17,13 @@ QPalette applicationPalette()
     palette.setColor(QPalette::Base, base);
     palette.setColor(QPalette::AlternateBase, window);
     palette.setColor(QPalette::Text, text);
-    palette.setColor(QPalette::PlaceholderText, disabledText);
+    palette.setColor(QPalette::PlaceholderText, placeholder);
     palette.setColor(QPalette::Button, button);
     palette.setColor(QPalette::ButtonText, text);
     palette.setColor(QPalette::BrightText, text);
     palette.setColor(QPalette::ToolTipBase, base);
     palette.setColor(QPalette::ToolTipText, text);
-    palette.setColor(QPalette::Link, QColor(112, 176, 251));
+    palette.setColor(QPalette::Link, QColor(126, 184, 252));
     palette.setColor(QPalette::LinkVisited, QColor(190, 160, 250));
     palette.setColor(QPalette::Highlight, highlight);
     palette.setColor(QPalette::HighlightedText, text);

@@ -40,6 +40,8 @@ void MainWindow::setupOverviewer()
     panel->setScene(scene);
     panel->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     panel->setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+    // The pen that the outlines of important entries are drawn with; the dock's white would not show.
+    panel->setStyleSheet(QStringLiteral("QGraphicsView { color: rgb(0, 0, 192); }"));
     ui->OverviewerLayout->addWidget(panel);
     connect(ui->F1_button, SIGNAL(clicked(bool)), scene, SLOT(sl_setFilter_important(bool)));
     new PanelFitter(panel);

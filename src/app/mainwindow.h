@@ -8,6 +8,7 @@
 
 class NodegraphView;
 class OverViewerScene;
+class QFileDevice;
 class QIODevice;
 
 namespace Ui {
@@ -77,7 +78,7 @@ private:
 
     QString askForSavePath();
     void saveTo(const QString &path);
-    bool writeDocument(QIODevice *device) const;
+    bool writeDocument(QFileDevice *device) const;
     void readDocument(QIODevice *device);
     void setZoom(double scale);
 

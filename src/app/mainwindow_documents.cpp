@@ -59,17 +59,18 @@ void MainWindow::saveTo(const QString &path)
     }
     qInfo() << "Tabs to save" << views.size();
     if (!writeDocument(&file) || !file.commit())
-        qWarning() << "Couldn't write the scene file, what was there is kept:" << path << file.errorString();
+        qWarning() << "Couldn't write the scene file:" << path << file.errorString();
 }
 
 /// Writes all tabs; false if not every byte was taken.
-bool MainWindow::writeDocument(QIODevice *device) const
+bool MainWindow::writeDocument(QFileDevice *device) const
 {
     DocumentStream stream(device);
     stream << qint32(views.size());
     for (const NodegraphView *view : views)
         view->nodegraphScene()->saveSceneToFile(stream);
-    return stream.status() == QDataStream::Ok;
+    // Flushed here: QSaveFile::commit() would not notice that its last buffer found no room.
+    return stream.status() == QDataStream::Ok && device->flush();
 }
 
 void MainWindow::clearTabs()

@@ -36,16 +36,17 @@ void AddNodeCommand::bringBack()
 {
     const Node *formerEnd = scene->endOfStoryNode();
     removal->undo();
+    index = removal->nodeIndex();
     Node *node = scene->findNodeByIndex(index);
     if (node && hadEndMark && node != scene->endOfStoryNode())
         scene->setEndOfStory(node);
+    formerEndIndex.reset();
     rememberFormerEnd(formerEnd, node);
 }
 
 /// Keeps the index of the node that had the mark before, if the new node has it now.
 void AddNodeCommand::rememberFormerEnd(const Node *former, const Node *node)
 {
-    formerEndIndex.reset();
     if (former && node && former != node && scene->endOfStoryNode() == node)
         formerEndIndex = former->getIndex();
 }

@@ -20,6 +20,10 @@ public:
     AddNodeCommand(NodegraphScene *scene, const QPointF &pos, int index, int type, const QString &name);
     ~AddNodeCommand() override;
 
+    /// Says, before the first redo(), that the new node will be handed the end-of-story mark of the node with
+    /// that index, so that undo() gives it back there.
+    void willTakeMarkFrom(int nodeIndex) { formerEndIndex = nodeIndex; }
+
     void undo() override;
     /// The first time the node is made and attached as a new one is; later it comes back as undo() found it.
     void redo() override;

@@ -62,6 +62,9 @@ void DelNodeCommand::undo()
     undone = true;
     const bool endIsFree = scene->endOfStoryNode() == nullptr;
     node = scene->restoreNode(pos, index, type, dataCopy.get(), name);
+    index = node->getIndex(); // another one if the old one was taken, so that redo() takes no other node
+    if (name.isEmpty())
+        node->setNodeName(name); // no title means the default one to whoever makes a node
     if (important)
         node->setImportant(true);
     restoreLinks();

@@ -26,6 +26,9 @@ public:
     void undo() override;
     void redo() override;
 
+    /// Of the node, or of the one that undo() made last.
+    int nodeIndex() const { return index; }
+
 private:
     void captureLinksAndMarks();
     void captureAgain();

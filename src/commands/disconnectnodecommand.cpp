@@ -8,7 +8,7 @@ DisconnectNodeCommand::DisconnectNodeCommand(NodegraphScene *editedScene, int do
                                              int upstreamIndex)
     : scene(editedScene), nodeIndex(downstreamIndex), prevIndex(upstreamIndex)
 {
-    setText(QObject::tr("Disonnect Node")); // spelled so on every menu that ever showed it
+    setText(QObject::tr("Disonnect Node"));
 }
 
 void DisconnectNodeCommand::redo() { scene->disconnectNode(scene->findNodeByIndex(nodeIndex)); }

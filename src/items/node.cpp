@@ -229,7 +229,7 @@ void Node::openFromStream(QDataStream &stream)
     nameItem->setPlainText(title);
     setPos(position);
     setIndex(storedIndex);
-    // Once more whether or not it changed: listeners that came with the record's text match nodes by index.
+    // Told once more, so that a record whose index is the node's own is announced as well.
     emit s_indexChanged(this, storedIndex);
     prevIndex = storedPrevIndex;
     if (endOfStory == 1)

@@ -1,13 +1,12 @@
 #include "items/stlineedit.h"
 
 #include "items/resizeobserver.h"
+#include "items/textediting.h"
 
 #include <QFocusEvent>
 #include <QGraphicsSceneMouseEvent>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QStyleOptionGraphicsItem>
-#include <QTextCursor>
 #include <QTextDocument>
 
 namespace {
@@ -19,6 +18,7 @@ STLineEdit::STLineEdit(const QString &text, double textWidth, QGraphicsItem *par
     : QGraphicsTextItem(parent)
 {
     setTextInteractionFlags(Qt::TextEditorInteraction);
+    TextEditing::takePlainTextOnly(*this);
     QFont textFont(QStringLiteral("Titillium Web"), 14);
     textFont.setItalic(false);
     textFont.setLetterSpacing(QFont::AbsoluteSpacing, 1.4);
@@ -72,8 +72,7 @@ QRectF STLineEdit::boundingRect() const
 
 void STLineEdit::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
 {
-    QStyleOptionGraphicsItem unframed(*option);
-    unframed.state &= ~QStyle::State_HasFocus; // no dashed frame around the text
+    const QStyleOptionGraphicsItem unframed = TextEditing::withoutFocusFrame(*option);
     painter->setPen(Qt::NoPen);
     painter->setBrush(backgroundColor);
     painter->drawRoundedRect(boundingRect(), panelRadius, panelRadius);
@@ -89,17 +88,21 @@ void STLineEdit::mousePressEvent(QGraphicsSceneMouseEvent *event)
         setText(QString());
 }
 
+bool STLineEdit::sceneEvent(QEvent *event)
+{
+    return TextEditing::claimKeys(event) || QGraphicsTextItem::sceneEvent(event);
+}
+
 void STLineEdit::keyPressEvent(QKeyEvent *event)
 {
-    QGraphicsTextItem::keyPressEvent(event);
+    if (!TextEditing::redoByKey(*this, event))
+        QGraphicsTextItem::keyPressEvent(event);
     updateRect();
 }
 
 void STLineEdit::focusOutEvent(QFocusEvent *event)
 {
-    QTextCursor plain = textCursor();
-    plain.clearSelection();
-    setTextCursor(plain);
+    TextEditing::clearSelection(*this);
     QGraphicsTextItem::focusOutEvent(event);
     updateRect();
 }

@@ -1,20 +1,35 @@
 #include "items/stnodename.h"
 
+#include "items/textediting.h"
+
 #include <QFocusEvent>
 #include <QFontMetricsF>
 #include <QGraphicsSceneMouseEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QStyleOptionGraphicsItem>
 #include <QTextCursor>
 #include <QTextDocument>
+
+namespace {
+constexpr int focusAlpha = 38;
+constexpr double focusRadius = 5.0;
+
+/// A tool tip that looks like markup would be shown as such; any other is shown as it stands.
+QString asToolTip(const QString &text)
+{
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
+}
+} // namespace
 
 STNodeName::STNodeName(QGraphicsItem *parent) : QGraphicsTextItem(parent)
 {
     QFont titleFont(QStringLiteral("Inria Sans"), 13, QFont::Bold);
     titleFont.setItalic(false);
     setFont(titleFont);
-    setDefaultTextColor(QColor(QStringLiteral("#F5F5F5")));
+    setDefaultTextColor(textColor);
     setTextInteractionFlags(Qt::TextEditorInteraction);
+    TextEditing::takePlainTextOnly(*this);
     connect(document(), &QTextDocument::contentsChanged, this, &STNodeName::updateShortText);
 }
 
@@ -22,6 +37,7 @@ void STNodeName::setAvailableWidth(double width)
 {
     if (width == availableWidth)
         return;
+    prepareGeometryChange(); // a shortened title is as wide as it may be
     availableWidth = width;
     updateShortText();
 }
@@ -35,13 +51,13 @@ void STNodeName::updateShortText()
     QString shortened;
     if (room > 0 && firstLine.size() < text.size())
         shortened = metrics.elidedText(firstLine + QChar(0x2026), Qt::ElideRight, room);
-    else if (room > 0 && metrics.horizontalAdvance(text) > room)
+    else if (room > 0 && document()->idealWidth() > availableWidth)
         shortened = metrics.elidedText(text, Qt::ElideRight, room);
+    setToolTip(shortened.isNull() ? QString() : asToolTip(text)); // the hidden end may have changed alone
     if (shortened == shortText && shortened.isNull() == shortText.isNull())
         return;
     prepareGeometryChange();
     shortText = shortened;
-    setToolTip(shortText.isNull() ? QString() : text);
     update();
 }
 
@@ -63,13 +79,12 @@ bool STNodeName::contains(const QPointF &point) const { return boundingRect().co
 
 void STNodeName::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
 {
-    QStyleOptionGraphicsItem unframed(*option);
-    unframed.state &= ~QStyle::State_HasFocus; // no dashed frame around the text
+    const QStyleOptionGraphicsItem unframed = TextEditing::withoutFocusFrame(*option);
     if (hasFocus()) {
-        focusColor.setAlpha(38);
+        focusColor.setAlpha(focusAlpha);
         painter->setPen(Qt::NoPen);
         painter->setBrush(focusColor);
-        painter->drawRoundedRect(boundingRect(), 5.0, 5.0);
+        painter->drawRoundedRect(boundingRect(), focusRadius, focusRadius);
     }
     if (!isShortened()) {
         QGraphicsTextItem::paint(painter, &unframed, widget);
@@ -91,6 +106,17 @@ void STNodeName::mousePressEvent(QGraphicsSceneMouseEvent *event)
     setTextCursor(all);
 }
 
+bool STNodeName::sceneEvent(QEvent *event)
+{
+    return TextEditing::claimKeys(event) || QGraphicsTextItem::sceneEvent(event);
+}
+
+void STNodeName::keyPressEvent(QKeyEvent *event)
+{
+    if (!TextEditing::redoByKey(*this, event))
+        QGraphicsTextItem::keyPressEvent(event);
+}
+
 void STNodeName::focusInEvent(QFocusEvent *event)
 {
     prepareGeometryChange();
@@ -100,9 +126,7 @@ void STNodeName::focusInEvent(QFocusEvent *event)
 
 void STNodeName::focusOutEvent(QFocusEvent *event)
 {
-    QTextCursor plain = textCursor();
-    plain.clearSelection();
-    setTextCursor(plain);
+    TextEditing::clearSelection(*this);
     QGraphicsTextItem::focusOutEvent(event);
     prepareGeometryChange();
     editing = false;

@@ -23,6 +23,8 @@ public:
 
 protected:
     void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
+    bool sceneEvent(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
 
@@ -31,6 +33,7 @@ private:
     void updateShortText();
 
     QColor focusColor{QStringLiteral("#FFFFFF")};
+    QColor textColor{QStringLiteral("#F5F5F5")};
     double availableWidth = 0.0; // 0 until the node has laid itself out: no limit
     QString shortText;           // what fits of a title that is too long; null when all of it fits
     bool editing = false;        // has the focus, with the outline to match

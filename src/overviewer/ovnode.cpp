@@ -3,14 +3,11 @@
 #include "items/eventdata.h"
 #include "items/node.h"
 #include "items/nodedata.h"
-#include "items/stlineedit.h"
 #include "overviewer/overviewerscene.h"
 
 #include <QBrush>
 #include <QPainter>
 #include <QPen>
-#include <QTextDocument>
-#include <QTextOption>
 
 namespace {
 constexpr double outlineRadius = 15.0;
@@ -23,10 +20,6 @@ OvNode::OvNode(Node *shownNode)
 {
     if (type == 0) {
         auto *event = new EventData(nullptr);
-        // The panel has a fixed width: a word that is wider than it is broken.
-        QTextOption wrapping = event->getDescriptionItem()->document()->defaultTextOption();
-        wrapping.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-        event->getDescriptionItem()->document()->setDefaultTextOption(wrapping);
         connect(event, SIGNAL(s_isChanged()), this, SLOT(sl_nodeChanged()));
         eventData = event;
     }
@@ -61,13 +54,11 @@ QRectF OvNode::boundingRect() const { return eventData ? eventData->boundingRect
 
 void OvNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *)
 {
-    if (!isImportant)
-        return;
-    // The graph may show a wide word on one line where the panel breaks it.
-    const QRectF own = boundingRect();
     const EventData *content = nodeContent();
-    const QRectF outline = content && own.contains(content->boundingRect()) ? content->boundingRect() : own;
-    painter->drawRoundedRect(outline, outlineRadius, outlineRadius, Qt::AbsoluteSize);
+    if (!isImportant || !content)
+        return;
+    // The node's rectangle, not the entry's own; both hold the same text and so have the same size.
+    painter->drawRoundedRect(content->boundingRect(), outlineRadius, outlineRadius, Qt::AbsoluteSize);
 
     // For whoever paints with this painter next; the outline itself is drawn with what the painter had.
     painter->setPen(QPen(QBrush(Qt::blue), outlineWidth, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));

@@ -8,6 +8,7 @@ PanelFitter::PanelFitter(QGraphicsView *panelView) : QObject(panelView), view(pa
 {
     view->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     view->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    view->setTransformationAnchor(QGraphicsView::NoAnchor); // a list that grows too long keeps its top
     view->installEventFilter(this);
     connect(view->scene(), &QGraphicsScene::sceneRectChanged, this, &PanelFitter::fit);
 }
@@ -25,11 +26,12 @@ void PanelFitter::fit()
     if (fitting || !view->scene())
         return;
     fitting = true;
-    const QSizeF content = view->sceneRect().size();
+    const QRectF content = view->sceneRect();
     const bool tooLong = content.height() > view->contentsRect().height();
     view->setVerticalScrollBarPolicy(tooLong ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
     const double room = view->viewport()->width();
     const double scale = content.width() > room && room > 0 ? room / content.width() : 1.0;
-    view->setTransform(QTransform::fromScale(scale, scale));
+    // The list's corner comes on a whole pixel, or its left edge would be cut off.
+    view->setTransform(QTransform::fromScale(scale, scale).translate(-content.left(), -content.top()));
     fitting = false;
 }

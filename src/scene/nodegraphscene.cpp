@@ -51,7 +51,20 @@ void NodegraphScene::sl_addEventNode()
         currentNode_ = added;
         added->setSelected(true);
     }
-    added->ensureVisible(QRectF(), 0, 0);
+    bringIntoSight(added);
+}
+
+/// Scrolls just enough to show the node whole; nothing moves if it already is.
+void NodegraphScene::bringIntoSight(const Node *node) const
+{
+    const QRectF body = node->sceneBoundingRect();
+    const QList<QGraphicsView *> all = views();
+    for (QGraphicsView *view : all) {
+        const QRectF shown = view->mapToScene(view->viewport()->rect()).boundingRect();
+        // A view scrolls by whole pixels; without a margin it may stop a fraction short.
+        if (!shown.contains(body))
+            view->ensureVisible(body, 1, 1);
+    }
 }
 
 /// Where the user points: the mouse, or the middle of what is shown until the mouse has been here.
@@ -184,8 +197,8 @@ void NodegraphScene::clear()
         qInfo() << "clearing scene";
         deleteSelectedNodes(node);
     }
-    nodes.clear();
-    nodesByIndex.clear();
+    while (!nodes.empty()) // nobody took the commands
+        deleteNode(nodes.back());
     selectedNodes.clear();
     selectionRect->setRect(QRectF());
     selectInRubberBand();

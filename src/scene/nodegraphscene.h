@@ -8,6 +8,7 @@
 #include <QColor>
 #include <QGraphicsScene>
 
+#include <map>
 #include <vector>
 
 class NodeData;
@@ -121,6 +122,7 @@ private:
     void forgetNode(Node *node);
     void createSelectionRect();
     QPointF pointerPosition() const;
+    void bringIntoSight(const Node *node) const;
 
     void pushDelNodeCommand(Node *node);
     void pushDisconnectCommand(const Node *node);
@@ -131,13 +133,18 @@ private:
     void removeDragLine();
     void endDrag();
     void selectInRubberBand();
-    void settleMovedLines(Node *dragged);
+    void settleMovedLines();
 
     std::vector<Node *> readRecords(QDataStream &stream, int count);
     void restoreConnections(const std::vector<Node *> &loaded);
 
-    Node *duplicateNode(Node *source);
-    void addNodeAt(QPointF pos, int type, int index);
+    using Duplicates = std::map<const Node *, Node *>; // by their sources
+
+    void setNodeShown(Node *node, bool shown);
+    Node *duplicateNode(Node *source, bool isEnd);
+    void addNodeAt(QPointF pos, int type, int index, int markFrom);
+    void connectDuplicates(const std::vector<Node *> &sources, const Duplicates &duplicates);
+    void deleteSources(const std::vector<Node *> &sources);
 
     std::vector<Node *> nodes;
     std::vector<Node *> selectedNodes;

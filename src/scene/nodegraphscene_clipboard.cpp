@@ -7,11 +7,13 @@
 #include <QPointer>
 
 #include <cmath>
-#include <map>
 
 void NodegraphScene::copyNodes()
 {
     qInfo() << "Copying";
+    // What was cut and never pasted would otherwise stay out of sight for good.
+    for (Node *remembered : clipboardNodes)
+        setNodeShown(remembered, true);
     clipboardNodes.clear();
     if (currentNode_) {
         qInfo() << "Copying node " << currentNode_->getIndex();
@@ -26,26 +28,44 @@ void NodegraphScene::cutNodes()
     copyNodes();
     cutPending = true;
     for (Node *node : clipboardNodes)
-        node->setVisible(false);
+        setNodeShown(node, false);
 }
 
-void NodegraphScene::addNodeAt(QPointF pos, int type, int index)
+/// Hides or shows a node; a line is seen while both its ends are.
+void NodegraphScene::setNodeShown(Node *node, bool shown)
 {
-    emit s_UndoCommandAdded(
-        new AddNodeCommand(this, pos, index == -1 ? nodeCounter : index, type, QString()));
+    node->setVisible(shown);
+    if (ConnectionLine *line = node->getInLine())
+        line->setVisible(shown && node->prevNode()->isVisible());
+    for (const Node *downstream : node->nextNodes()) {
+        if (ConnectionLine *line = downstream->getInLine())
+            line->setVisible(shown && downstream->isVisible());
+    }
 }
 
-/// A new node with the content and at the place of `source`; null if nobody took the command.
-Node *NodegraphScene::duplicateNode(Node *source)
+/// Adds a node through a command; an `index` of -1 asks for the counter's value. `markFrom` is the index of the
+/// node that the new one takes the end-of-story mark from, -1 for none.
+void NodegraphScene::addNodeAt(QPointF pos, int type, int index, int markFrom)
 {
-    const int index = nodeCounter;
-    addNodeAt(pointerPosition(), source->getType(), index);
-    Node *duplicate = findNodeByIndex(index);
-    if (!duplicate)
+    auto *command = new AddNodeCommand(this, pos, index == -1 ? nodeCounter : index, type, QString());
+    if (markFrom != -1)
+        command->willTakeMarkFrom(markFrom);
+    emit s_UndoCommandAdded(command);
+}
+
+/// A new node with the content and the marks of `source`, at its place; null if nobody took the command.
+Node *NodegraphScene::duplicateNode(Node *source, bool isEnd)
+{
+    const std::size_t before = nodes.size();
+    addNodeAt(pointerPosition(), source->getType(), nodeCounter, isEnd ? source->getIndex() : -1);
+    if (nodes.size() == before)
         return nullptr;
+    Node *duplicate = nodes.back(); // not by the wanted index, which another node may have
     duplicate->copyDataFrom(source->getData());
     duplicate->setNodeName(source->getTitle());
     duplicate->setPos(source->scenePos());
+    if (source->getIsImportant())
+        duplicate->setImportant(true);
     return duplicate;
 }
 
@@ -57,29 +77,60 @@ void NodegraphScene::pasteNodes()
     const QPointF distance = pointerPosition() - reference->scenePos();
     const QPointF offset(std::trunc(distance.x()), std::trunc(distance.y()));
     qInfo() << "Pasting";
-    const std::vector<QPointer<Node>> sources(clipboardNodes.begin(), clipboardNodes.end());
-    std::map<const Node *, Node *> duplicates;
-    for (const QPointer<Node> &source : sources) {
+
+    const std::vector<Node *> sources = clipboardNodes;
+    const Node *end = endOfStoryNode_; // before the duplicates attach themselves and take the mark along
+    Duplicates duplicates;
+    for (Node *source : sources) {
         qInfo() << "Pasting node " << source->getIndex();
-        Node *duplicate = duplicateNode(source);
+        Node *duplicate = duplicateNode(source, source == end);
         if (!duplicate)
             continue;
         duplicate->moveBy(offset.x(), offset.y());
         duplicate->updateLines();
         duplicates[source] = duplicate;
     }
-    for (const QPointer<Node> &source : sources) {
-        if (!source->hasInput())
+    connectDuplicates(sources, duplicates);
+    const auto newEnd = duplicates.find(end);
+    if (newEnd != duplicates.end() && newEnd->second != endOfStoryNode_)
+        setEndOfStory(newEnd->second);
+    deleteSources(sources);
+    clipboardNodes.clear();
+}
+
+/// Joins the duplicates as their sources are joined among themselves, and in no other way.
+void NodegraphScene::connectDuplicates(const std::vector<Node *> &sources, const Duplicates &duplicates)
+{
+    std::map<const Node *, const Node *> sourceOf;
+    for (const auto &[source, duplicate] : duplicates)
+        sourceOf[duplicate] = source;
+    // First all of what attaching has joined goes, lest it stand in the way as a cycle.
+    for (const Node *source : sources) {
+        const auto found = duplicates.find(source);
+        if (found == duplicates.end())
             continue;
+        const auto attachedTo = sourceOf.find(found->second->prevNode());
+        if (attachedTo != sourceOf.end() && attachedTo->second != source->prevNode())
+            disconnectNode(found->second);
+    }
+    for (const Node *source : sources) {
         const auto downstream = duplicates.find(source);
         const auto upstream = duplicates.find(source->prevNode());
         if (downstream != duplicates.end() && upstream != duplicates.end())
             connectNodes(downstream->second, upstream->second);
     }
-    // The first deletion takes the whole selection with it, so each source may already be gone.
-    for (const QPointer<Node> &source : sources) {
+}
+
+/// The first deletion takes a whole selection with it, so a source may already be gone, or may stay.
+void NodegraphScene::deleteSources(const std::vector<Node *> &sources)
+{
+    const std::vector<QPointer<Node>> remaining(sources.begin(), sources.end());
+    for (const QPointer<Node> &source : remaining) {
         if (source && source->scene() == this)
             deleteSelectedNodes(source);
     }
-    clipboardNodes.clear();
+    for (const QPointer<Node> &source : remaining) {
+        if (source && source->scene() == this)
+            setNodeShown(source, true);
+    }
 }

@@ -46,7 +46,8 @@ std::vector<Node *> NodegraphScene::readRecords(QDataStream &stream, int count)
     std::vector<Node *> loaded;
     int blankNodes = 0;
     for (int i = 0; i < count; ++i) {
-        const bool pastEnd = stream.status() != QDataStream::Ok || stream.atEnd();
+        // Not for any bad status: one damaged text must not cut off the records behind it.
+        const bool pastEnd = stream.status() == QDataStream::ReadPastEnd || stream.atEnd();
         if (pastEnd && ++blankNodes > mostBlankNodes) {
             qWarning() << "Stopped reading: the data ended after" << i - mostBlankNodes << "of" << count
                        << "nodes";

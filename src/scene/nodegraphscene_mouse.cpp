@@ -53,15 +53,16 @@ void NodegraphScene::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
     endDrag();
     rubberBandActive = false;
     selectionRect->setRect(QRectF());
-    auto *dragged = dynamic_cast<Node *>(mouseGrabberItem());
+    settleMovedLines();
     QGraphicsScene::mouseReleaseEvent(event);
-    settleMovedLines(dragged);
 }
 
 /// While nodes are dragged their lines are one step behind; when they are dropped every line must be exact.
-void NodegraphScene::settleMovedLines(Node *dragged)
+/// To be called before the base handler, which may take nodes that moved out of the selection.
+void NodegraphScene::settleMovedLines()
 {
-    if (!dragged || dragged->scene() != this)
+    auto *dragged = dynamic_cast<Node *>(mouseGrabberItem());
+    if (!dragged)
         return;
     dragged->updateLines();
     const QList<QGraphicsItem *> selected = selectedItems();

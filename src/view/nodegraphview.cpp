@@ -3,7 +3,9 @@
 #include "scene/nodegraphscene.h"
 
 #include <QDebug>
+#include <QEnterEvent>
 #include <QGestureEvent>
+#include <QGuiApplication>
 #include <QMouseEvent>
 #include <QPinchGesture>
 #include <QScrollBar>
@@ -116,8 +118,19 @@ bool NodegraphView::event(QEvent *event)
     } else if (event->type() == QEvent::Show && !sizeIsKnown) {
         // The layouts around a page that is shown for the first time settle after this event.
         QTimer::singleShot(0, this, &NodegraphView::frameAgain);
+    } else if (event->type() == QEvent::Enter) {
+        noteRestingMouse(static_cast<QEnterEvent *>(event)->globalPosition());
     }
     return handled;
+}
+
+/// A zoom keeps the scene point where the base last saw the mouse move. A mouse that is here without having
+/// moved, under a window or menu that came or went, would make it take a place far away.
+void NodegraphView::noteRestingMouse(const QPointF &globalPos)
+{
+    QMouseEvent resting(QEvent::MouseMove, viewport()->mapFromGlobal(globalPos), globalPos, Qt::NoButton,
+                        QGuiApplication::mouseButtons(), QGuiApplication::keyboardModifiers());
+    QGraphicsView::mouseMoveEvent(&resting);
 }
 
 void NodegraphView::frameAgain()

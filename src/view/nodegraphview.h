@@ -53,6 +53,7 @@ private:
     void pan(const QPoint &position);
     void frame(const QRectF &bounds);
     void frameAgain();
+    void noteRestingMouse(const QPointF &globalPos);
 
     double zoomDivisor = 1.0; // reciprocal of the zoom by wheel and pinch since it was last set
     QPointF panAnchor;        // viewport coordinates, (0, 0) while nobody pans

@@ -1,13 +1,620 @@
+#include "items/node.h"
+
+#include "items/connectionline.h"
+#include "items/eventdata.h"
+#include "items/itemtest.h"
+#include "items/nodedata.h"
+#include "items/socket.h"
+#include "items/stlineedit.h"
+#include "items/stnodename.h"
 #include "support/testsupport.h"
+
+#include <QDataStream>
+
+#include <memory>
+
+namespace {
+
+/// A node's record as it stands in a file.
+struct Record
+{
+    QString title = QStringLiteral("Storm");
+    QPointF position{12.5, -7};
+    qint32 index = 4;
+    qint32 prevIndex = 2;
+    qint32 endOfStory = 0;
+    qint32 important = 0;
+    QString description = QStringLiteral("Rain");
+
+    QByteArray bytes() const
+    {
+        QByteArray written;
+        QDataStream out(&written, QIODevice::WriteOnly);
+        out << title << position << index << prevIndex << endOfStory << important << description;
+        return written;
+    }
+};
+
+void load(Node &node, const Record &record)
+{
+    QDataStream in(record.bytes());
+    node.openFromStream(in);
+}
+
+QByteArray savedBy(Node &node)
+{
+    QByteArray written;
+    QDataStream out(&written, QIODevice::WriteOnly);
+    node.saveToStream(out);
+    return written;
+}
+
+QString description(const Node &node) { return node.getData()->eventContent()->getDescription(); }
+
+struct Canvas
+{
+    QGraphicsScene scene{-2000, -2000, 4000, 4000};
+    Node *node = new Node(0);
+    SceneMouse mouse{scene};
+
+    Canvas()
+    {
+        scene.addItem(node);
+        node->setPos(100, 50);
+    }
+    QPointF onBody() const { return node->scenePos() + QPointF(12, 60); } // beside the description
+};
+
+} // namespace
 
 class tst_Node : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void initTestCase() { qRegisterMetaType<Node *>(); }
     void init() { failOnWarnings(); }
     void cleanup() { flushDeferredDeletes(); }
+
+    void metaObjectListsTheMethodsInOrder();
+    void freshEventIsUnconnectedAndUnmarked();
+    void otherTypesHaveNoTitleAndNoContent();
+    void titleIsThatOfTheTitleItem();
+    void newIndexIsLoggedAndReportedBeforeItIsStored();
+    void sameIndexIsNeitherLoggedNorReported();
+    void importanceIsReportedEveryTimeBeforeItIsStored();
+    void nextNodesStandInTheOrderOfConnecting();
+    void newestConnectionGivesTheOutLine();
+    void pressIsReportedBeforeTheNodeIsSelected_data();
+    void pressIsReportedBeforeTheNodeIsSelected();
+    void moveReportsThePlacesBeforeTheMove();
+    void everyMoveIsReported();
+    void socketReportsAreRelayed_data();
+    void socketReportsAreRelayed();
+    void slotsRelayTheirArguments();
+    void socketDragNeitherSelectsNorMovesTheNode();
+    void editingIsReportedAfterTheResize();
+    void newsOfThePayloadLayOutBeforeTheyAreReported();
+    void settingTheDescriptionIsNotReported();
+    void editingTheTitleIsNotReported();
+    void copyTakesDescriptionAndTypeWithoutAReport();
+    void savesItsRecord_data();
+    void savesItsRecord();
+    void savesThePlaceInTheScene();
+    void loadsItsRecord();
+    void loadingReportsTheIndexOnceMore_data();
+    void loadingReportsTheIndexOnceMore();
+    void loadedMarks_data();
+    void loadedMarks();
+    void loadingClearsNoMark();
+    void loadingLogsThePayload();
+    void loadedRecordIsSavedAgainUnchanged();
+    void shortRecordLeavesWhatTheStreamGives();
+    void dyingWithTheFocusInATextIsQuiet_data();
+    void dyingWithTheFocusInATextIsQuiet();
 };
+
+void tst_Node::metaObjectListsTheMethodsInOrder()
+{
+    const QMetaObject &meta = Node::staticMetaObject;
+    QCOMPARE(
+        ownMethods(meta),
+        QStringList({"s_selected(Node*)", "s_moving(Node*)", "s_inSocketMove(QPointF)",
+                     "s_outSocketMove(QPointF)", "s_socketClick(int,QPointF)", "s_socketClickDrag()",
+                     "s_socketClickRelease()", "s_changed(Node*)", "s_indexChanged(Node*,int)",
+                     "s_importanceChanged(Node*,bool)", "sl_socketClick(int,QPointF)", "sl_socketClickDrag()",
+                     "sl_socketClickRelease()", "sl_updateSize()", "sl_changed()"}));
+    for (int i = 0; i < 15; ++i) {
+        QCOMPARE(meta.method(meta.methodOffset() + i).methodType(),
+                 i < 10 ? QMetaMethod::Signal : QMetaMethod::Slot);
+    }
+    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
+}
+
+void tst_Node::freshEventIsUnconnectedAndUnmarked()
+{
+    const Node node(0);
+    QCOMPARE(node.getTitle(), QStringLiteral("Event"));
+    QCOMPARE(description(node), QStringLiteral("Enter description"));
+    QCOMPARE(node.getType(), 0);
+    QCOMPARE(node.getIndex(), 0);
+    QCOMPARE(node.getPrevIndex(), -1);
+    QCOMPARE(node.hasInput(), false);
+    QCOMPARE(node.prevNode(), nullptr);
+    QCOMPARE(node.nextNodes().size(), std::size_t(0));
+    QCOMPARE(node.getInLine(), nullptr);
+    QCOMPARE(node.getOutLine(), nullptr);
+    QCOMPARE(node.getIsEndOfStory(), false);
+    QCOMPARE(node.getIsImportant(), false);
+    QCOMPARE(node.getInSocket()->getType(), 0);
+    QCOMPARE(node.getOutSocket()->getType(), 1);
+    QCOMPARE(node.parentItem(), nullptr);
+    QCOMPARE(node.parent(), nullptr);
+    QCOMPARE(int(node.flags()), 3);
+}
+
+void tst_Node::otherTypesHaveNoTitleAndNoContent()
+{
+    const Node node(5);
+    QCOMPARE(node.getType(), 5);
+    QCOMPARE(node.getTitle(), QString());
+    QCOMPARE(node.getData()->getType(), 5);
+    QCOMPARE(node.getData()->content(), nullptr);
+}
+
+void tst_Node::titleIsThatOfTheTitleItem()
+{
+    Node node(0);
+    node.setNodeName(QStringLiteral("Storm"));
+    QCOMPARE(node.getTitle(), QStringLiteral("Storm"));
+    QCOMPARE(node.getNameItem()->toPlainText(), QStringLiteral("Storm"));
+    node.getNameItem()->setPlainText(QStringLiteral("Calm"));
+    QCOMPARE(node.getTitle(), QStringLiteral("Calm"));
+}
+
+void tst_Node::newIndexIsLoggedAndReportedBeforeItIsStored()
+{
+    Node node(0);
+    QList<int> seen;
+    connect(&node, &Node::s_indexChanged, &node,
+            [&](Node *changed, int index) { seen << changed->getIndex() << index; });
+    const LogCapture log;
+    node.setIndex(7);
+    QCOMPARE(log.lines(), QStringList({"Old node index  0  New node index  7"}));
+    QCOMPARE(seen, QList<int>({0, 7}));
+    QCOMPARE(node.getIndex(), 7);
+}
+
+void tst_Node::sameIndexIsNeitherLoggedNorReported()
+{
+    Node node(0);
+    node.setIndex(7);
+    const QSignalSpy changed(&node, &Node::s_indexChanged);
+    const LogCapture log;
+    node.setIndex(7);
+    QCOMPARE(changed.count(), 0);
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void tst_Node::importanceIsReportedEveryTimeBeforeItIsStored()
+{
+    Node node(0);
+    QList<bool> seen;
+    connect(&node, &Node::s_importanceChanged, &node,
+            [&](Node *changed, bool important) { seen << changed->getIsImportant() << important; });
+    node.setImportant(true);
+    QCOMPARE(node.getIsImportant(), true);
+    node.setImportant(true);
+    node.setImportant(false);
+    QCOMPARE(node.getIsImportant(), false);
+    QCOMPARE(seen, QList<bool>({false, true, true, true, true, false}));
+}
+
+void tst_Node::nextNodesStandInTheOrderOfConnecting()
+{
+    Node node(0);
+    Node first(0);
+    Node second(0);
+    node.addNextNode(&first);
+    node.addNextNode(&second);
+    node.addNextNode(&first);
+    QCOMPARE(node.nextNodes(), std::vector<Node *>({&first, &second, &first}));
+    node.removeNextNode(&first);
+    QCOMPARE(node.nextNodes(), std::vector<Node *>({&second}));
+}
+
+void tst_Node::newestConnectionGivesTheOutLine()
+{
+    Node node(0);
+    Node first(0);
+    Node second(0);
+    ConnectionLine firstLine(QPointF(), QPointF(100, 0));
+    ConnectionLine secondLine(QPointF(), QPointF(100, 0));
+    first.setInLine(&firstLine);
+    second.setInLine(&secondLine);
+    node.addNextNode(&first);
+    QCOMPARE(node.getOutLine(), &firstLine);
+    node.addNextNode(&second);
+    QCOMPARE(node.getOutLine(), &secondLine);
+    node.removeNextNode(&second);
+    QCOMPARE(node.getOutLine(), &firstLine);
+}
+
+void tst_Node::pressIsReportedBeforeTheNodeIsSelected_data()
+{
+    QTest::addColumn<Qt::MouseButton>("button");
+    QTest::addColumn<bool>("selects");
+    QTest::newRow("left") << Qt::LeftButton << true;
+    QTest::newRow("middle") << Qt::MiddleButton << false;
+}
+
+void tst_Node::pressIsReportedBeforeTheNodeIsSelected()
+{
+    QFETCH(Qt::MouseButton, button);
+    Canvas canvas;
+    QList<bool> selectedThen;
+    connect(canvas.node, &Node::s_selected, canvas.node,
+            [&](Node *node) { selectedThen << (node == canvas.node && node->isSelected()); });
+    canvas.mouse.press(canvas.onBody(), button);
+    QCOMPARE(selectedThen, QList<bool>({false}));
+    QTEST(canvas.node->isSelected(), "selects");
+}
+
+void tst_Node::moveReportsThePlacesBeforeTheMove()
+{
+    Canvas canvas;
+    QStringList order;
+    QList<QPointF> points;
+    connect(canvas.node, &Node::s_moving, canvas.node, [&](Node *node) {
+        order << QStringLiteral("moving");
+        points << node->pos();
+    });
+    connect(canvas.node, &Node::s_inSocketMove, canvas.node, [&](QPointF point) {
+        order << QStringLiteral("in");
+        points << point;
+    });
+    connect(canvas.node, &Node::s_outSocketMove, canvas.node, [&](QPointF point) {
+        order << QStringLiteral("out");
+        points << point;
+    });
+    const QPointF input = canvas.node->getInSocket()->sceneCentre();
+    const QPointF output = canvas.node->getOutSocket()->sceneCentre();
+    canvas.mouse.press(canvas.onBody());
+    canvas.mouse.move(canvas.onBody() + QPointF(30, 20));
+    QCOMPARE(order, QStringList({"moving", "in", "out"}));
+    QCOMPARE(points, QList<QPointF>({QPointF(100, 50), input, output}));
+    QCOMPARE(canvas.node->pos(), QPointF(130, 70));
+    QCOMPARE(canvas.node->getInSocket()->sceneCentre(), input + QPointF(30, 20));
+    canvas.mouse.release(canvas.onBody());
+}
+
+void tst_Node::everyMoveIsReported()
+{
+    Canvas canvas;
+    const QSignalSpy moving(canvas.node, &Node::s_moving);
+    const QPointF start = canvas.onBody();
+    canvas.mouse.press(start);
+    for (int i = 1; i <= 3; ++i)
+        canvas.mouse.move(start + QPointF(20 * i, 0));
+    canvas.mouse.release(start + QPointF(60, 0));
+    QCOMPARE(moving.count(), 3);
+    QCOMPARE(moving.at(0).at(0).value<Node *>(), canvas.node);
+    QCOMPARE(canvas.node->pos(), QPointF(160, 50));
+}
+
+void tst_Node::socketReportsAreRelayed_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::newRow("input") << int(SocketType::input);
+    QTest::newRow("output") << int(SocketType::output);
+}
+
+void tst_Node::socketReportsAreRelayed()
+{
+    QFETCH(int, type);
+    Canvas canvas;
+    const Socket *socket =
+        type == SocketType::input ? canvas.node->getInSocket() : canvas.node->getOutSocket();
+    const QSignalSpy clicked(canvas.node, &Node::s_socketClick);
+    const QSignalSpy dragged(canvas.node, &Node::s_socketClickDrag);
+    const QSignalSpy released(canvas.node, &Node::s_socketClickRelease);
+    const QPointF point = socket->sceneCentre() + QPointF(2, 1);
+    canvas.mouse.press(point);
+    QCOMPARE(clicked.count(), 1);
+    QCOMPARE(clicked.at(0).at(0).toInt(), type);
+    QCOMPARE(clicked.at(0).at(1).toPointF(), point);
+    canvas.mouse.move(point + QPointF(1, 0));
+    canvas.mouse.move(point);
+    QCOMPARE(dragged.count(), 2);
+    QCOMPARE(released.count(), 0);
+    canvas.mouse.release(point);
+    QCOMPARE(released.count(), 1);
+    QCOMPARE(clicked.count(), 1);
+}
+
+void tst_Node::slotsRelayTheirArguments()
+{
+    Node node(0);
+    const QSignalSpy clicked(&node, &Node::s_socketClick);
+    const QSignalSpy changed(&node, &Node::s_changed);
+    node.sl_socketClick(9, QPointF(3, 4));
+    QCOMPARE(clicked.at(0), QVariantList({9, QPointF(3, 4)}));
+    node.sl_changed();
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.at(0).at(0).value<Node *>(), &node);
+}
+
+void tst_Node::socketDragNeitherSelectsNorMovesTheNode()
+{
+    Canvas canvas;
+    const QSignalSpy selected(canvas.node, &Node::s_selected);
+    const QSignalSpy moving(canvas.node, &Node::s_moving);
+    canvas.mouse.drag(canvas.node->getOutSocket()->sceneCentre(), QPointF(900, 700));
+    QCOMPARE(selected.count(), 0);
+    QCOMPARE(moving.count(), 0);
+    QCOMPARE(canvas.node->isSelected(), false);
+    QCOMPARE(canvas.node->pos(), QPointF(100, 50));
+}
+
+void tst_Node::editingIsReportedAfterTheResize()
+{
+    Desk desk;
+    auto *node = new Node(0);
+    desk.scene.addItem(node);
+    QVERIFY(desk.isReady());
+    const double before = node->boundingRect().height();
+    QList<double> heights;
+    connect(node, &Node::s_changed, node,
+            [&](Node *changed) { heights << changed->boundingRect().height(); });
+    desk.edit(node->getData()->eventContent()->getDescriptionItem());
+    desk.key(Qt::Key_Return);
+    QCOMPARE(heights.size(), 1);
+    QVERIFY(heights.first() > before);
+    QCOMPARE(heights.first(), node->boundingRect().height());
+    desk.type(QStringLiteral("ab"));
+    QCOMPARE(heights.size(), 3);
+}
+
+void tst_Node::newsOfThePayloadLayOutBeforeTheyAreReported()
+{
+    Node node(0);
+    const QPointF place = node.getOutSocket()->pos();
+    node.getOutSocket()->setPos(1, 2);
+    QList<QPointF> places;
+    connect(&node, &Node::s_changed, &node, [&](Node *changed) { places << changed->getOutSocket()->pos(); });
+    emit node.getData()->s_dataChanged();
+    QCOMPARE(places, QList<QPointF>({place}));
+}
+
+void tst_Node::settingTheDescriptionIsNotReported()
+{
+    Node node(0);
+    const QSignalSpy changed(&node, &Node::s_changed);
+    node.getData()->eventContent()->setDescription(QStringLiteral("Rain"));
+    QCOMPARE(changed.count(), 0);
+}
+
+void tst_Node::editingTheTitleIsNotReported()
+{
+    Desk desk;
+    auto *node = new Node(0);
+    desk.scene.addItem(node);
+    QVERIFY(desk.isReady());
+    const QSignalSpy changed(node, &Node::s_changed);
+    desk.edit(node->getNameItem());
+    desk.type(QStringLiteral("s"));
+    QCOMPARE(node->getTitle(), QStringLiteral("Events"));
+    QCOMPARE(changed.count(), 0);
+}
+
+void tst_Node::copyTakesDescriptionAndTypeWithoutAReport()
+{
+    Node source(0);
+    source.setNodeName(QStringLiteral("Storm"));
+    source.getData()->eventContent()->setDescription(QStringLiteral("Rain\nand\nwind"));
+    Node node(0);
+    const QSignalSpy changed(&node, &Node::s_changed);
+    node.copyDataFrom(source.getData());
+    QCOMPARE(description(node), QStringLiteral("Rain\nand\nwind"));
+    QCOMPARE(node.getTitle(), QStringLiteral("Event"));
+    QCOMPARE(node.boundingRect(), source.boundingRect());
+    QCOMPARE(changed.count(), 0);
+
+    const NodeData other(6, nullptr);
+    node.copyDataFrom(&other);
+    QCOMPARE(node.getType(), 6);
+    QCOMPARE(description(node), QStringLiteral("Rain\nand\nwind"));
+}
+
+void tst_Node::savesItsRecord_data()
+{
+    QTest::addColumn<bool>("endOfStory");
+    QTest::addColumn<bool>("important");
+    QTest::newRow("unmarked") << false << false;
+    QTest::newRow("end of story") << true << false;
+    QTest::newRow("important") << false << true;
+    QTest::newRow("both") << true << true;
+}
+
+void tst_Node::savesItsRecord()
+{
+    QFETCH(bool, endOfStory);
+    QFETCH(bool, important);
+    Node node(0);
+    node.setNodeName(QStringLiteral("Set"));
+    node.getNameItem()->setPlainText(QStringLiteral("Typed")); // what the user sees counts
+    node.setPos(-3.25, 1e6);
+    node.setIndex(11);
+    node.setPrevIndex(9);
+    node.setIsEndOfStory(endOfStory);
+    node.setImportant(important);
+    node.getData()->eventContent()->setDescription(QStringLiteral("Rain"));
+    const LogCapture log;
+    const QByteArray saved = savedBy(node);
+    const Record expected{QStringLiteral("Typed"), QPointF(-3.25, 1e6),   11, 9, endOfStory ? 1 : 0,
+                          important ? 1 : 0,       QStringLiteral("Rain")};
+    QCOMPARE(saved, expected.bytes());
+    QCOMPARE(log.lines(), QStringList({"Saving event data"}));
+}
+
+void tst_Node::savesThePlaceInTheScene()
+{
+    QGraphicsRectItem group;
+    group.setPos(1000, 2000);
+    auto *node = new Node(0);
+    node->setParentItem(&group);
+    node->setPos(1, 2);
+    const Record expected{
+        QStringLiteral("Event"), QPointF(1001, 2002), 0, -1, 0, 0, QStringLiteral("Enter description")};
+    QCOMPARE(savedBy(*node), expected.bytes());
+}
+
+void tst_Node::loadsItsRecord()
+{
+    Node node(0);
+    load(node, Record());
+    QCOMPARE(node.getTitle(), QStringLiteral("Storm"));
+    QCOMPARE(node.pos(), QPointF(12.5, -7));
+    QCOMPARE(node.getIndex(), 4);
+    QCOMPARE(node.getPrevIndex(), 2);
+    QCOMPARE(description(node), QStringLiteral("Rain"));
+    QCOMPARE(node.getIsEndOfStory(), false);
+    QCOMPARE(node.getIsImportant(), false);
+}
+
+void tst_Node::loadingReportsTheIndexOnceMore_data()
+{
+    QTest::addColumn<int>("before");
+    QTest::addColumn<int>("reports");
+    QTest::newRow("other index") << 0 << 2;
+    QTest::newRow("same index") << 4 << 1;
+}
+
+void tst_Node::loadingReportsTheIndexOnceMore()
+{
+    QFETCH(int, before);
+    QFETCH(int, reports);
+    Node node(0);
+    node.setIndex(before);
+    QList<int> indices;
+    QStringList titles;
+    connect(&node, &Node::s_indexChanged, &node, [&](Node *changed, int index) {
+        indices << index;
+        titles << changed->getTitle() + QLatin1Char('/') + description(*changed);
+    });
+    load(node, Record());
+    QCOMPARE(indices, QList<int>(reports, 4));
+    QCOMPARE(titles, QStringList(reports, QStringLiteral("Storm/Rain")));
+}
+
+void tst_Node::loadedMarks_data()
+{
+    QTest::addColumn<int>("endOfStory");
+    QTest::addColumn<int>("important");
+    QTest::addColumn<bool>("isEnd");
+    QTest::addColumn<bool>("isImportant");
+    QTest::newRow("none") << 0 << 0 << false << false;
+    QTest::newRow("one") << 1 << 1 << true << true;
+    QTest::newRow("two") << 2 << 2 << false << true;
+    QTest::newRow("negative") << -1 << -1 << false << true;
+}
+
+void tst_Node::loadedMarks()
+{
+    QFETCH(int, endOfStory);
+    QFETCH(int, important);
+    Node node(0);
+    const QSignalSpy changed(&node, &Node::s_importanceChanged);
+    Record record;
+    record.endOfStory = endOfStory;
+    record.important = important;
+    load(node, record);
+    QTEST(node.getIsEndOfStory(), "isEnd");
+    QTEST(node.getIsImportant(), "isImportant");
+    QCOMPARE(changed.count(), 0);
+}
+
+void tst_Node::loadingClearsNoMark()
+{
+    Node node(0);
+    node.setIsEndOfStory(true);
+    node.setImportant(true);
+    load(node, Record());
+    QCOMPARE(node.getIsEndOfStory(), true);
+    QCOMPARE(node.getIsImportant(), true);
+}
+
+void tst_Node::loadingLogsThePayload()
+{
+    Node node(0);
+    const QSignalSpy changed(&node, &Node::s_changed);
+    const LogCapture log;
+    load(node, Record());
+    QCOMPARE(log.lines(),
+             QStringList({"Opening event data", "SetEventData", "Old node index  0  New node index  4"}));
+    QCOMPARE(changed.count(), 1); // the description differs from the placeholder
+}
+
+void tst_Node::loadedRecordIsSavedAgainUnchanged()
+{
+    Record record;
+    record.endOfStory = 1;
+    record.important = 1;
+    record.title = QStringLiteral("\u96e8\nand wind");
+    record.description = QString();
+    Node node(0);
+    load(node, record);
+    record.description = QStringLiteral(""); // a null string is stored otherwise
+    QCOMPARE(savedBy(node), record.bytes());
+}
+
+void tst_Node::shortRecordLeavesWhatTheStreamGives()
+{
+    Node node(0);
+    QByteArray bytes = Record().bytes();
+    bytes.truncate(4 + 10 + 16 + 4); // title, position and index are whole
+    QDataStream in(bytes);
+    node.openFromStream(in);
+    QCOMPARE(in.status(), QDataStream::ReadPastEnd);
+    QCOMPARE(node.getTitle(), QStringLiteral("Storm"));
+    QCOMPARE(node.pos(), QPointF(12.5, -7));
+    QCOMPARE(node.getIndex(), 4);
+    QCOMPARE(node.getPrevIndex(), 0);
+    QCOMPARE(node.getIsEndOfStory(), false);
+    QCOMPARE(node.getIsImportant(), false);
+    QCOMPARE(description(node), QString());
+}
+
+void tst_Node::dyingWithTheFocusInATextIsQuiet_data()
+{
+    QTest::addColumn<bool>("inTitle");
+    QTest::addColumn<bool>("removedFirst");
+    QTest::newRow("title") << true << false;
+    QTest::newRow("description") << false << false;
+    QTest::newRow("title, out of the scene first") << true << true;
+    QTest::newRow("description, out of the scene first") << false << true;
+}
+
+void tst_Node::dyingWithTheFocusInATextIsQuiet()
+{
+    QFETCH(bool, inTitle);
+    QFETCH(bool, removedFirst);
+    Desk desk;
+    auto *node = new Node(0);
+    desk.scene.addItem(node);
+    QVERIFY(desk.isReady());
+    QGraphicsTextItem *text = node->getNameItem();
+    if (!inTitle)
+        text = node->getData()->eventContent()->getDescriptionItem();
+    desk.edit(text);
+    desk.type(QStringLiteral("and more"));
+    if (removedFirst)
+        desk.scene.removeItem(node);
+    delete node;
+    QCOMPARE(desk.scene.focusItem(), nullptr);
+    desk.type(QStringLiteral("into nothing"));
+    QCOMPARE(desk.scene.items().size(), 0);
+}
 
 QTEST_MAIN(tst_Node)
 #include "tst_node.moc"

@@ -1,0 +1,59 @@
+#include "items/textediting.h"
+
+#include <QGraphicsTextItem>
+#include <QKeyEvent>
+#include <QTextCursor>
+#include <QTextDocument>
+
+namespace TextEditing {
+
+void takePlainTextOnly(QGraphicsTextItem &item)
+{
+    // The item's own control has the property; there is no other way to it than by its name.
+    const QObjectList parts = item.children();
+    for (QObject *part : parts)
+        part->setProperty("acceptRichText", false);
+}
+
+bool claimKeys(QEvent *event)
+{
+    if (event->type() != QEvent::ShortcutOverride)
+        return false;
+    auto *key = static_cast<QKeyEvent *>(event);
+    constexpr QKeySequence::StandardKey editing[] = {
+        QKeySequence::Undo,  QKeySequence::Redo,      QKeySequence::Copy,   QKeySequence::Cut,
+        QKeySequence::Paste, QKeySequence::SelectAll, QKeySequence::Delete, QKeySequence::Backspace};
+    bool edits = key->modifiers() == Qt::ControlModifier && key->key() == Qt::Key_Y;
+    for (const QKeySequence::StandardKey sequence : editing)
+        edits = edits || key->matches(sequence);
+    if (edits)
+        event->accept();
+    return edits;
+}
+
+bool redoByKey(QGraphicsTextItem &item, QKeyEvent *event)
+{
+    if (event->modifiers() != Qt::ControlModifier || event->key() != Qt::Key_Y)
+        return false;
+    QTextCursor cursor = item.textCursor();
+    item.document()->redo(&cursor);
+    item.setTextCursor(cursor);
+    event->accept();
+    return true;
+}
+
+void clearSelection(QGraphicsTextItem &item)
+{
+    QTextCursor cursor = item.textCursor();
+    cursor.clearSelection();
+    item.setTextCursor(cursor);
+}
+
+QStyleOptionGraphicsItem withoutFocusFrame(const QStyleOptionGraphicsItem &option)
+{
+    QStyleOptionGraphicsItem unframed(option);
+    unframed.state &= ~QStyle::State_HasFocus;
+    return unframed;
+}
+
+} // namespace TextEditing

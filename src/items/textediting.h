@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QStyleOptionGraphicsItem>
+
+class QEvent;
+class QGraphicsTextItem;
+class QKeyEvent;
+
+/// What all texts that are edited in place have in common.
+namespace TextEditing {
+
+/// Makes whatever is pasted or dropped into the item arrive as plain text: only that is saved.
+void takePlainTextOnly(QGraphicsTextItem &item);
+/// Keeps the keys that edit a text from the shortcuts of the window, which would change the graph instead.
+/// True if the event was such a key; it is then accepted and needs no more handling.
+bool claimKeys(QEvent *event);
+/// Carries out Ctrl+Y, which the text itself knows only on some systems. True if the event was that key.
+bool redoByKey(QGraphicsTextItem &item, QKeyEvent *event);
+/// Ends the selection and leaves the cursor where it is.
+void clearSelection(QGraphicsTextItem &item);
+/// The option without the focus, so that no dashed frame is drawn around the text.
+QStyleOptionGraphicsItem withoutFocusFrame(const QStyleOptionGraphicsItem &option);
+
+} // namespace TextEditing

@@ -1,0 +1,337 @@
+#include "scene/shownscene.h"
+#include "support/testsupport.h"
+
+#include <QUndoCommand>
+
+#include <memory>
+
+namespace {
+
+/// A scene and an undo history, as a tab has them, without a view.
+struct Tab
+{
+    NodegraphScene scene;
+    QUndoStack stack;
+
+    Tab() { pushCommandsOn(scene, stack); }
+};
+
+using Nodes = std::vector<Node *>;
+
+std::vector<int> indicesOf(const Nodes &nodes)
+{
+    std::vector<int> indices;
+    for (const Node *node : nodes)
+        indices.push_back(node->getIndex());
+    return indices;
+}
+
+} // namespace
+
+class tst_NodegraphSceneAdding : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { failOnWarnings(); }
+    void cleanup() { flushDeferredDeletes(); }
+
+    void threeAddsMakeChain();
+    void addCommandDoesNothingUntilSomebodyRunsIt();
+    void firstAddedEventIsCurrentAndSelected();
+    void onlyAddCommandMakesFirstNodeCurrent();
+    void firstEventAfterAllWereDeletedIsCurrentAgain();
+    void addedEventTakesWholeNumbersBesideCurrentNode_data();
+    void addedEventTakesWholeNumbersBesideCurrentNode();
+    void addedEventLeavesMarkThatCurrentNodeDoesNotHave();
+    void looseEventStandsExactlyAtMouse();
+    void addingLogsIndexThenConnection();
+    void deletedIndexIsNotUsedAgain();
+    void addUndoneAfterReplacedIndexTakesItsOwnNode();
+    void middleOfViewCountsUntilMouseWasThere();
+    void firstEventLandsInSightOfScrolledView();
+    void addedEventIsScrolledIntoSight_data();
+    void addedEventIsScrolledIntoSight();
+    void addedEventInSightScrollsNothing();
+};
+
+void tst_NodegraphSceneAdding::threeAddsMakeChain()
+{
+    Tab tab;
+    tab.scene.sl_lastMousePos(QPointF(100, 200));
+    const Nodes nodes = addChain(tab.scene, 3);
+
+    QCOMPARE(tab.scene.getNodes(), nodes);
+    QCOMPARE(indicesOf(nodes), (std::vector<int>{0, 1, 2}));
+    QCOMPARE(nodes[0]->pos(), QPointF(100, 200));
+    const double step = nodes[0]->boundingRect().width() + 100;
+    QCOMPARE(nodes[1]->pos(), QPointF(100 + step, 200));
+    QCOMPARE(nodes[2]->pos(), QPointF(100 + 2 * step, 200));
+    QCOMPARE(nodes[0]->prevNode(), nullptr);
+    QCOMPARE(nodes[1]->prevNode(), nodes[0]);
+    QCOMPARE(nodes[2]->prevNode(), nodes[1]);
+    QCOMPARE(nodes[0]->getPrevIndex(), -1);
+    QCOMPARE(nodes[1]->getPrevIndex(), 0);
+    QCOMPARE(nodes[2]->getPrevIndex(), 1);
+    QCOMPARE(tab.scene.currentNode(), nodes[2]);
+    QCOMPARE(tab.scene.selectedItems(), QList<QGraphicsItem *>{nodes[2]});
+    QCOMPARE(tab.scene.endOfStoryNode(), nodes[2]);
+    QVERIFY(!nodes[0]->getIsEndOfStory());
+    QVERIFY(!nodes[1]->getIsEndOfStory());
+    QVERIFY(nodes[2]->getIsEndOfStory());
+    QCOMPARE(tab.scene.getStory(), nodes);
+    QVERIFY(linesAreExact(tab.scene));
+    QVERIFY(tab.scene.getSelectedNodes().empty());
+    // The connections are part of the additions.
+    QCOMPARE(tab.stack.count(), 3);
+    QCOMPARE(tab.stack.undoText(), QStringLiteral("Add Node"));
+}
+
+void tst_NodegraphSceneAdding::addCommandDoesNothingUntilSomebodyRunsIt()
+{
+    NodegraphScene scene;
+    scene.sl_lastMousePos(QPointF(12.5, 34.5));
+    QSignalSpy spy(&scene, &NodegraphScene::s_UndoCommandAdded);
+    QSignalSpy story(&scene, &NodegraphScene::s_updateStory);
+    scene.sl_addEventNode();
+    QCOMPARE(spy.size(), 1);
+    const std::unique_ptr<QUndoCommand> command(spy.at(0).at(0).value<QUndoCommand *>());
+    QCOMPARE(command->text(), QStringLiteral("Add Node"));
+    QVERIFY(scene.getNodes().empty());
+    QVERIFY(story.isEmpty());
+
+    command->redo();
+    QCOMPARE(scene.getNodes().size(), std::size_t(1));
+    const Node *node = scene.getNodes().front();
+    QCOMPARE(node->pos(), QPointF(12.5, 34.5));
+    QCOMPARE(node->getIndex(), 0);
+    QCOMPARE(node->getType(), 0);
+    QCOMPARE(node->getTitle(), QStringLiteral("Event"));
+    QVERIFY(!story.isEmpty());
+}
+
+void tst_NodegraphSceneAdding::firstAddedEventIsCurrentAndSelected()
+{
+    Tab tab;
+    tab.scene.sl_addEventNode();
+    Node *node = tab.scene.getNodes().front();
+    QCOMPARE(tab.scene.currentNode(), node);
+    QVERIFY(node->isSelected());
+    QVERIFY(node->getIsEndOfStory());
+    QCOMPARE(tab.scene.endOfStoryNode(), node);
+}
+
+void tst_NodegraphSceneAdding::onlyAddCommandMakesFirstNodeCurrent()
+{
+    Tab tab;
+    tab.scene.createNode(QPointF(10, 10), 0, 0, nullptr, QString());
+    QCOMPARE(tab.scene.currentNode(), nullptr);
+    QVERIFY(!tab.scene.getNodes().front()->isSelected());
+    QVERIFY(tab.scene.getNodes().front()->getIsEndOfStory());
+
+    tab.scene.deleteSelectedNodes(tab.scene.getNodes().front());
+    QVERIFY(tab.scene.getNodes().empty());
+    tab.stack.undo();
+    QCOMPARE(tab.scene.getNodes().size(), std::size_t(1));
+    QCOMPARE(tab.scene.currentNode(), nullptr);
+    QVERIFY(!tab.scene.getNodes().front()->isSelected());
+}
+
+void tst_NodegraphSceneAdding::firstEventAfterAllWereDeletedIsCurrentAgain()
+{
+    Tab tab;
+    addChain(tab.scene, 2);
+    tab.scene.selectAll();
+    tab.scene.deleteSelectedNodes(nullptr);
+    QVERIFY(tab.scene.getNodes().empty());
+
+    const Nodes nodes = addChain(tab.scene, 1);
+    QCOMPARE(nodes[0]->getIndex(), 2);
+    QCOMPARE(tab.scene.currentNode(), nodes[0]);
+    QCOMPARE(tab.scene.endOfStoryNode(), nodes[0]);
+    QCOMPARE(tab.scene.getStory(), nodes);
+}
+
+void tst_NodegraphSceneAdding::addedEventTakesWholeNumbersBesideCurrentNode_data()
+{
+    QTest::addColumn<QPointF>("current");
+    QTest::addColumn<QPointF>("shift"); // from the current node's whole place to the new node's
+    QTest::newRow("whole") << QPointF(10, 20) << QPointF(10, 20);
+    QTest::newRow("fractions") << QPointF(10.7, 20.9) << QPointF(10, 20);
+    QTest::newRow("negative y goes up") << QPointF(0.25, -20.9) << QPointF(0, -20);
+    QTest::newRow("far left") << QPointF(-900.7, -0.5) << QPointF(-900, 0);
+}
+
+void tst_NodegraphSceneAdding::addedEventTakesWholeNumbersBesideCurrentNode()
+{
+    QFETCH(QPointF, current);
+    QFETCH(QPointF, shift);
+    Tab tab;
+    Node *node = addChain(tab.scene, 1).front();
+    node->setPos(current);
+    tab.scene.sl_addEventNode();
+    const Node *added = tab.scene.getNodes().back();
+    QCOMPARE(node->boundingRect().width(), 455.0);
+    QCOMPARE(added->pos(), shift + QPointF(555, 0));
+    QVERIFY(linesAreExact(tab.scene));
+}
+
+void tst_NodegraphSceneAdding::addedEventLeavesMarkThatCurrentNodeDoesNotHave()
+{
+    Tab tab;
+    const Nodes nodes = addChain(tab.scene, 2);
+    tab.scene.sl_selectCurrentNode(nodes[0]);
+    tab.scene.sl_addEventNode();
+    Node *branch = tab.scene.getNodes().back();
+    QCOMPARE(branch->prevNode(), nodes[0]);
+    QCOMPARE(tab.scene.currentNode(), branch);
+    QVERIFY(branch->isSelected());
+    QCOMPARE(tab.scene.endOfStoryNode(), nodes[1]);
+    QVERIFY(!branch->getIsEndOfStory());
+    QCOMPARE(tab.scene.getStory(), nodes);
+}
+
+void tst_NodegraphSceneAdding::looseEventStandsExactlyAtMouse()
+{
+    Tab tab;
+    const Nodes nodes = addChain(tab.scene, 2);
+    SceneMouse mouse{tab.scene};
+    mouse.press(QPointF(5000, 5000));
+    mouse.release(QPointF(5000, 5000));
+    tab.scene.sl_lastMousePos(QPointF(5000.25, 4999.75));
+
+    tab.scene.sl_addEventNode();
+    const Node *loose = tab.scene.getNodes().back();
+    QCOMPARE(loose->pos(), QPointF(5000.25, 4999.75));
+    QVERIFY(!loose->hasInput());
+    QVERIFY(loose->nextNodes().empty());
+    QVERIFY(!loose->getIsEndOfStory());
+    QVERIFY(!loose->isSelected());
+    QCOMPARE(tab.scene.currentNode(), nullptr);
+    QCOMPARE(tab.scene.endOfStoryNode(), nodes[1]);
+    QCOMPARE(tab.scene.getStory(), nodes);
+}
+
+void tst_NodegraphSceneAdding::addingLogsIndexThenConnection()
+{
+    Tab tab;
+    LogCapture log;
+    tab.scene.sl_addEventNode();
+    QCOMPARE(log.lines(), QStringList()); // index 0 is what a node starts with
+    tab.scene.sl_addEventNode();
+    QCOMPARE(log.lines(), (QStringList{"Old node index  0  New node index  1", "Connected node  1  to  0"}));
+    log.clear();
+    tab.scene.sl_deselectCurrentNode();
+    tab.scene.sl_addEventNode();
+    QCOMPARE(log.lines(), QStringList{"Old node index  0  New node index  2"});
+}
+
+void tst_NodegraphSceneAdding::deletedIndexIsNotUsedAgain()
+{
+    Tab tab;
+    const Nodes nodes = addChain(tab.scene, 3);
+    tab.scene.deleteSelectedNodes(nodes[1]);
+    tab.scene.sl_addEventNode();
+    QCOMPARE(indicesOf(tab.scene.getNodes()), (std::vector<int>{0, 2, 3}));
+    tab.scene.clear();
+    tab.scene.sl_addEventNode();
+    QCOMPARE(indicesOf(tab.scene.getNodes()), std::vector<int>{0});
+}
+
+// A scene opened from a file with a hole asks for an index that is taken; undo used to delete its owner.
+void tst_NodegraphSceneAdding::addUndoneAfterReplacedIndexTakesItsOwnNode()
+{
+    Tab tab;
+    tab.scene.createNode(QPointF(), 1, 0, nullptr, QStringLiteral("kept"));
+    tab.scene.sl_addEventNode(); // asks for 1
+    QCOMPARE(indicesOf(tab.scene.getNodes()), (std::vector<int>{1, 2}));
+    tab.stack.undo();
+    QCOMPARE(tab.scene.getNodes().size(), std::size_t(1));
+    QCOMPARE(tab.scene.getNodes().front()->getTitle(), QStringLiteral("kept"));
+}
+
+void tst_NodegraphSceneAdding::middleOfViewCountsUntilMouseWasThere()
+{
+    ShownScene shown;
+    const QPointF middle = shown.view.mapToScene(shown.view.viewport()->rect().center());
+    Node *first = addChain(shown.scene, 1).front();
+    QCOMPARE(first->pos(), middle);
+
+    shown.scene.sl_deselectCurrentNode();
+    shown.scene.sl_lastMousePos(QPointF(0, 0)); // a real place
+    shown.scene.sl_addEventNode();
+    QCOMPARE(shown.scene.getNodes().back()->pos(), QPointF(0, 0));
+
+    shown.scene.sl_deselectCurrentNode();
+    shown.move(QPointF(321, 123));
+    shown.scene.sl_addEventNode();
+    QCOMPARE(shown.scene.getNodes().back()->pos(), QPointF(321, 123));
+}
+
+void tst_NodegraphSceneAdding::firstEventLandsInSightOfScrolledView()
+{
+    ShownScene shown;
+    shown.view.centerOn(40000, 60000);
+    shown.view.scale(0.5, 0.5);
+    const QPointF middle = shown.view.mapToScene(shown.view.viewport()->rect().center());
+    const Node *node = addChain(shown.scene, 1).front();
+    QCOMPARE(node->pos(), middle);
+    QVERIFY(shown.inSight().contains(node->sceneBoundingRect()));
+}
+
+void tst_NodegraphSceneAdding::addedEventIsScrolledIntoSight_data()
+{
+    QTest::addColumn<double>("scale");
+    QTest::addColumn<QPointF>("mouse"); // parts of the view
+    for (const double scale : {1.0, 0.8333, 0.777, 1.2, 1.44, 0.1}) {
+        const QByteArray zoom = QByteArray::number(scale);
+        QTest::addRow("right edge at %s", zoom.constData()) << scale << QPointF(0.99, 0.5);
+        QTest::addRow("bottom edge at %s", zoom.constData()) << scale << QPointF(0.3, 0.997);
+        QTest::addRow("corner at %s", zoom.constData()) << scale << QPointF(0.991, 0.993);
+        QTest::addRow("beyond left at %s", zoom.constData()) << scale << QPointF(-0.3, 0.4);
+        QTest::addRow("beyond top at %s", zoom.constData()) << scale << QPointF(0.2, -0.31);
+        QTest::addRow("far away at %s", zoom.constData()) << scale << QPointF(3.0, 2.0);
+    }
+}
+
+void tst_NodegraphSceneAdding::addedEventIsScrolledIntoSight()
+{
+    QFETCH(double, scale);
+    QFETCH(QPointF, mouse);
+    ShownScene shown;
+    addLoose(shown.scene, QPointF(50000, 50000));
+    shown.view.scale(scale, scale);
+    shown.view.centerOn(50000, 50000);
+    const QRectF before = shown.inSight();
+    const Node *node = addLoose(
+        shown.scene, before.topLeft() + QPointF(mouse.x() * before.width(), mouse.y() * before.height()));
+    const QRectF rect = node->sceneBoundingRect();
+    const QRectF after = shown.inSight();
+    QVERIFY(after.contains(rect));
+
+    // Just enough: what was missing, rounded up to the next pixels.
+    const auto missing = [](double low, double high, double from, double to) {
+        return from < low ? from - low : to > high ? to - high : 0.0;
+    };
+    const QPointF shift = after.topLeft() - before.topLeft();
+    const double dx = missing(before.left(), before.right(), rect.left(), rect.right());
+    const double dy = missing(before.top(), before.bottom(), rect.top(), rect.bottom());
+    QVERIFY(qAbs(shift.x() - dx) * scale <= 3.0);
+    QVERIFY(qAbs(shift.y() - dy) * scale <= 3.0);
+}
+
+void tst_NodegraphSceneAdding::addedEventInSightScrollsNothing()
+{
+    ShownScene shown;
+    shown.view.centerOn(50000, 50000);
+    const QRectF before = shown.inSight();
+    const QRectF body = addLoose(shown.scene, QPointF(50000, 50000))->boundingRect();
+    QCOMPARE(shown.inSight(), before);
+    addLoose(shown.scene, before.topLeft()); // touches two edges from inside
+    QCOMPARE(shown.inSight(), before);
+    addLoose(shown.scene, before.bottomRight() - body.bottomRight());
+    QCOMPARE(shown.inSight(), before);
+}
+
+QTEST_MAIN(tst_NodegraphSceneAdding)
+#include "tst_nodegraphscene_adding.moc"

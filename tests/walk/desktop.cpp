@@ -1,0 +1,248 @@
+#include "walk/desktop.h"
+
+#include <QFileInfo>
+#include <QTest>
+
+#include <csignal>
+#include <sys/prctl.h>
+
+namespace {
+
+constexpr int patience = 30000; // milliseconds for one condition
+constexpr int endingTime = 5000;
+
+void end(QProcess &process)
+{
+    if (process.state() == QProcess::NotRunning)
+        return;
+    process.terminate();
+    if (!process.waitForFinished(endingTime)) {
+        process.kill();
+        process.waitForFinished(endingTime);
+    }
+}
+
+QStringList coordinates(QPoint point) { return {QString::number(point.x()), QString::number(point.y())}; }
+
+} // namespace
+
+bool eventually(const std::function<bool()> &condition) { return QTest::qWaitFor(condition, patience); }
+
+Desktop::~Desktop()
+{
+    end(windowManager);
+    end(server);
+}
+
+bool Desktop::fail(const QString &text)
+{
+    problemText = text;
+    return false;
+}
+
+bool Desktop::start()
+{
+    if (!home.isValid())
+        return fail(QStringLiteral("No temporary folder: ") + home.errorString());
+    QDir(artefacts()).removeRecursively(); // what lies there afterwards is of this run
+    if (!artefacts().mkpath(QStringLiteral(".")))
+        return fail(QStringLiteral("No folder for the artefacts"));
+    // Qt takes a run-time folder only if nobody else can look into it.
+    QDir(home.path()).mkdir(QStringLiteral("runtime"));
+    QFile::setPermissions(homePath(QStringLiteral("runtime")),
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    return startServer() && startWindowManager();
+}
+
+bool Desktop::startServer()
+{
+    tieToThisProcess(server);
+    server.setStandardErrorFile(artefacts().filePath(QStringLiteral("xvfb.log")));
+    // No auto-repeat (-r): on a busy machine a key may stay down for long between press and release.
+    server.start(QStringLiteral("Xvfb"),
+                 {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                  QStringLiteral("0"), QStringLiteral("1600x1000x24"), QStringLiteral("-nolisten"),
+                  QStringLiteral("tcp"), QStringLiteral("-noreset"), QStringLiteral("-r")});
+    if (!server.waitForStarted())
+        return fail(QStringLiteral("Xvfb: ") + server.errorString());
+    QByteArray number;
+    const bool answered = eventually([&] {
+        number += server.readAllStandardOutput();
+        return number.endsWith('\n') || server.state() == QProcess::NotRunning;
+    });
+    if (!answered || !number.endsWith('\n'))
+        return fail(QStringLiteral("Xvfb found no free display, see xvfb.log"));
+    display = QLatin1Char(':') + QString::fromLatin1(number.trimmed());
+    return true;
+}
+
+bool Desktop::startWindowManager()
+{
+    tieToThisProcess(windowManager);
+    windowManager.setProcessEnvironment(environment());
+    windowManager.setProcessChannelMode(QProcess::MergedChannels);
+    windowManager.setStandardOutputFile(artefacts().filePath(QStringLiteral("openbox.log")));
+    windowManager.start(QStringLiteral("openbox"), {QStringLiteral("--sm-disable")});
+    if (!windowManager.waitForStarted())
+        return fail(QStringLiteral("openbox: ") + windowManager.errorString());
+    const bool managed = eventually([this] {
+        QByteArray answer;
+        return run(QStringLiteral("xprop"),
+                   {QStringLiteral("-root"), QStringLiteral("_NET_SUPPORTING_WM_CHECK")}, &answer) &&
+               answer.contains("window id");
+    });
+    return managed || fail(QStringLiteral("openbox does not manage the screen, see openbox.log"));
+}
+
+QProcessEnvironment Desktop::environment() const
+{
+    const QProcessEnvironment own = QProcessEnvironment::systemEnvironment();
+    QProcessEnvironment environment;
+    for (const char *name : {"PATH", "LD_LIBRARY_PATH", "QT_PLUGIN_PATH", "ASAN_OPTIONS", "LSAN_OPTIONS",
+                             "UBSAN_OPTIONS", "LLVM_PROFILE_FILE"}) {
+        const QString key = QString::fromLatin1(name);
+        if (own.contains(key))
+            environment.insert(key, own.value(key));
+    }
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    environment.insert(QStringLiteral("HOME"), home.path());
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), homePath(QStringLiteral("runtime")));
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), homePath(QStringLiteral("config")));
+    environment.insert(QStringLiteral("XDG_CACHE_HOME"), homePath(QStringLiteral("cache")));
+    environment.insert(QStringLiteral("XDG_DATA_HOME"), homePath(QStringLiteral("data")));
+    environment.insert(QStringLiteral("DISPLAY"), display);
+    // Nothing listens there, so no message bus is found, and none is launched that would outlive the walk.
+    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
+                       QStringLiteral("unix:path=") + homePath(QStringLiteral("runtime/no-bus")));
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    // The log must reach the test wherever Qt would send it by itself.
+    environment.insert(QStringLiteral("QT_FORCE_STDERR_LOGGING"), QStringLiteral("1"));
+    return environment;
+}
+
+QString Desktop::homePath(const QString &name) const { return home.filePath(name); }
+
+QDir Desktop::artefacts() { return QDir(QStringLiteral(WALK_ARTEFACTS)); }
+
+bool Desktop::run(const QString &tool, const QStringList &arguments, QByteArray *output) const
+{
+    QProcess process;
+    process.setProcessEnvironment(environment());
+    process.start(tool, arguments, QIODevice::ReadOnly);
+    const bool ended = process.waitForFinished(patience);
+    if (!ended && process.state() != QProcess::NotRunning) {
+        process.kill();
+        process.waitForFinished(endingTime);
+    }
+    if (output)
+        *output = process.readAllStandardOutput();
+    return ended && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+}
+
+QImage Desktop::screenshot() const
+{
+    QByteArray picture;
+    if (!run(QStringLiteral("import"),
+             {QStringLiteral("-silent"), QStringLiteral("-window"), QStringLiteral("root"),
+              QStringLiteral("ppm:-")},
+             &picture))
+        return {};
+    return QImage::fromData(picture, "PPM").convertToFormat(QImage::Format_RGB32);
+}
+
+bool Desktop::keepScreenshot(const QString &name, const QRect &part) const
+{
+    const QImage whole = screenshot();
+    const QImage kept = part.isEmpty() ? whole : whole.copy(part);
+    return kept.save(artefacts().filePath(name));
+}
+
+QString Desktop::activeTitle() const
+{
+    QByteArray title;
+    if (!run(QStringLiteral("xdotool"), {QStringLiteral("getactivewindow"), QStringLiteral("getwindowname")},
+             &title))
+        return {};
+    return QString::fromUtf8(title).trimmed();
+}
+
+int Desktop::windowWithTitle(const QString &title) const
+{
+    QByteArray ids;
+    run(QStringLiteral("xdotool"),
+        {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"),
+         QLatin1Char('^') + QRegularExpression::escape(title) + QLatin1Char('$')},
+        &ids);
+    return ids.split('\n').constFirst().toInt();
+}
+
+QList<int> Desktop::windowsOfClass(const QString &name) const
+{
+    QByteArray ids;
+    run(QStringLiteral("xdotool"),
+        {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--class"),
+         QLatin1Char('^') + name + QLatin1Char('$')},
+        &ids);
+    QList<int> windows;
+    const QList<QByteArray> lines = ids.split('\n');
+    for (const QByteArray &line : lines) {
+        if (const int id = line.toInt())
+            windows.append(id);
+    }
+    return windows;
+}
+
+QRect Desktop::geometry(int window) const
+{
+    QByteArray text;
+    // Without a window the tool would wait for a click on one.
+    if (window == 0 ||
+        !run(QStringLiteral("xwininfo"), {QStringLiteral("-id"), QString::number(window)}, &text))
+        return {};
+    const auto number = [&text](const char *label) {
+        const QRegularExpression line(QLatin1String(label) + QStringLiteral(":\\s*(-?\\d+)"));
+        return line.match(QString::fromUtf8(text)).captured(1).toInt();
+    };
+    return {number("Absolute upper-left X"), number("Absolute upper-left Y"), number("Width"),
+            number("Height")};
+}
+
+bool Desktop::click(QPoint point) const
+{
+    return run(QStringLiteral("xdotool"), QStringList{QStringLiteral("mousemove")} + coordinates(point) +
+                                              QStringList{QStringLiteral("click"), QStringLiteral("1")});
+}
+
+bool Desktop::drag(QPoint from, QPoint to) const
+{
+    QStringList steps{QStringLiteral("mousemove")};
+    steps += coordinates(from) + QStringList{QStringLiteral("mousedown"), QStringLiteral("1")};
+    constexpr int moves = 8;
+    for (int i = 1; i <= moves; ++i)
+        steps += QStringList{QStringLiteral("mousemove")} + coordinates(from + (to - from) * i / moves);
+    steps += QStringList{QStringLiteral("mouseup"), QStringLiteral("1")};
+    return run(QStringLiteral("xdotool"), steps);
+}
+
+bool Desktop::key(const QString &keys) const
+{
+    return run(QStringLiteral("xdotool"), {QStringLiteral("key"), keys});
+}
+
+bool Desktop::type(const QString &text) const
+{
+    const QStringList lines = text.split(QLatin1Char('\n'));
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        if (i > 0 && !key(QStringLiteral("Return")))
+            return false;
+        if (!lines.at(i).isEmpty() &&
+            !run(QStringLiteral("xdotool"), {QStringLiteral("type"), QStringLiteral("--"), lines.at(i)}))
+            return false;
+    }
+    return true;
+}
+
+void Desktop::tieToThisProcess(QProcess &process)
+{
+    process.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
+}

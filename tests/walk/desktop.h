@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QDir>
+#include <QImage>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <functional>
+
+/// A screen of its own: a virtual X server with a window manager, with a mouse and a keyboard to use it.
+///
+/// Everything it starts ends with it, and everything it writes lies in a temporary home or in artefacts().
+class Desktop
+{
+public:
+    Desktop() = default;
+    ~Desktop();
+    Desktop(const Desktop &) = delete;
+    Desktop &operator=(const Desktop &) = delete;
+
+    /// Starts server and window manager; if that fails, problem() tells why.
+    bool start();
+    QString problem() const { return problemText; }
+
+    /// What a program needs to run on this screen, and nothing of the caller's own session.
+    QProcessEnvironment environment() const;
+    /// An absolute path in the user's home.
+    QString homePath(const QString &name) const;
+    /// The folder in the build tree where pictures and logs are kept.
+    static QDir artefacts();
+
+    QImage screenshot() const;
+    /// Saves a picture of the screen, or of a part of it, among the artefacts.
+    bool keepScreenshot(const QString &name, const QRect &part = QRect()) const;
+
+    /// The title of the window that has the keyboard, empty if none has.
+    QString activeTitle() const;
+    /// The visible window with exactly that title; 0 if there is none.
+    int windowWithTitle(const QString &title) const;
+    /// The visible windows of that class, dialogs and menus among them.
+    QList<int> windowsOfClass(const QString &name) const;
+    /// Where the contents of a window are on the screen; empty for 0.
+    QRect geometry(int window) const;
+
+    /// Each returns whether the event could be sent. Points are those of the screen.
+    bool click(QPoint point) const;
+    bool drag(QPoint from, QPoint to) const;
+    /// A key with its modifiers, such as "ctrl+shift+a".
+    bool key(const QString &keys) const;
+    /// Types the text, a Return for every line break.
+    bool type(const QString &text) const;
+
+    /// Makes a process end with this one, however this one ends.
+    static void tieToThisProcess(QProcess &process);
+
+private:
+    bool startServer();
+    bool startWindowManager();
+    bool fail(const QString &text);
+    /// Runs a tool to its end; false if it could not run or reported an error.
+    bool run(const QString &tool, const QStringList &arguments, QByteArray *output = nullptr) const;
+
+    QTemporaryDir home;
+    QProcess server;
+    QProcess windowManager;
+    QString display;
+    QString problemText;
+};
+
+/// Waits until the condition holds; false if it does not within the time a slow machine may need.
+bool eventually(const std::function<bool()> &condition);

@@ -1,0 +1,257 @@
+#include "walk/editorwindow.h"
+
+#include "walk/desktop.h"
+#include "walk/picture.h"
+#include "walk/program.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+const QColor canvasColour(QStringLiteral("#606060"));
+const QColor panelColour(QStringLiteral("#EAEAEA"));
+const QColor entryColour(QStringLiteral("#F5F5F5"));
+const QColor headerColour(QStringLiteral("#8556E9"));
+const QColor freeSocketColour(QStringLiteral("#B4A523"));
+const QColor fedSocketColour(QStringLiteral("#FFFF00"));
+
+constexpr double boxWidth = 455.0;
+constexpr double socketWidth = 10.0;
+constexpr double framingMargin = 50.0;
+constexpr int fileMenuEntries = 5;
+
+const QString question = QStringLiteral("Save Changes");
+
+struct SocketSign
+{
+    QPoint middle;
+    bool connected = false;
+};
+
+/// The first socket below the header whose middle is at that x; false if there is none.
+bool findSocket(const QList<SocketSign> &sockets, const QRect &header, double x, double tolerance,
+                QPoint &middle, bool &connected)
+{
+    for (const SocketSign &socket : sockets) {
+        if (socket.middle.y() > header.bottom() && std::abs(socket.middle.x() - x) <= tolerance) {
+            middle = socket.middle;
+            connected = socket.connected;
+            return true;
+        }
+    }
+    return false;
+}
+
+QList<SocketSign> socketsIn(const QImage &picture, const QRect &area)
+{
+    QList<SocketSign> sockets;
+    for (const bool connected : {false, true}) {
+        const QList<Patch> found = patchesOf(picture, area, connected ? fedSocketColour : freeSocketColour);
+        for (const Patch &patch : found) {
+            if (patch.bounds.width() >= 2 && patch.bounds.height() >= 6)
+                sockets.append({patch.bounds.center(), connected});
+        }
+    }
+    std::sort(sockets.begin(), sockets.end(),
+              [](const SocketSign &a, const SocketSign &b) { return a.middle.y() < b.middle.y(); });
+    return sockets;
+}
+
+} // namespace
+
+double EventBox::scale() const { return header.width() / boxWidth; }
+
+QPoint EventBox::at(double x, double y) const
+{
+    return header.topLeft() + QPointF(x * scale(), y * scale()).toPoint();
+}
+
+bool EditorWindow::measure()
+{
+    return eventually([this] {
+        window = desktop.geometry(desktop.windowWithTitle(Program::title()));
+        const QImage picture = desktop.screenshot();
+        canvas = largest(patchesOf(picture, window, canvasColour)).bounds;
+        panel = largest(patchesOf(picture, window, panelColour)).bounds;
+        return canvas.width() > 400 && canvas.height() > 400 && panel.width() > 300 && panel.height() > 300 &&
+               panel.left() > canvas.right() && tabs().size() == 1;
+    });
+}
+
+QList<EventBox> EditorWindow::events() const
+{
+    const QImage picture = desktop.screenshot();
+    const QList<SocketSign> sockets = socketsIn(picture, canvas);
+    QList<EventBox> boxes;
+    const QList<Patch> headers = patchesOf(picture, canvas, headerColour);
+    for (const Patch &patch : headers) {
+        EventBox box;
+        box.header = patch.bounds;
+        const double half = socketWidth / 2 * box.scale();
+        if (box.header.width() > 100 &&
+            findSocket(sockets, box.header, box.header.left() + half, half, box.input, box.inputFed) &&
+            findSocket(sockets, box.header, box.header.right() - half, half, box.output, box.outputFeeds))
+            boxes.append(box);
+    }
+    std::sort(boxes.begin(), boxes.end(),
+              [](const EventBox &a, const EventBox &b) { return a.header.left() < b.header.left(); });
+    return boxes;
+}
+
+QList<EventBox> EditorWindow::framedEvents(int count) const
+{
+    QList<EventBox> seen;
+    const bool framed = eventually([&] {
+        seen = events();
+        if (seen.size() != count)
+            return false;
+        const int width = seen.constLast().header.right() - seen.constFirst().header.left() + 1;
+        const double framedWidth = width + 2 * framingMargin * seen.constFirst().scale();
+        return std::abs(framedWidth - canvas.width()) < 10;
+    });
+    return framed ? seen : QList<EventBox>();
+}
+
+QList<QRect> EditorWindow::entries() const
+{
+    QList<QRect> found;
+    const QList<Patch> all = patchesOf(desktop.screenshot(), panel, entryColour);
+    for (const Patch &patch : all) {
+        const QRect entry = patch.bounds;
+        // The outline of an important entry is as wide, but nothing fills it.
+        const bool filled = entry.height() > 20 && patch.count > entry.width() * entry.height() / 2;
+        if (entry.width() > panel.width() * 3 / 4 && filled)
+            found.append(entry);
+    }
+    return found;
+}
+
+QList<TabSign> EditorWindow::tabs() const
+{
+    constexpr int tabBarHeight = 36;
+    const QRect bar(canvas.left(), canvas.top() - tabBarHeight, canvas.width(), tabBarHeight);
+    const QImage picture = desktop.screenshot();
+    const QList<Patch> bright =
+        patches(picture, bar, [](QRgb pixel) { return qMax(qRed(pixel), qGreen(pixel)) > 120; });
+    QList<TabSign> found;
+    for (const Patch &patch : bright) {
+        const QRect button = patch.bounds;
+        const bool square = button.width() >= 11 && button.width() <= 18 && button.height() >= 11 &&
+                            button.height() <= 18 && patch.count * 5 > button.width() * button.height() * 4;
+        if (!square)
+            continue;
+        const QRgb edge = picture.pixel(button.left(), button.center().y());
+        found.append({button, qRed(edge) > qGreen(edge) + 60});
+    }
+    std::sort(found.begin(), found.end(),
+              [](const TabSign &a, const TabSign &b) { return a.closeButton.left() < b.closeButton.left(); });
+    return found;
+}
+
+bool EditorWindow::comesToShowEntries(int count) const
+{
+    return eventually([=, this] { return entries().size() == count; });
+}
+
+bool EditorWindow::comesToShowTabs(int count) const
+{
+    return eventually([=, this] { return tabs().size() == count; });
+}
+
+bool EditorWindow::comesToShowCurrentTab(int tab) const
+{
+    return eventually([=, this] {
+        const QList<TabSign> seen = tabs();
+        return tab < seen.size() && seen.at(tab).current;
+    });
+}
+
+bool EditorWindow::comesToShowCanvas(bool shown) const
+{
+    return eventually([=, this] {
+        return (largest(patchesOf(desktop.screenshot(), canvas, canvasColour)).count > 0) == shown;
+    });
+}
+
+bool EditorWindow::comesToShowBodyColour(const EventBox &box, const QColor &colour) const
+{
+    return eventually([&] { return desktop.screenshot().pixelColor(box.body()) == colour; });
+}
+
+bool EditorWindow::hasKeyboard() const { return dialogIsActive(Program::title()); }
+
+bool EditorWindow::dialogIsActive(const QString &title) const
+{
+    return eventually([&] { return desktop.activeTitle() == title; });
+}
+
+bool EditorWindow::key(const QString &keys) const { return hasKeyboard() && desktop.key(keys); }
+
+bool EditorWindow::clickEmptyCanvas() const { return desktop.click(canvas.bottomLeft() + QPoint(20, -20)); }
+
+bool EditorWindow::replaceTitle(const EventBox &box, const QString &text) const
+{
+    return hasKeyboard() && desktop.click(box.title()) && desktop.type(text);
+}
+
+bool EditorWindow::writeDescription(const EventBox &box, const QString &text) const
+{
+    return hasKeyboard() && desktop.click(box.description()) && desktop.type(text);
+}
+
+bool EditorWindow::pressTabButton() const { return desktop.click(canvas.topLeft() + QPoint(-24, -18)); }
+
+bool EditorWindow::chooseTab(int tab) const
+{
+    const QList<TabSign> seen = tabs();
+    return tab < seen.size() && desktop.click(seen.at(tab).label());
+}
+
+bool EditorWindow::pressCloseButton(int tab) const
+{
+    const QList<TabSign> seen = tabs();
+    return tab < seen.size() && desktop.click(seen.at(tab).closeButton.center());
+}
+
+bool EditorWindow::pressAddButton() const { return desktop.click(canvas.topLeft() + QPoint(-22, 26)); }
+
+bool EditorWindow::chooseFromFileMenu(int entry) const
+{
+    if (!hasKeyboard() || !desktop.click(window.topLeft() + QPoint(50, 12)))
+        return false;
+    QRect menu;
+    const bool opened = eventually([&] {
+        const QList<int> windows = desktop.windowsOfClass(QStringLiteral("fablegrid"));
+        for (const int id : windows) {
+            menu = desktop.geometry(id);
+            if (menu.width() < window.width() / 2 && menu.height() > 60)
+                return true;
+        }
+        return false;
+    });
+    const double y = menu.top() + menu.height() * (entry + 0.5) / fileMenuEntries;
+    return opened && desktop.click(QPointF(menu.left() + 30, y).toPoint());
+}
+
+// Not by a key of the window manager: the first key of a session makes it learn the keyboard anew, and while
+// it does so it misses its keys.
+bool EditorWindow::askToClose() const
+{
+    return hasKeyboard() && desktop.click(window.topRight() + QPoint(-10, -11));
+}
+
+bool EditorWindow::answer(const QString &keys) const { return dialogIsActive(question) && desktop.key(keys); }
+
+bool EditorWindow::giveFile(const QString &dialogTitle, const QString &path) const
+{
+    if (!dialogIsActive(dialogTitle) || !desktop.type(path) || !desktop.key(QStringLiteral("Return")))
+        return false;
+    return eventually([&] { return desktop.windowWithTitle(dialogTitle) == 0; });
+}
+
+bool EditorWindow::cancelDialog(const QString &title) const
+{
+    return dialogIsActive(title) && desktop.key(QStringLiteral("Escape")) &&
+           eventually([&] { return desktop.windowWithTitle(title) == 0; });
+}
