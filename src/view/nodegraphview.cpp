@@ -39,6 +39,9 @@ NodegraphView::NodegraphView(QWidget *parent) : QGraphicsView(parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setMouseTracking(true);
+    // The right button pans, also over a text. A text's menu, opened by that press, would end the pan; it can
+    // still be had by key.
+    viewport()->setContextMenuPolicy(Qt::PreventContextMenu);
     grabGesture(Qt::PanGesture);
     grabGesture(Qt::PinchGesture);
     setNodegraphScene(new NodegraphScene);

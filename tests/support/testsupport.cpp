@@ -13,15 +13,18 @@ namespace {
 
 LogCapture *activeCapture = nullptr;
 
-void send(QGraphicsScene &scene, QEvent::Type type, QPointF pos, QPointF last, Qt::MouseButton button,
-          Qt::MouseButtons buttons)
+void send(QGraphicsScene &scene, QEvent::Type type, QPointF pos, QPointF last, QPointF down,
+          Qt::MouseButton button, Qt::MouseButtons buttons)
 {
     QGraphicsSceneMouseEvent event(type);
     event.setScenePos(pos);
     event.setScreenPos(pos.toPoint());
     event.setLastScenePos(last);
     event.setLastScreenPos(last.toPoint());
-    event.setButtonDownScenePos(button, pos);
+    for (const Qt::MouseButton each : {Qt::LeftButton, Qt::RightButton, Qt::MiddleButton}) {
+        event.setButtonDownScenePos(each, down);
+        event.setButtonDownScreenPos(each, down.toPoint());
+    }
     event.setButton(button);
     event.setButtons(buttons);
     event.setAccepted(false);
@@ -90,19 +93,20 @@ QStringList ownMethods(const QMetaObject &metaObject)
 
 void SceneMouse::press(QPointF pos, Qt::MouseButton button)
 {
-    send(scene, QEvent::GraphicsSceneMousePress, pos, pos, button, button);
+    send(scene, QEvent::GraphicsSceneMousePress, pos, pos, pos, button, button);
     last = pos;
+    down = pos;
 }
 
 void SceneMouse::move(QPointF pos, Qt::MouseButtons buttons)
 {
-    send(scene, QEvent::GraphicsSceneMouseMove, pos, last, Qt::NoButton, buttons);
+    send(scene, QEvent::GraphicsSceneMouseMove, pos, last, down, Qt::NoButton, buttons);
     last = pos;
 }
 
 void SceneMouse::release(QPointF pos, Qt::MouseButton button)
 {
-    send(scene, QEvent::GraphicsSceneMouseRelease, pos, last, button, Qt::NoButton);
+    send(scene, QEvent::GraphicsSceneMouseRelease, pos, last, down, button, Qt::NoButton);
     last = pos;
 }
 

@@ -54,6 +54,7 @@ struct SceneMouse
 {
     QGraphicsScene &scene;
     QPointF last{};
+    QPointF down{}; // where the button went down
 
     void press(QPointF pos, Qt::MouseButton button = Qt::LeftButton);
     void move(QPointF pos, Qt::MouseButtons buttons = Qt::LeftButton);
