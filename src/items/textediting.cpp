@@ -10,8 +10,7 @@ namespace TextEditing {
 void takePlainTextOnly(QGraphicsTextItem &item)
 {
     // The item's own control has the property; there is no other way to it than by its name.
-    const QObjectList parts = item.children();
-    for (QObject *part : parts)
+    for (QObject *part : item.children())
         part->setProperty("acceptRichText", false);
 }
 

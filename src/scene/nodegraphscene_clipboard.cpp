@@ -43,8 +43,8 @@ void NodegraphScene::setNodeShown(Node *node, bool shown)
     }
 }
 
-/// Adds a node through a command; an `index` of -1 asks for the counter's value. `markFrom` is the index of the
-/// node that the new one takes the end-of-story mark from, -1 for none.
+/// Adds a node through a command; an `index` of -1 asks for the counter's value. `markFrom` is the index of
+/// the node that the new one takes the end-of-story mark from, -1 for none.
 void NodegraphScene::addNodeAt(QPointF pos, int type, int index, int markFrom)
 {
     auto *command = new AddNodeCommand(this, pos, index == -1 ? nodeCounter : index, type, QString());

@@ -65,6 +65,7 @@ void NodegraphScene::wireLine(ConnectionLine *line, Node *downstream, Node *upst
     downstream->setInLine(line);
     connect(upstream, SIGNAL(s_outSocketMove(QPointF)), line, SLOT(sl_setEnd(QPointF)));
     line->setSockets(downstream->getInSocket(), upstream->getOutSocket());
+    line->setVisible(downstream->isVisible() && upstream->isVisible()); // a cut node hides its lines too
     connect(line, SIGNAL(s_clicked(ConnectionLine*,int)), this,
                          SLOT(sl_connectionLineClicked(ConnectionLine*,int)));
 }

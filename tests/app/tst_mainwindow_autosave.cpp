@@ -45,6 +45,8 @@ private slots:
     void fileHoldsEveryTab();
     void fileCanBeOpened();
     void windowWithoutTabsIsSavedToo();
+    void cutEventsAreSaved();
+    void secondRunInTheSameSecondReplacesTheFirst();
     void earlierFilesStay();
     void documentsPathStays();
     void nothingIsAsked();
@@ -117,6 +119,7 @@ void tst_MainWindowAutosave::timerFiresDuringAQuestion()
 void tst_MainWindowAutosave::fileStandsInItsFolder()
 {
     MainWindow window;
+    QVERIFY(!QFileInfo::exists(documents));
     const QString before = QDateTime::currentDateTime().toString(stampFormat);
     window.autosave();
     const QString after = QDateTime::currentDateTime().toString(stampFormat);
@@ -202,6 +205,56 @@ void tst_MainWindowAutosave::windowWithoutTabsIsSavedToo()
     window.clearTabs();
     window.autosave();
     QCOMPARE(readFile(onlyFile()).toHex(), QByteArray("00000000"));
+}
+
+// A cut event waits hidden for its paste; if that never comes, the file still has it.
+void tst_MainWindowAutosave::cutEventsAreSaved()
+{
+    MainWindow window;
+    NodegraphScene *scene = sceneOf(window, 0);
+    addEvent(scene, QStringLiteral("Dawn"), QStringLiteral("It begins."))->setPos(1, 2);
+    addEvent(scene, QStringLiteral("Dusk"), QStringLiteral("It ends."))->setPos(3, 4);
+    Record dawn{QStringLiteral("Dawn"), QPointF(1, 2)};
+    dawn.description = QStringLiteral("It begins.");
+    Record dusk{QStringLiteral("Dusk"), QPointF(3, 4), 1, 0, true};
+    dusk.description = QStringLiteral("It ends.");
+    scene->sl_deselectCurrentNode(); // or it alone would be cut
+    actionOf(window, "actionSelect_All")->trigger();
+    actionOf(window, "actionCut")->trigger();
+    for (const Node *node : scene->getNodes())
+        QVERIFY(!node->isVisible());
+    window.autosave();
+    QCOMPARE(readFile(onlyFile()).toHex(), documentBytes({{dawn, dusk}}).toHex());
+    for (const Node *node : scene->getNodes())
+        QVERIFY2(!node->isVisible(), "still cut");
+
+    MainWindow next;
+    QCOMPARE(openFile(next, onlyFile()), QString());
+    QCOMPARE(titlesOf(sceneOf(next, 0)), QStringList({QStringLiteral("Dawn"), QStringLiteral("Dusk")}));
+    for (const Node *node : sceneOf(next, 0)->getNodes())
+        QVERIFY(node->isVisible());
+}
+
+void tst_MainWindowAutosave::secondRunInTheSameSecondReplacesTheFirst()
+{
+    MainWindow window;
+    // Both runs must fall into one second of the clock, so a pair that did not is tried again.
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        QDir(folder()).removeRecursively();
+        window.clearTabs();
+        window.autosave();
+        const QString first = onlyFile();
+        QCOMPARE(readFile(first).toHex(), documentBytes({}).toHex());
+        window.addNodeGraphTab();
+        window.addNodeGraphTab();
+        window.autosave();
+        if (files().size() == 2)
+            continue;
+        QCOMPARE(onlyFile(), first);
+        QCOMPARE(readFile(first).toHex(), documentBytes({{}, {}}).toHex());
+        return;
+    }
+    QFAIL("no two runs fell into the same second");
 }
 
 void tst_MainWindowAutosave::earlierFilesStay()

@@ -81,6 +81,8 @@ private slots:
     void moreWidthShowsMore();
     void shorteningATitleEndsTheEllipsis();
     void shortenedTitleIsHitOnlyWhereItIsShown();
+    void canvasIsRepaintedWhereATitleIsCutOff_data();
+    void canvasIsRepaintedWhereATitleIsCutOff();
     void toolTipShowsMarkupAsTyped_data();
     void toolTipShowsMarkupAsTyped();
 };
@@ -308,6 +310,39 @@ void tst_STNodeName::shortenedTitleIsHitOnlyWhereItIsShown()
     QCOMPARE(desk.scene.itemAt(outside, QTransform()), desk.title);
     desk.title->clearFocus();
     QCOMPARE(desk.scene.itemAt(outside, QTransform()), nullptr);
+}
+
+void tst_STNodeName::canvasIsRepaintedWhereATitleIsCutOff_data()
+{
+    QTest::addColumn<bool>("edited");
+    QTest::newRow("when it is left") << true;
+    QTest::newRow("when it gets less room") << false;
+}
+
+void tst_STNodeName::canvasIsRepaintedWhereATitleIsCutOff()
+{
+    QFETCH(bool, edited);
+    TitleDesk desk(longTitle);
+    QVERIFY(desk.isReady());
+    if (edited) {
+        desk.title->setAvailableWidth(200);
+        desk.edit(desk.title);
+    }
+    const QPointF end = desk.title->sceneBoundingRect().center() + QPointF(120, 0);
+    bool repainted = false;
+    connect(&desk.scene, &QGraphicsScene::changed, &desk.view, [&](const QList<QRectF> &areas) {
+        for (const QRectF &area : areas)
+            repainted = repainted || area.contains(end);
+    });
+    // What the text looked like before is on the screen and told.
+    desk.title->update();
+    QTRY_VERIFY(repainted);
+    repainted = false;
+    if (edited)
+        desk.title->clearFocus();
+    else
+        desk.title->setAvailableWidth(200);
+    QTRY_VERIFY(repainted);
 }
 
 // A title is no markup, although a tool tip may be.
