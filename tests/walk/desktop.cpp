@@ -224,6 +224,26 @@ bool Desktop::drag(QPoint from, QPoint to) const
     return run(QStringLiteral("xdotool"), steps);
 }
 
+bool Desktop::press(QPoint point, int button) const
+{
+    return run(QStringLiteral("xdotool"),
+               QStringList{QStringLiteral("mousemove")} + coordinates(point) +
+                   QStringList{QStringLiteral("mousedown"), QString::number(button)});
+}
+
+// In two steps, as a hand would: one jump alone can look like no move at all.
+bool Desktop::moveTo(QPoint point) const
+{
+    return run(QStringLiteral("xdotool"), QStringList{QStringLiteral("mousemove")} +
+                                              coordinates(point - QPoint(3, 3)) +
+                                              QStringList{QStringLiteral("mousemove")} + coordinates(point));
+}
+
+bool Desktop::release(int button) const
+{
+    return run(QStringLiteral("xdotool"), {QStringLiteral("mouseup"), QString::number(button)});
+}
+
 bool Desktop::key(const QString &keys) const
 {
     return run(QStringLiteral("xdotool"), {QStringLiteral("key"), keys});

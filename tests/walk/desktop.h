@@ -47,6 +47,10 @@ public:
     /// Each returns whether the event could be sent. Points are those of the screen.
     bool click(QPoint point) const;
     bool drag(QPoint from, QPoint to) const;
+    /// The parts of a drag, for looking at what is shown in the middle of it. Buttons: 1 left, 3 right.
+    bool press(QPoint point, int button = 1) const;
+    bool moveTo(QPoint point) const;
+    bool release(int button = 1) const;
     /// A key with its modifiers, such as "ctrl+shift+a".
     bool key(const QString &keys) const;
     /// Types the text, a Return for every line break.

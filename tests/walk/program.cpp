@@ -65,7 +65,7 @@ QString Program::fate() const
     if (isRunning())
         return QStringLiteral("still running");
     if (process.exitStatus() == QProcess::CrashExit)
-        return QStringLiteral("crashed");
+        return QStringLiteral("ended by signal %1").arg(process.exitCode());
     return QStringLiteral("ended with code %1").arg(process.exitCode());
 }
 
