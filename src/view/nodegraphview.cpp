@@ -2,6 +2,7 @@
 
 #include "scene/nodegraphscene.h"
 
+#include <QContextMenuEvent>
 #include <QDebug>
 #include <QEnterEvent>
 #include <QGestureEvent>
@@ -19,6 +20,7 @@ namespace {
 
 constexpr double zoomBase = 1.2;
 constexpr double deltaPerZoomStep = 240.0; // two notches of an ordinary wheel
+constexpr int sameWheelPlace = 2;          // pixels within which the mouse still rests
 
 /// Scroll-bar values are whole; far zoomed out, a pan can ask for more than an int holds.
 int scrollValue(double value)
@@ -39,9 +41,6 @@ NodegraphView::NodegraphView(QWidget *parent) : QGraphicsView(parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setMouseTracking(true);
-    // The right button pans, also over a text. A text's menu, opened by that press, would end the pan; it can
-    // still be had by key.
-    viewport()->setContextMenuPolicy(Qt::PreventContextMenu);
     grabGesture(Qt::PanGesture);
     grabGesture(Qt::PinchGesture);
     setNodegraphScene(new NodegraphScene);
@@ -70,7 +69,28 @@ void NodegraphView::zoomAt(double factor, const QPointF &scenePos)
 void NodegraphView::wheelEvent(QWheelEvent *event)
 {
     const double factor = std::pow(zoomBase, event->angleDelta().y() / deltaPerZoomStep);
-    zoomAt(factor, mapToScene(event->position().toPoint()));
+    const QPoint position = event->position().toPoint();
+    if ((mapFromScene(zoomedPlace) - position).manhattanLength() > sameWheelPlace)
+        zoomedPlace = mapToScene(position);
+    zoomAt(factor, mapToScene(position));
+    keepUnder(position);
+}
+
+/// Each step of a zoom is anchored about a pixel off, always to the same side; over the many small steps of a
+/// touchpad the place under the mouse would wander away.
+void NodegraphView::keepUnder(const QPoint &position)
+{
+    const QPoint drift = mapFromScene(zoomedPlace) - position;
+    horizontalScrollBar()->setValue(horizontalScrollBar()->value() + drift.x());
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + drift.y());
+}
+
+// The right button pans, also over a text. The text's menu, which that press would open, ends the pan; by key
+// it can still be had.
+void NodegraphView::contextMenuEvent(QContextMenuEvent *event)
+{
+    if (event->reason() != QContextMenuEvent::Mouse)
+        QGraphicsView::contextMenuEvent(event);
 }
 
 void NodegraphView::mousePressEvent(QMouseEvent *event)

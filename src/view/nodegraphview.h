@@ -47,10 +47,12 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
     bool handleGesture(QGestureEvent *event);
     void pan(const QPoint &position);
+    void keepUnder(const QPoint &position);
     void frame(const QRectF &bounds);
     void frameAgain();
     void noteRestingMouse(const QPointF &globalPos);
@@ -61,6 +63,7 @@ private:
     NodegraphScene *nodegraphScene_ = nullptr;
     QUndoStack *undoStack_ = nullptr;
 
+    QPointF zoomedPlace;       // scene coordinates: what the wheel has kept under the mouse so far
     QRectF earlyFrame;         // what was to be framed before this view had its size
     bool frameIsEarly = false; // earlyFrame holds something
     bool sizeIsKnown = false;  // has been shown and laid out

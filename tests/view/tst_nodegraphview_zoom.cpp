@@ -15,8 +15,6 @@
 #include <QPointingDevice>
 #include <QWheelEvent>
 
-#include <cmath>
-
 // Wheel, touch and the hand that pans, in a window with a mouse that really is where it is said to be.
 
 namespace {
@@ -230,8 +228,8 @@ void tst_NodegraphViewZoom::zoomStaysUnderTheMouseForAWholeTurn_data()
     QTest::newRow("touchpad out") << -15 << 96;
 }
 
-// The scroll bars are whole, so each step may cut off a part of a pixel; the parts must not add up to more
-// than a user's eye takes for the same place.
+// The base anchors each step with a pixel or two to spare, always to the same side: a touchpad's many small
+// steps carried the canvas away by a fifth of the window.
 void tst_NodegraphViewZoom::zoomStaysUnderTheMouseForAWholeTurn()
 {
     QFETCH(int, delta);
@@ -243,7 +241,7 @@ void tst_NodegraphViewZoom::zoomStaysUnderTheMouseForAWholeTurn()
     for (int i = 0; i < times; ++i)
         turnWheel(program.view, place, {QPoint(0, delta)});
     const QPointF offBy = program.offBy(under, place);
-    QVERIFY2(within(offBy, 3.0), qPrintable(QStringLiteral("%1 %2").arg(offBy.x()).arg(offBy.y())));
+    QVERIFY2(within(offBy, 1.0), qPrintable(QStringLiteral("%1 %2").arg(offBy.x()).arg(offBy.y())));
 }
 
 void tst_NodegraphViewZoom::panFollowsTheHandAtFullSize_data()
