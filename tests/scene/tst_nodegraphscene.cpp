@@ -1,3 +1,4 @@
+#include "scene/scenetab.h"
 #include "scene/shownscene.h"
 #include "support/testsupport.h"
 
@@ -7,21 +8,6 @@
 #include <QBrush>
 #include <QGraphicsRectItem>
 #include <QMetaMethod>
-
-namespace {
-
-/// A scene and an undo history, as a tab has them, without a view.
-struct Tab
-{
-    NodegraphScene scene;
-    QUndoStack stack;
-
-    Tab() { pushCommandsOn(scene, stack); }
-};
-
-using Nodes = std::vector<Node *>;
-
-} // namespace
 
 class tst_NodegraphScene : public QObject
 {
@@ -130,7 +116,7 @@ void tst_NodegraphScene::metaObjectNamesArguments()
 
 void tst_NodegraphScene::storyTravelsThroughQueuedConnections()
 {
-    Tab tab;
+    SceneTab tab;
     NodegraphScene receiver;
     connect(&tab.scene, SIGNAL(s_updateStory(std::vector<Node*>)), &receiver,
                                SIGNAL(s_updateStory(std::vector<Node*>)), Qt::QueuedConnection);
@@ -171,7 +157,7 @@ void tst_NodegraphScene::freshSceneHoldsOnlyTheHiddenVeil()
 
 void tst_NodegraphScene::createNodeTakesNameAndCopiesData()
 {
-    Tab tab;
+    SceneTab tab;
     auto source = std::make_unique<NodeData>(0, nullptr);
     source->eventContent()->setDescription(QStringLiteral("What happens"));
     tab.scene.createNode(QPointF(7.5, 8.5), 4, 0, source.get(), QStringLiteral("Title"));
@@ -186,7 +172,7 @@ void tst_NodegraphScene::createNodeTakesNameAndCopiesData()
 
 void tst_NodegraphScene::createNodeWithoutNameAndDataKeepsDefaults()
 {
-    Tab tab;
+    SceneTab tab;
     const Node fresh(0);
     tab.scene.createNode(QPointF(), 0, 0, nullptr, QString());
     tab.scene.createNode(QPointF(), 1, 0, nullptr, QStringLiteral(""));
@@ -199,7 +185,7 @@ void tst_NodegraphScene::createNodeWithoutNameAndDataKeepsDefaults()
 
 void tst_NodegraphScene::createNodePublishesStory()
 {
-    Tab tab;
+    SceneTab tab;
     QSignalSpy spy(&tab.scene, &NodegraphScene::s_updateStory);
     tab.scene.createNode(QPointF(), 0, 0, nullptr, QString());
     // Once for the mark that the only node gets, once for the new node.
@@ -211,7 +197,7 @@ void tst_NodegraphScene::createNodePublishesStory()
 
 void tst_NodegraphScene::takenIndexIsReplacedByCounter()
 {
-    Tab tab;
+    SceneTab tab;
     addChain(tab.scene, 3);
     tab.scene.createNode(QPointF(), 1, 0, nullptr, QString());
     // The counter has counted the new node already.
@@ -241,7 +227,7 @@ void tst_NodegraphScene::replacedIndexIsUnique()
     QFETCH(QList<int>, present);
     QFETCH(int, wanted);
     QFETCH(int, given);
-    Tab tab;
+    SceneTab tab;
     for (const int index : present)
         tab.scene.createNode(QPointF(), index, 0, nullptr, QString());
     tab.scene.createNode(QPointF(), wanted, 0, nullptr, QString());
@@ -251,7 +237,7 @@ void tst_NodegraphScene::replacedIndexIsUnique()
 
 void tst_NodegraphScene::lookupFindsFirstMatch()
 {
-    Tab tab;
+    SceneTab tab;
     QCOMPARE(tab.scene.findNodeByIndex(0), nullptr);
     const Nodes nodes = addChain(tab.scene, 3);
     for (const Node *node : nodes)
@@ -269,7 +255,7 @@ void tst_NodegraphScene::lookupFindsFirstMatch()
 
 void tst_NodegraphScene::restoreNodeAttachesToNothing()
 {
-    Tab tab;
+    SceneTab tab;
     const Nodes nodes = addChain(tab.scene, 2);
     Node *restored = tab.scene.restoreNode(QPointF(3.5, 4.5), 8, 0, nullptr, QStringLiteral("back"));
     QCOMPARE(restored->pos(), QPointF(3.5, 4.5));
@@ -303,7 +289,7 @@ void tst_NodegraphScene::everyNodeSignalReachesItsSlotOnce()
 {
     QFETCH(QByteArray, signal);
     QFETCH(QByteArray, slot);
-    Tab tab;
+    SceneTab tab;
     const Node *node = addChain(tab.scene, 1).front();
     QVERIFY(QObject::disconnect(node, signal.constData(), &tab.scene, slot.constData()));
     QVERIFY(!QObject::disconnect(node, signal.constData(), &tab.scene, nullptr));
@@ -311,7 +297,7 @@ void tst_NodegraphScene::everyNodeSignalReachesItsSlotOnce()
 
 void tst_NodegraphScene::selectedNodeBecomesCurrent()
 {
-    Tab tab;
+    SceneTab tab;
     const Nodes nodes = addChain(tab.scene, 2);
     emit nodes[0]->s_selected(nodes[0]);
     QCOMPARE(tab.scene.currentNode(), nodes[0]);
@@ -319,7 +305,7 @@ void tst_NodegraphScene::selectedNodeBecomesCurrent()
 
 void tst_NodegraphScene::indexAndImportanceAreRelayed()
 {
-    Tab tab;
+    SceneTab tab;
     const Nodes nodes = addChain(tab.scene, 2);
     QSignalSpy index(&tab.scene, &NodegraphScene::s_nodeIndexChanged);
     QSignalSpy importance(&tab.scene, &NodegraphScene::s_importanceChanged);
@@ -337,7 +323,7 @@ void tst_NodegraphScene::indexAndImportanceAreRelayed()
 
 void tst_NodegraphScene::movingNodeChangesNothingByItself()
 {
-    Tab tab;
+    SceneTab tab;
     const Nodes nodes = addChain(tab.scene, 2);
     QSignalSpy commands(&tab.scene, &NodegraphScene::s_UndoCommandAdded);
     QSignalSpy story(&tab.scene, &NodegraphScene::s_updateStory);
@@ -351,7 +337,7 @@ void tst_NodegraphScene::movingNodeChangesNothingByItself()
 
 void tst_NodegraphScene::currentNodeCanBeForgotten()
 {
-    Tab tab;
+    SceneTab tab;
     const Nodes nodes = addChain(tab.scene, 1);
     tab.scene.sl_deselectCurrentNode();
     QCOMPARE(tab.scene.currentNode(), nullptr);
@@ -360,7 +346,7 @@ void tst_NodegraphScene::currentNodeCanBeForgotten()
 
 void tst_NodegraphScene::selectAllListsNodesInOrder()
 {
-    Tab tab;
+    SceneTab tab;
     const Nodes nodes = addChain(tab.scene, 3);
     tab.scene.selectAll();
     QCOMPARE(tab.scene.getSelectedNodes(), nodes);
@@ -372,7 +358,7 @@ void tst_NodegraphScene::selectAllListsNodesInOrder()
 
 void tst_NodegraphScene::deselectAllKeepsCurrentNode()
 {
-    Tab tab;
+    SceneTab tab;
     const Nodes nodes = addChain(tab.scene, 2);
     tab.scene.selectAll();
     tab.scene.deselectAll();

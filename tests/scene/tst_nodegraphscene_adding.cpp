@@ -1,32 +1,10 @@
+#include "scene/scenetab.h"
 #include "scene/shownscene.h"
 #include "support/testsupport.h"
 
 #include <QUndoCommand>
 
 #include <memory>
-
-namespace {
-
-/// A scene and an undo history, as a tab has them, without a view.
-struct Tab
-{
-    NodegraphScene scene;
-    QUndoStack stack;
-
-    Tab() { pushCommandsOn(scene, stack); }
-};
-
-using Nodes = std::vector<Node *>;
-
-std::vector<int> indicesOf(const Nodes &nodes)
-{
-    std::vector<int> indices;
-    for (const Node *node : nodes)
-        indices.push_back(node->getIndex());
-    return indices;
-}
-
-} // namespace
 
 class tst_NodegraphSceneAdding : public QObject
 {
@@ -57,7 +35,7 @@ private slots:
 
 void tst_NodegraphSceneAdding::threeAddsMakeChain()
 {
-    Tab tab;
+    SceneTab tab;
     tab.scene.sl_lastMousePos(QPointF(100, 200));
     const Nodes nodes = addChain(tab.scene, 3);
 
@@ -112,7 +90,7 @@ void tst_NodegraphSceneAdding::addCommandDoesNothingUntilSomebodyRunsIt()
 
 void tst_NodegraphSceneAdding::firstAddedEventIsCurrentAndSelected()
 {
-    Tab tab;
+    SceneTab tab;
     tab.scene.sl_addEventNode();
     Node *node = tab.scene.getNodes().front();
     QCOMPARE(tab.scene.currentNode(), node);
@@ -123,7 +101,7 @@ void tst_NodegraphSceneAdding::firstAddedEventIsCurrentAndSelected()
 
 void tst_NodegraphSceneAdding::onlyAddCommandMakesFirstNodeCurrent()
 {
-    Tab tab;
+    SceneTab tab;
     tab.scene.createNode(QPointF(10, 10), 0, 0, nullptr, QString());
     QCOMPARE(tab.scene.currentNode(), nullptr);
     QVERIFY(!tab.scene.getNodes().front()->isSelected());
@@ -139,7 +117,7 @@ void tst_NodegraphSceneAdding::onlyAddCommandMakesFirstNodeCurrent()
 
 void tst_NodegraphSceneAdding::firstEventAfterAllWereDeletedIsCurrentAgain()
 {
-    Tab tab;
+    SceneTab tab;
     addChain(tab.scene, 2);
     tab.scene.selectAll();
     tab.scene.deleteSelectedNodes(nullptr);
@@ -166,7 +144,7 @@ void tst_NodegraphSceneAdding::addedEventTakesWholeNumbersBesideCurrentNode()
 {
     QFETCH(QPointF, current);
     QFETCH(QPointF, shift);
-    Tab tab;
+    SceneTab tab;
     Node *node = addChain(tab.scene, 1).front();
     node->setPos(current);
     tab.scene.sl_addEventNode();
@@ -178,7 +156,7 @@ void tst_NodegraphSceneAdding::addedEventTakesWholeNumbersBesideCurrentNode()
 
 void tst_NodegraphSceneAdding::addedEventLeavesMarkThatCurrentNodeDoesNotHave()
 {
-    Tab tab;
+    SceneTab tab;
     const Nodes nodes = addChain(tab.scene, 2);
     tab.scene.sl_selectCurrentNode(nodes[0]);
     tab.scene.sl_addEventNode();
@@ -193,7 +171,7 @@ void tst_NodegraphSceneAdding::addedEventLeavesMarkThatCurrentNodeDoesNotHave()
 
 void tst_NodegraphSceneAdding::looseEventStandsExactlyAtMouse()
 {
-    Tab tab;
+    SceneTab tab;
     const Nodes nodes = addChain(tab.scene, 2);
     SceneMouse mouse{tab.scene};
     mouse.press(QPointF(5000, 5000));
@@ -214,7 +192,7 @@ void tst_NodegraphSceneAdding::looseEventStandsExactlyAtMouse()
 
 void tst_NodegraphSceneAdding::addingLogsIndexThenConnection()
 {
-    Tab tab;
+    SceneTab tab;
     LogCapture log;
     tab.scene.sl_addEventNode();
     QCOMPARE(log.lines(), QStringList()); // index 0 is what a node starts with
@@ -228,7 +206,7 @@ void tst_NodegraphSceneAdding::addingLogsIndexThenConnection()
 
 void tst_NodegraphSceneAdding::deletedIndexIsNotUsedAgain()
 {
-    Tab tab;
+    SceneTab tab;
     const Nodes nodes = addChain(tab.scene, 3);
     tab.scene.deleteSelectedNodes(nodes[1]);
     tab.scene.sl_addEventNode();
@@ -241,7 +219,7 @@ void tst_NodegraphSceneAdding::deletedIndexIsNotUsedAgain()
 // A scene opened from a file with a hole asks for an index that is taken; undo used to delete its owner.
 void tst_NodegraphSceneAdding::addUndoneAfterReplacedIndexTakesItsOwnNode()
 {
-    Tab tab;
+    SceneTab tab;
     tab.scene.createNode(QPointF(), 1, 0, nullptr, QStringLiteral("kept"));
     tab.scene.sl_addEventNode(); // asks for 1
     QCOMPARE(indicesOf(tab.scene.getNodes()), (std::vector<int>{1, 2}));

@@ -1,3 +1,4 @@
+#include "scene/scenetab.h"
 #include "scene/shownscene.h"
 #include "support/testsupport.h"
 
@@ -5,29 +6,6 @@
 #include <QUndoCommand>
 
 #include <memory>
-
-namespace {
-
-/// A scene and an undo history, as a tab has them, without a view.
-struct Tab
-{
-    NodegraphScene scene;
-    QUndoStack stack;
-
-    Tab() { pushCommandsOn(scene, stack); }
-};
-
-using Nodes = std::vector<Node *>;
-
-std::vector<int> indicesOf(const Nodes &nodes)
-{
-    std::vector<int> indices;
-    for (const Node *node : nodes)
-        indices.push_back(node->getIndex());
-    return indices;
-}
-
-} // namespace
 
 class tst_NodegraphSceneClearing : public QObject
 {
@@ -48,7 +26,7 @@ private slots:
 
 void tst_NodegraphSceneClearing::clearDeletesEveryNodeByCommand()
 {
-    Tab tab;
+    SceneTab tab;
     addChain(tab.scene, 2);
     const int commands = tab.stack.count();
     QSignalSpy story(&tab.scene, &NodegraphScene::s_updateStory);
@@ -68,7 +46,7 @@ void tst_NodegraphSceneClearing::clearDeletesEveryNodeByCommand()
 
 void tst_NodegraphSceneClearing::clearDeletesSelectionOnce()
 {
-    Tab tab;
+    SceneTab tab;
     addChain(tab.scene, 3);
     addLoose(tab.scene, QPointF(0, 900));
     const int commands = tab.stack.count();
@@ -84,7 +62,7 @@ void tst_NodegraphSceneClearing::clearDeletesSelectionOnce()
 
 void tst_NodegraphSceneClearing::clearResetsCounterAndCurrentNode()
 {
-    Tab tab;
+    SceneTab tab;
     addChain(tab.scene, 3);
     tab.scene.clear();
     QCOMPARE(tab.scene.currentNode(), nullptr);
@@ -93,7 +71,7 @@ void tst_NodegraphSceneClearing::clearResetsCounterAndCurrentNode()
 
 void tst_NodegraphSceneClearing::clearEndsDragAndRubberBand()
 {
-    Tab tab;
+    SceneTab tab;
     const Nodes nodes = addChain(tab.scene, 1);
     SceneMouse mouse{tab.scene};
     mouse.press(outputOf(nodes[0]));
@@ -116,7 +94,7 @@ void tst_NodegraphSceneClearing::clearEndsDragAndRubberBand()
 
 void tst_NodegraphSceneClearing::clearKeepsRubberBandUsable()
 {
-    Tab tab;
+    SceneTab tab;
     addChain(tab.scene, 2);
     tab.scene.clear();
     flushDeferredDeletes();
@@ -160,7 +138,7 @@ void tst_NodegraphSceneClearing::clearWithoutUndoStackLeavesNothingBehind()
 
 void tst_NodegraphSceneClearing::clearCanBeUndone()
 {
-    Tab tab;
+    SceneTab tab;
     addChain(tab.scene, 3);
     const int before = tab.stack.count();
     tab.scene.clear();

@@ -1,11 +1,10 @@
+#include "scene/scenetab.h"
 #include "scene/shownscene.h"
 #include "support/testsupport.h"
 
 #include <QPointer>
 
 namespace {
-
-using Nodes = std::vector<Node *>;
 
 /// Loose nodes, ready to be connected, and the undo history of their tab.
 struct Tab

@@ -1,3 +1,4 @@
+#include "scene/scenetab.h"
 #include "scene/shownscene.h"
 #include "support/testsupport.h"
 
@@ -9,8 +10,6 @@
 #include <algorithm>
 
 namespace {
-
-using Nodes = std::vector<Node *>;
 
 struct Tab
 {

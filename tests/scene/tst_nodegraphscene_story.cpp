@@ -1,3 +1,4 @@
+#include "scene/scenetab.h"
 #include "scene/shownscene.h"
 #include "support/testsupport.h"
 
@@ -6,8 +7,6 @@
 #include "items/stlineedit.h"
 
 namespace {
-
-using Nodes = std::vector<Node *>;
 
 struct Tab
 {

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "scene/nodegraphscene.h"
+#include "support/testsupport.h"
+
+#include <QUndoStack>
+
+#include <vector>
+
+using Nodes = std::vector<Node *>;
+
+/// A scene and an undo history, as a tab has them, without a view.
+struct SceneTab
+{
+    NodegraphScene scene;
+    QUndoStack stack;
+
+    SceneTab() { pushCommandsOn(scene, stack); }
+};
+
+inline std::vector<int> indicesOf(const Nodes &nodes)
+{
+    std::vector<int> indices;
+    for (const Node *node : nodes)
+        indices.push_back(node->getIndex());
+    return indices;
+}
