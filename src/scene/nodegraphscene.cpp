@@ -2,6 +2,7 @@
 
 #include "commands/addnodecommand.h"
 #include "items/nodedata.h"
+#include "scene/viewroom.h"
 
 #include <QBrush>
 #include <QDebug>
@@ -60,6 +61,7 @@ void NodegraphScene::bringIntoSight(const Node *node) const
     const QRectF body = node->sceneBoundingRect();
     const QList<QGraphicsView *> all = views();
     for (QGraphicsView *view : all) {
+        makeRoomFor(*view, body);
         const QRectF shown = view->mapToScene(view->viewport()->rect()).boundingRect();
         // A view scrolls by whole pixels; without a margin it may stop a fraction short.
         if (!shown.contains(body))

@@ -1,6 +1,7 @@
 #include "view/nodegraphview.h"
 
 #include "scene/nodegraphscene.h"
+#include "scene/viewroom.h"
 
 #include <QContextMenuEvent>
 #include <QDebug>
@@ -187,6 +188,8 @@ void NodegraphView::sl_frameOnSelectedNodes(QRectF bounds)
 
 void NodegraphView::frame(const QRectF &bounds)
 {
+    if (!bounds.isNull())
+        makeRoomFor(*this, bounds);
     fitInView(bounds, Qt::KeepAspectRatio);
     centerOn(bounds.center());
 }

@@ -31,6 +31,8 @@ private slots:
     void addedEventIsScrolledIntoSight_data();
     void addedEventIsScrolledIntoSight();
     void addedEventInSightScrollsNothing();
+    void longChainStaysInSightBeyondTheCanvas();
+    void framedEventsBeyondTheCanvasAreInSight();
 };
 
 void tst_NodegraphSceneAdding::threeAddsMakeChain()
@@ -309,6 +311,32 @@ void tst_NodegraphSceneAdding::addedEventInSightScrollsNothing()
     QCOMPARE(shown.inSight(), before);
     addLoose(shown.scene, before.bottomRight() - body.bottomRight());
     QCOMPARE(shown.inSight(), before);
+}
+
+// From the middle of the canvas a chain reaches its right edge after ninety events.
+void tst_NodegraphSceneAdding::longChainStaysInSightBeyondTheCanvas()
+{
+    ShownScene shown;
+    const QRectF canvas = shown.scene.sceneRect();
+    addLoose(shown.scene, QPointF(98000, 99700));
+    shown.scene.sl_selectCurrentNode(shown.scene.getNodes().back());
+    for (int i = 0; i < 6; ++i) {
+        const Node *added = addChain(shown.scene, 1).front();
+        QVERIFY(shown.inSight().contains(added->sceneBoundingRect()));
+    }
+    QVERIFY(shown.scene.getNodes().back()->scenePos().x() > canvas.right());
+    QCOMPARE(shown.scene.sceneRect(), canvas);
+}
+
+void tst_NodegraphSceneAdding::framedEventsBeyondTheCanvasAreInSight()
+{
+    ShownScene shown;
+    addLoose(shown.scene, QPointF(150000, 120000));
+    addLoose(shown.scene, QPointF(151000, 120000));
+    shown.view.centerOn(0, 0);
+    shown.scene.frameSelectedNodes();
+    for (const Node *node : shown.scene.getNodes())
+        QVERIFY(shown.inSight().contains(node->sceneBoundingRect()));
 }
 
 QTEST_MAIN(tst_NodegraphSceneAdding)
