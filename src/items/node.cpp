@@ -13,7 +13,6 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPen>
-#include <QStyleOptionGraphicsItem>
 
 namespace {
 constexpr double nodeZ = 1.0;
@@ -169,14 +168,14 @@ void Node::updateHeaderPath()
     headerItem->setPath(strip);
 }
 
-void Node::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *)
+void Node::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *)
 {
     QColor body = baseColor;
     if (isEndOfStory)
         body = endOfStoryColor;
     if (isImportant)
         body = importantColor;
-    if (option->state & QStyle::State_Selected)
+    if (isSelected())
         body = selectedColor;
     painter->setPen(Qt::NoPen);
     painter->setBrush(body);
