@@ -104,6 +104,9 @@ QProcessEnvironment Desktop::environment() const
         if (own.contains(key))
             environment.insert(key, own.value(key));
     }
+    // A walk can put programs of its own there, in place of those of the system.
+    environment.insert(QStringLiteral("PATH"), homePath(QStringLiteral("bin")) + QLatin1Char(':') +
+                                                   own.value(QStringLiteral("PATH")));
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
     environment.insert(QStringLiteral("HOME"), home.path());
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), homePath(QStringLiteral("runtime")));
@@ -122,7 +125,10 @@ QProcessEnvironment Desktop::environment() const
 
 QString Desktop::homePath(const QString &name) const { return home.filePath(name); }
 
-QDir Desktop::artefacts() { return QDir(QStringLiteral(WALK_ARTEFACTS)); }
+QDir Desktop::artefacts()
+{
+    return QDir(QStringLiteral(WALK_ARTEFACTS "/") + QCoreApplication::applicationName());
+}
 
 bool Desktop::run(const QString &tool, const QStringList &arguments, QByteArray *output) const
 {
@@ -211,6 +217,15 @@ bool Desktop::click(QPoint point) const
 {
     return run(QStringLiteral("xdotool"), QStringList{QStringLiteral("mousemove")} + coordinates(point) +
                                               QStringList{QStringLiteral("click"), QStringLiteral("1")});
+}
+
+bool Desktop::scroll(QPoint point, int notches) const
+{
+    return run(QStringLiteral("xdotool"),
+               QStringList{QStringLiteral("mousemove")} + coordinates(point) +
+                   QStringList{QStringLiteral("click"), QStringLiteral("--repeat"),
+                               QString::number(qAbs(notches)),
+                               notches > 0 ? QStringLiteral("4") : QStringLiteral("5")});
 }
 
 bool Desktop::drag(QPoint from, QPoint to) const

@@ -28,7 +28,7 @@ public:
     QProcessEnvironment environment() const;
     /// An absolute path in the user's home.
     QString homePath(const QString &name) const;
-    /// The folder in the build tree where pictures and logs are kept.
+    /// The folder in the build tree where pictures and logs of this test program are kept.
     static QDir artefacts();
 
     QImage screenshot() const;
@@ -46,6 +46,8 @@ public:
 
     /// Each returns whether the event could be sent. Points are those of the screen.
     bool click(QPoint point) const;
+    /// Turns the wheel there, away from the user for notches above 0.
+    bool scroll(QPoint point, int notches) const;
     bool drag(QPoint from, QPoint to) const;
     /// The parts of a drag, for looking at what is shown in the middle of it. Buttons: 1 left, 3 right.
     bool press(QPoint point, int button = 1) const;

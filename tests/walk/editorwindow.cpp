@@ -19,7 +19,10 @@ const QColor fedSocketColour(QStringLiteral("#FFFF00"));
 constexpr double boxWidth = 455.0;
 constexpr double socketWidth = 10.0;
 constexpr double framingMargin = 50.0;
+constexpr double headerHeight = 34.0;
 constexpr int fileMenuEntries = 5;
+constexpr int menuEntries[] = {5, 8, 6, 3, 1}; // of each menu, without the separators
+constexpr int menuBarHeight = 24;
 
 const QString question = QStringLiteral("Save Changes");
 
@@ -42,6 +45,24 @@ bool findSocket(const QList<SocketSign> &sockets, const QRect &header, double x,
     }
     return false;
 }
+
+/// Where a row of marks begins and ends again, with gaps of up to `gap` in it.
+QList<std::pair<int, int>> runs(const QList<bool> &marks, int gap)
+{
+    QList<std::pair<int, int>> found;
+    for (int i = 0; i < marks.size(); ++i) {
+        if (!marks.at(i))
+            continue;
+        if (!found.isEmpty() && i - found.constLast().second <= gap + 1)
+            found.last().second = i;
+        else
+            found.append({i, i});
+    }
+    return found;
+}
+
+/// Whether text, which is bright, may stand there.
+bool isBright(QRgb pixel) { return qGray(pixel) > 130; }
 
 QList<SocketSign> socketsIn(const QImage &picture, const QRect &area)
 {
@@ -174,6 +195,16 @@ bool EditorWindow::comesToShowCanvas(bool shown) const
     });
 }
 
+bool EditorWindow::comesToShowScale(double scale) const
+{
+    return eventually([=, this] {
+        const QRect header = largest(patchesOf(desktop.screenshot(), canvas, headerColour)).bounds;
+        const bool cut = header.left() <= canvas.left() || header.right() >= canvas.right();
+        return cut ? std::abs(header.height() - headerHeight * scale) <= 1.5
+                   : std::abs(header.width() - boxWidth * scale) <= 1.5;
+    });
+}
+
 bool EditorWindow::comesToShowBodyColour(const EventBox &box, const QColor &colour) const
 {
     return eventually([&] { return desktop.screenshot().pixelColor(box.body()) == colour; });
@@ -233,6 +264,88 @@ bool EditorWindow::chooseFromFileMenu(int entry) const
     const double y = menu.top() + menu.height() * (entry + 0.5) / fileMenuEntries;
     return opened && desktop.click(QPointF(menu.left() + 30, y).toPoint());
 }
+
+QList<QPoint> EditorWindow::menuTitles() const
+{
+    const QImage bar =
+        desktop.screenshot().copy(QRect(window.topLeft(), QSize(window.width() / 2, menuBarHeight)));
+    QList<bool> columns(bar.width(), false);
+    for (int x = 0; x < bar.width(); ++x) {
+        for (int y = 0; y < bar.height(); ++y)
+            columns[x] = columns.at(x) || isBright(bar.pixel(x, y));
+    }
+    QList<QPoint> titles;
+    constexpr int letterGap = 5;
+    for (const auto &[left, right] : runs(columns, letterGap))
+        titles.append(window.topLeft() + QPoint((left + right) / 2, menuBarHeight / 2));
+    return titles.mid(qMax(0, titles.size() - int(std::size(menuEntries)))); // the logo is none
+}
+
+QRect EditorWindow::openedMenu() const
+{
+    const QList<int> windows = desktop.windowsOfClass(QStringLiteral("fablegrid"));
+    for (const int id : windows) {
+        const QRect menu = desktop.geometry(id);
+        const int fall = menu.top() - window.top();
+        if (menu.width() < window.width() / 2 && fall > 0 && fall < 2 * menuBarHeight && menu.height() > 10)
+            return menu;
+    }
+    return {};
+}
+
+QList<QPoint> EditorWindow::entriesOf(const QRect &menu) const
+{
+    constexpr int frame = 2;
+    const QImage picture = desktop.screenshot().copy(menu);
+    QList<bool> rows(picture.height(), false);
+    for (int y = frame; y < picture.height() - frame; ++y) {
+        for (int x = frame; x < picture.width() - frame; ++x)
+            rows[y] = rows.at(y) || isBright(picture.pixel(x, y));
+    }
+    QList<QPoint> found;
+    constexpr int lineGap = 2;
+    constexpr int leastHeight = 5; // less is a separator
+    for (const auto &[top, bottom] : runs(rows, lineGap)) {
+        if (bottom - top >= leastHeight)
+            found.append(menu.topLeft() + QPoint(menu.width() / 3, (top + bottom) / 2));
+    }
+    return found;
+}
+
+QList<QPoint> EditorWindow::openMenu(Menu menu) const
+{
+    const QList<QPoint> titles = menuTitles();
+    if (!hasKeyboard() || titles.size() != int(std::size(menuEntries)) ||
+        !desktop.click(titles.at(int(menu))))
+        return {};
+    QList<QPoint> found;
+    const bool opened = eventually([&] {
+        const QRect shown = openedMenu();
+        found = shown.isEmpty() ? QList<QPoint>() : entriesOf(shown);
+        return found.size() == menuEntries[int(menu)];
+    });
+    return opened ? found : QList<QPoint>();
+}
+
+bool EditorWindow::chooseByMouse(Menu menu, int entry) const
+{
+    const QList<QPoint> found = openMenu(menu);
+    return entry < found.size() && desktop.click(found.at(entry)) &&
+           eventually([this] { return openedMenu().isEmpty(); });
+}
+
+bool EditorWindow::chooseByKeys(Menu menu, int entry) const
+{
+    if (openMenu(menu).isEmpty())
+        return false;
+    for (int i = 0; i <= entry; ++i) {
+        if (!desktop.key(QStringLiteral("Down")))
+            return false;
+    }
+    return desktop.key(QStringLiteral("Return")) && eventually([this] { return openedMenu().isEmpty(); });
+}
+
+bool EditorWindow::pressFilterButton() const { return desktop.click(window.topRight() + QPoint(-52, 58)); }
 
 // Not by a key of the window manager: the first key of a session makes it learn the keyboard anew, and while
 // it does so it misses its keys.

@@ -35,6 +35,9 @@ struct TabSign
     QPoint label() const { return {closeButton.left() - 25, closeButton.center().y()}; }
 };
 
+/// The menus from left to right.
+enum class Menu { file, edit, view, tools, help };
+
 /// The program's main window as a user sees it: found by its colours on the screen, used with mouse and keys.
 class EditorWindow
 {
@@ -61,6 +64,8 @@ public:
     bool comesToShowTabs(int count) const;
     bool comesToShowCurrentTab(int tab) const;
     bool comesToShowCanvas(bool shown) const;
+    /// Measured at the only event there is, which need not be in sight as a whole.
+    bool comesToShowScale(double scale) const;
     bool comesToShowBodyColour(const EventBox &box, const QColor &colour) const;
     bool hasKeyboard() const;
 
@@ -75,6 +80,16 @@ public:
     bool pressAddButton() const;
     /// Opens the File menu and clicks its entry at that place, counted from 0.
     bool chooseFromFileMenu(int entry) const;
+    /// Clicks the menu's title and waits until all its entries are shown; returns their middles from top to
+    /// bottom, an empty list if that never happens.
+    QList<QPoint> openMenu(Menu menu) const;
+    /// Where the menu that is open is on the screen; empty if none is.
+    QRect openedMenu() const;
+    /// Choose the entry at that place, counted from 0 without the separators, and wait for the menu's end.
+    bool chooseByMouse(Menu menu, int entry) const;
+    bool chooseByKeys(Menu menu, int entry) const;
+    /// Clicks the panel's button "Important events".
+    bool pressFilterButton() const;
     /// Clicks the button that the window manager puts into the window's frame.
     bool askToClose() const;
     /// Answers the question that is open by a key, such as "alt+n".
@@ -86,6 +101,8 @@ public:
 
 private:
     bool dialogIsActive(const QString &title) const;
+    QList<QPoint> menuTitles() const;
+    QList<QPoint> entriesOf(const QRect &menu) const;
 
     const Desktop &desktop;
     QRect window;

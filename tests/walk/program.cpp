@@ -13,7 +13,8 @@ constexpr int killTime = 5000;
 const QRegularExpression &progressLine()
 {
     static const QRegularExpression expression(QRegularExpression::anchoredPattern(QStringLiteral(
-        "Undoing|Redoing|Copy|cut|paste|ZoomingIn|Opening Support page"
+        "Undoing|Redoing|Copy|Copying|Copying node  \\d+|cut|paste|Pasting|Pasting node  "
+        "\\d+|ZoomingIn|Opening Support page"
         "|Tabs to save \\d+|Clearing tabs|Tabs to open \\d+|Adding tabs|Autosaved scene to: \".*\""
         "|Nodes to save \\d+|Serializing node|Fileopening|Nodes to open \\d+|deserializing node"
         "|Saving event data|Opening event data|SetEventData"

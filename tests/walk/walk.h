@@ -1,0 +1,49 @@
+#pragma once
+
+#include "support/testsupport.h"
+#include "walk/desktop.h"
+#include "walk/editorwindow.h"
+#include "walk/program.h"
+#include "walk/scenefile.h"
+
+#include <memory>
+
+// A walk is one story, told in steps; the first step that fails ends it.
+#define STEP(call)                                                                                           \
+    do {                                                                                                     \
+        call;                                                                                                \
+        if (QTest::currentTestFailed())                                                                      \
+            return;                                                                                          \
+    } while (false)
+
+/// What the walks of one test program share: a desktop, and on it one run of the program after the other.
+///
+/// The functions that return nothing check what they do; call them through STEP.
+class Walk
+{
+public:
+    Desktop desktop;
+    std::unique_ptr<Program> program;
+    EditorWindow window{desktop};
+
+    /// Starts the program; `name` is that of its log.
+    void start(const QString &name);
+    /// Closes the window without saving; the program must end well and have told nothing odd.
+    void end();
+    /// To be called by cleanup(): ends the program, after a failure with what is known of it.
+    void tidyUp();
+
+    /// Adds a chain of events by key and brings it in sight as a whole.
+    void addChain(int count);
+    /// Saves by Ctrl+S into the file dialog.
+    void saveFirst(const QString &path);
+    /// Saves by Ctrl+S into that file, which is the document's, and reads it; empty if nothing is written.
+    SavedScene savedAgain(const QString &path) const;
+    /// The log without what saving writes, which the autosave may add at any moment.
+    QStringList linesOfCommands() const;
+    /// How often one of these lines stands in the log.
+    int logged(const QStringList &lines) const;
+};
+
+/// All that a scene file holds, the events of each tab by their indices, to be compared and read.
+QString toText(const SavedScene &scene);
