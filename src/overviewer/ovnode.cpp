@@ -42,8 +42,6 @@ void OvNode::updateFromNode()
     const EventData *content = nodeContent();
     if (!shown || !content)
         return;
-    if (!shown->parentItem())
-        prepareGeometryChange();
     shown->setParentItem(this);
     shown->setDescription(content->getDescription());
 }
