@@ -8,8 +8,8 @@
 
 class NodegraphView;
 class OverViewerScene;
-class QFileDevice;
-class QIODevice;
+class QFile;
+class QSaveFile;
 
 namespace Ui {
 class MainWindow;
@@ -29,6 +29,12 @@ public:
     void addNodeGraphTab();
     /// Asks whether to save, then closes the tab at that place of the tab bar. The last tab stays.
     void closeTab(int index);
+
+    /// Writes all tabs to that path, whole or not at all; says in the log why a save did not succeed.
+    void saveTo(const QString &path);
+    /// Replaces all tabs by those of the file, which becomes the document. A file that cannot be opened
+    /// changes nothing; a damaged one gives what can be read of it.
+    void loadFrom(const QString &path);
 
     /// The document's path, empty while it has none.
     QString getCurrentFilePath() const { return currentFilePath; }
@@ -77,9 +83,8 @@ private:
     NodegraphView *viewAt(int tabIndex) const;
 
     QString askForSavePath();
-    void saveTo(const QString &path);
-    bool writeDocument(QFileDevice *device) const;
-    void readDocument(QIODevice *device);
+    QString writeDocument(QSaveFile &file) const;
+    void readDocument(QFile &file);
     void setZoom(double scale);
 
     OverViewerScene *overviewerScene = nullptr; // goes with the panel's view

@@ -1,6 +1,8 @@
 #include "app/mainwindow.h"
 
 #include "app/documentstream.h"
+#include "app/durablecommit.h"
+#include "overviewer/overviewerscene.h"
 #include "scene/nodegraphscene.h"
 #include "ui_mainwindow.h"
 #include "view/nodegraphview.h"
@@ -58,23 +60,25 @@ void MainWindow::saveTo(const QString &path)
         return;
     }
     qInfo() << "Tabs to save" << views.size();
-    if (!writeDocument(&file) || !file.commit())
-        qWarning() << "Couldn't write the scene file:" << path << file.errorString();
+    if (const QString trouble = writeDocument(file); !trouble.isEmpty())
+        qWarning() << "Couldn't write the scene file:" << path << trouble;
 }
 
-/// Writes all tabs; false if not every byte was taken.
-bool MainWindow::writeDocument(QFileDevice *device) const
+/// Writes all tabs and puts the file in its place; returns why that failed, empty if it did not.
+QString MainWindow::writeDocument(QSaveFile &file) const
 {
-    DocumentStream stream(device);
+    DocumentStream stream(&file);
     stream << qint32(views.size());
     for (const NodegraphView *view : views)
         view->nodegraphScene()->saveSceneToFile(stream);
-    // Flushed here: QSaveFile::commit() would not notice that its last buffer found no room.
-    return stream.status() == QDataStream::Ok && device->flush();
+    if (stream.status() != QDataStream::Ok)
+        return file.errorString();
+    return commitDurably(file);
 }
 
 void MainWindow::clearTabs()
 {
+    overviewerScene->withholdEntries();
     for (const NodegraphView *view : views)
         view->nodegraphScene()->clear();
     while (ui->Nodegraph->count() > 0) {
@@ -84,14 +88,19 @@ void MainWindow::clearTabs()
     }
     views.clear();
     currentFilePath.clear();
+    overviewerScene->showEntries();
 }
 
 void MainWindow::sl_loadFile()
 {
     const QString path =
         QFileDialog::getOpenFileName(this, tr("Load Scene"), QString(), tr("Scene Files (*.scene)"));
-    if (path.isEmpty())
-        return;
+    if (!path.isEmpty())
+        loadFrom(path);
+}
+
+void MainWindow::loadFrom(const QString &path)
+{
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         qWarning() << "Couldn't open file for reading.";
@@ -99,31 +108,34 @@ void MainWindow::sl_loadFile()
     }
     qInfo() << "Clearing tabs";
     clearTabs();
-    readDocument(&file);
+    readDocument(file);
     currentFilePath = path;
 }
 
-void MainWindow::readDocument(QIODevice *device)
+void MainWindow::readDocument(QFile &file)
 {
     // Every tab takes four bytes at least; a count beyond that is damage, and the empty tabs would never end.
-    const qint64 mostTabs = device->size() / 4 + 16;
-    DocumentStream stream(device);
+    const qint64 mostTabs = file.size() / 4 + 16;
+    DocumentStream stream(&file);
     qint32 count = 0;
     stream >> count;
     qInfo() << "Tabs to open" << count;
     if (count > mostTabs) {
-        qWarning() << "The file cannot hold" << count << "tabs, opening" << mostTabs;
+        qWarning() << "Damaged scene file:" << file.fileName() << "cannot hold" << count << "tabs, opening"
+                   << mostTabs;
         count = static_cast<qint32>(mostTabs);
     }
     for (qint32 i = 0; i < count; ++i) {
         qInfo() << "Adding tabs";
         addNodeGraphTab();
     }
+    overviewerScene->withholdEntries();
     const std::vector<NodegraphView *> opened = views;
     for (NodegraphView *view : opened) {
         view->nodegraphScene()->loadSceneFromFile(stream);
         view->viewport()->update();
     }
+    overviewerScene->showEntries();
     // The panel still shows the tab that was read last.
     if (NodegraphView *view = currentView())
         view->nodegraphScene()->updateStory();
@@ -179,8 +191,8 @@ void MainWindow::autosave()
         qWarning() << "Failed to open autosave file for writing:" << path;
         return;
     }
-    if (!writeDocument(&file) || !file.commit()) {
-        qWarning() << "Failed to write autosave file:" << path << file.errorString();
+    if (const QString trouble = writeDocument(file); !trouble.isEmpty()) {
+        qWarning() << "Failed to write autosave file:" << path << trouble;
         return;
     }
     qInfo() << "Autosaved scene to:" << path;

@@ -21,6 +21,8 @@ OverViewerScene::OverViewerScene()
 
 void OverViewerScene::rebuildOvNodes()
 {
+    if (entriesWithheld)
+        return;
     clearOvNodes();
     for (Node *node : storyNodes) {
         if (!showImportantOnly || node->getIsImportant())
@@ -87,6 +89,19 @@ void OverViewerScene::forgetScene(const QGraphicsScene *graph)
 {
     if (!storyNodes.empty() && storyNodes.front()->scene() == graph)
         sl_recieveNodes({});
+}
+
+void OverViewerScene::withholdEntries()
+{
+    clearOvNodes();
+    layoutOvNodes();
+    entriesWithheld = true;
+}
+
+void OverViewerScene::showEntries()
+{
+    entriesWithheld = false;
+    rebuildOvNodes();
 }
 
 void OverViewerScene::sl_recieveNodes(std::vector<Node *> nodes)

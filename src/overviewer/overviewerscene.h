@@ -27,6 +27,10 @@ public:
     OvNode *findOvNode(int index);
     /// Empties the panel if it shows the story of `graph`, which is about to go.
     void forgetScene(const QGraphicsScene *graph);
+    /// Empties the panel until showEntries(). Stories that come meanwhile are taken, but the entries are made
+    /// only once: emptying or reading a graph of n events publishes several stories an event.
+    void withholdEntries();
+    void showEntries();
 
 signals:
     /// An entry was edited: its EventData, which stays the entry's, and the index of its node.
@@ -52,4 +56,5 @@ private:
     int spacing = 5; // scene units
     OvNode *currentOvNode = nullptr;
     bool showImportantOnly = false;
+    bool entriesWithheld = false;
 };
