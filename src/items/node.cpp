@@ -14,12 +14,24 @@
 #include <QPainterPath>
 #include <QPen>
 
+#include <cmath>
+
 namespace {
 constexpr double nodeZ = 1.0;
 constexpr double headerZ = 2.0;
 constexpr double dataZ = 2.0;
 constexpr double nameZ = 3.0;
 constexpr double socketZ = 3.0;
+
+/// A place that no graph can have would make every line and rectangle that it touches meaningless.
+double finiteCoordinate(double stored, int index)
+{
+    if (std::isfinite(stored))
+        return stored;
+    qWarning() << "Damaged node" << index << "has a coordinate that is not a finite number, read as 0";
+    return 0;
+}
+
 } // namespace
 
 Node::Node(int nodeType) : type(nodeType)
@@ -226,7 +238,7 @@ void Node::openFromStream(QDataStream &stream)
     data->sl_openFromFile(stream);
 
     nameItem->setPlainText(title);
-    setPos(position);
+    setPos(finiteCoordinate(position.x(), storedIndex), finiteCoordinate(position.y(), storedIndex));
     setIndex(storedIndex);
     // Told once more, so that a record whose index is the node's own is announced as well.
     emit s_indexChanged(this, storedIndex);

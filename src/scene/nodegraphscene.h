@@ -136,7 +136,7 @@ private:
     void settleMovedLines();
 
     std::vector<Node *> readRecords(QDataStream &stream, int count);
-    void restoreConnections(const std::vector<Node *> &loaded);
+    void restoreConnections(const std::vector<Node *> &loaded, const QString &fileName);
 
     using Duplicates = std::map<const Node *, Node *>; // by their sources
 

@@ -5,11 +5,20 @@
 
 #include <QDataStream>
 #include <QDebug>
+#include <QFileDevice>
 #include <QHash>
 
 namespace {
 constexpr double framingMargin = 50;
 constexpr int mostBlankNodes = 1000; // made for records that a damaged file announces but does not hold
+
+/// The name of the file that is being read, empty if it is none.
+QString fileNameOf(const QDataStream &stream)
+{
+    const auto *file = qobject_cast<const QFileDevice *>(stream.device());
+    return file ? file->fileName() : QString();
+}
+
 } // namespace
 
 void NodegraphScene::saveSceneToFile(QDataStream &stream)
@@ -36,7 +45,7 @@ void NodegraphScene::loadSceneFromFile(QDataStream &stream)
     stream >> count;
     qInfo() << "Nodes to open" << count;
     if (count >= 1)
-        restoreConnections(readRecords(stream, count));
+        restoreConnections(readRecords(stream, count), fileNameOf(stream));
     frameSelectedNodes();
 }
 
@@ -49,8 +58,8 @@ std::vector<Node *> NodegraphScene::readRecords(QDataStream &stream, int count)
         // Not for any bad status: one damaged text must not cut off the records behind it.
         const bool pastEnd = stream.status() == QDataStream::ReadPastEnd || stream.atEnd();
         if (pastEnd && ++blankNodes > mostBlankNodes) {
-            qWarning() << "Stopped reading: the data ended after" << i - mostBlankNodes << "of" << count
-                       << "nodes";
+            qWarning() << "Damaged scene file:" << fileNameOf(stream) << "ended after" << i - mostBlankNodes
+                       << "of" << count << "nodes, opening" << i;
             break;
         }
         qInfo() << "deserializing node";
@@ -68,8 +77,9 @@ std::vector<Node *> NodegraphScene::readRecords(QDataStream &stream, int count)
     return loaded;
 }
 
-void NodegraphScene::restoreConnections(const std::vector<Node *> &loaded)
+void NodegraphScene::restoreConnections(const std::vector<Node *> &loaded, const QString &fileName)
 {
+    int refused = 0;
     QHash<int, Node *> firstWithIndex;
     for (Node *node : loaded) {
         if (!firstWithIndex.contains(node->getIndex()))
@@ -84,12 +94,14 @@ void NodegraphScene::restoreConnections(const std::vector<Node *> &loaded)
             continue;
         }
         if (wouldCloseCycle(findNodeByIndex(node->getIndex()), findNodeByIndex(upstreamIndex))) {
-            qWarning() << "Refused a connection that closes a cycle: node" << node->getIndex()
-                       << "fed by node" << upstreamIndex;
+            ++refused;
             continue;
         }
         emit s_UndoCommandAdded(new ConnectNodesCommand(this, node->getIndex(), upstreamIndex));
     }
+    if (refused > 0)
+        qWarning() << "Damaged scene file:" << fileName << "has" << refused
+                   << "connections that close a cycle, left out";
     // What is saved later is what is shown now.
     for (Node *node : loaded) {
         if (!node->hasInput())

@@ -40,13 +40,12 @@ struct NoProgressLog
     NoProgressLog &operator=(const NoProgressLog &) = delete;
 };
 
-void expectRefusal(int node, int upstream)
+void expectRefusals(int count)
 {
     QTest::ignoreMessage(
         QtWarningMsg,
-        qPrintable(QStringLiteral("Refused a connection that closes a cycle: node %1 fed by node %2")
-                       .arg(node)
-                       .arg(upstream)));
+        qPrintable(QStringLiteral("Damaged scene file: \"\" has %1 connections that close a cycle, left out")
+                       .arg(count)));
 }
 
 } // namespace
@@ -402,7 +401,7 @@ void tst_NodegraphSceneFileReading::connectionThatClosesACycleIsRefused()
     expected[refusedNode] = -1;
 
     GraphTab tab;
-    expectRefusal(refusedNode, upstreams.at(refusedNode));
+    expectRefusals(1);
     load(tab, records);
     QCOMPARE(connections(tab.scene), made);
     QCOMPARE(tab.stack.count(), made.size());
@@ -480,8 +479,7 @@ void tst_NodegraphSceneFileReading::dataThatEndsEarlyGivesBlankNodes()
     bytes.replace(0, 4, SceneBytes::int32(3));
     GraphTab tab;
     // What is not there reads as 0, so the blank nodes claim to be fed by the first of them.
-    expectRefusal(0, 0);
-    expectRefusal(0, 0);
+    expectRefusals(2);
     SceneBytes::load(tab.scene, bytes);
     QCOMPARE(indicesOf(tab.scene.getNodes()), (QList<int>{5, 0, 0}));
     QCOMPARE(tab.node(5)->getTitle(), QStringLiteral("Title 5"));
@@ -521,7 +519,7 @@ void tst_NodegraphSceneFileReading::dataThatEndsInARecord()
     QFETCH(bool, namesItself);
     GraphTab tab;
     if (namesItself)
-        expectRefusal(0, 0);
+        expectRefusals(1);
     SceneBytes::load(tab.scene, SceneBytes::block({eventRecord(5)}).left(kept));
     QCOMPARE(tab.scene.getNodes().size(), std::size_t(1));
     QCOMPARE(tab.node(index)->getTitle(), title);
@@ -535,9 +533,9 @@ void tst_NodegraphSceneFileReading::countWithoutDataIsLimited()
 {
     const NoProgressLog quiet;
     GraphTab tab;
-    QTest::ignoreMessage(QtWarningMsg, "Stopped reading: the data ended after 0 of 2147483647 nodes");
-    for (int i = 0; i < 1000; ++i)
-        expectRefusal(0, 0);
+    QTest::ignoreMessage(QtWarningMsg,
+                         "Damaged scene file: \"\" ended after 0 of 2147483647 nodes, opening 1000");
+    expectRefusals(1000);
     SceneBytes::load(tab.scene, SceneBytes::int32(std::numeric_limits<int>::max()));
     QCOMPARE(tab.scene.getNodes().size(), std::size_t(1000));
 }
