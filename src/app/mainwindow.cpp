@@ -57,8 +57,7 @@ void MainWindow::addNodeGraphTab()
 
     NodegraphScene *scene = view->nodegraphScene();
     OverViewerScene *panel = overviewerScene;
-    connect(scene, SIGNAL(s_updateStory(std::vector<Node*>)), panel,
-                          SLOT(sl_recieveNodes(std::vector<Node*>)));
+    showStoryOf(scene);
     connect(scene, SIGNAL(s_updateNode(Node*)), panel, SLOT(sl_updatedNode(Node*)));
     connect(panel, SIGNAL(s_nodeChanged(QGraphicsItem*,int)), scene,
                           SLOT(sl_ovNodeChanged(QGraphicsItem*,int)));
@@ -68,6 +67,20 @@ void MainWindow::addNodeGraphTab()
     // The view does not own its scene; here the two are tied together. The panel lets go of the nodes first.
     connect(view, &QObject::destroyed, panel, [panel, scene] { panel->forgetScene(scene); });
     connect(view, &QObject::destroyed, scene, [scene] { delete scene; });
+}
+
+void MainWindow::showStoryOf(NodegraphScene *scene)
+{
+    connect(scene, SIGNAL(s_updateStory(std::vector<Node*>)), overviewerScene,
+                          SLOT(sl_recieveNodes(std::vector<Node*>)), Qt::UniqueConnection);
+}
+
+/// Emptying or filling a graph of n events changes its story several times n times. The panel, which is made
+/// anew each time, is shown the last one only.
+void MainWindow::hideStoryOf(NodegraphScene *scene)
+{
+    disconnect(scene, SIGNAL(s_updateStory(std::vector<Node*>)), overviewerScene,
+                             SLOT(sl_recieveNodes(std::vector<Node*>)));
 }
 
 void MainWindow::connectCommands()

@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+class NodegraphScene;
 class NodegraphView;
 class OverViewerScene;
 class QFile;
@@ -81,6 +82,9 @@ private:
     /// The current tab's view, null when there is no tab.
     NodegraphView *currentView() const;
     NodegraphView *viewAt(int tabIndex) const;
+
+    void showStoryOf(NodegraphScene *scene);
+    void hideStoryOf(NodegraphScene *scene);
 
     QString askForSavePath();
     QString writeDocument(QSaveFile &file) const;

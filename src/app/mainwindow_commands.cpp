@@ -1,5 +1,6 @@
 #include "app/mainwindow.h"
 
+#include "overviewer/overviewerscene.h"
 #include "scene/nodegraphscene.h"
 #include "ui_mainwindow.h"
 #include "view/nodegraphview.h"
@@ -75,8 +76,18 @@ void MainWindow::sl_deselectAll()
 
 void MainWindow::sl_delete()
 {
-    if (NodegraphView *view = currentView())
-        view->nodegraphScene()->deleteSelectedNodes(nullptr);
+    NodegraphView *view = currentView();
+    if (!view)
+        return;
+    NodegraphScene *scene = view->nodegraphScene();
+    const bool many = scene->getSelectedNodes().size() > 1;
+    if (many)
+        hideStoryOf(scene);
+    scene->deleteSelectedNodes(nullptr);
+    if (many) {
+        showStoryOf(scene);
+        overviewerScene->sl_recieveNodes(scene->getStory());
+    }
 }
 
 void MainWindow::sl_setEndOfStory()

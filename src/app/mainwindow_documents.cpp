@@ -78,9 +78,11 @@ QString MainWindow::writeDocument(QSaveFile &file) const
 
 void MainWindow::clearTabs()
 {
-    overviewerScene->withholdEntries();
-    for (const NodegraphView *view : views)
+    overviewerScene->sl_recieveNodes({});
+    for (const NodegraphView *view : views) {
+        hideStoryOf(view->nodegraphScene());
         view->nodegraphScene()->clear();
+    }
     while (ui->Nodegraph->count() > 0) {
         QWidget *page = ui->Nodegraph->widget(0);
         ui->Nodegraph->removeTab(0);
@@ -88,7 +90,6 @@ void MainWindow::clearTabs()
     }
     views.clear();
     currentFilePath.clear();
-    overviewerScene->showEntries();
 }
 
 void MainWindow::sl_loadFile()
@@ -129,14 +130,13 @@ void MainWindow::readDocument(QFile &file)
         qInfo() << "Adding tabs";
         addNodeGraphTab();
     }
-    overviewerScene->withholdEntries();
     const std::vector<NodegraphView *> opened = views;
     for (NodegraphView *view : opened) {
+        hideStoryOf(view->nodegraphScene());
         view->nodegraphScene()->loadSceneFromFile(stream);
+        showStoryOf(view->nodegraphScene());
         view->viewport()->update();
     }
-    overviewerScene->showEntries();
-    // The panel still shows the tab that was read last.
     if (NodegraphView *view = currentView())
         view->nodegraphScene()->updateStory();
 }

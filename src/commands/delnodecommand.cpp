@@ -1,22 +1,31 @@
 #include "commands/delnodecommand.h"
 
+#include "items/eventdata.h"
 #include "items/node.h"
 #include "items/nodedata.h"
 #include "scene/nodegraphscene.h"
 
 #include <QObject>
 
+namespace {
+
+QString descriptionOf(const NodeData *data)
+{
+    const EventData *event = data->eventContent();
+    return event ? event->getDescription() : QString();
+}
+
+} // namespace
+
 DelNodeCommand::DelNodeCommand(NodegraphScene *editedScene, const QPointF &position, int nodeIndex,
                                const NodeData *data, const QString &title)
-    : scene(editedScene), index(nodeIndex), pos(position), type(data->getType()), dataCopy(data->clone()),
-      name(title)
+    : scene(editedScene), index(nodeIndex), pos(position), type(data->getType()),
+      description(descriptionOf(data)), name(title)
 {
     setText(QObject::tr("Delete Node"));
     node = scene->findNodeByIndex(index);
     captureLinksAndMarks();
 }
-
-DelNodeCommand::~DelNodeCommand() = default;
 
 void DelNodeCommand::captureLinksAndMarks()
 {
@@ -43,7 +52,7 @@ void DelNodeCommand::captureAgain()
 {
     pos = node->scenePos();
     name = node->getTitle();
-    node->getData()->copyTo(dataCopy.get());
+    description = descriptionOf(node->getData());
     captureLinksAndMarks();
 }
 
@@ -61,7 +70,11 @@ void DelNodeCommand::undo()
 {
     undone = true;
     const bool endIsFree = scene->endOfStoryNode() == nullptr;
-    node = scene->restoreNode(pos, index, type, dataCopy.get(), name);
+    // The payload itself is items and texts; a graph that is emptied would make one for each event.
+    NodeData data(type, nullptr, TextMaking::whenNeeded);
+    if (EventData *event = data.eventContent())
+        event->setDescription(description);
+    node = scene->restoreNode(pos, index, type, &data, name);
     index = node->getIndex(); // another one if the old one was taken, so that redo() takes no other node
     if (name.isEmpty())
         node->setNodeName(name); // no title means the default one to whoever makes a node

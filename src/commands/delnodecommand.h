@@ -5,7 +5,6 @@
 #include <QString>
 #include <QUndoCommand>
 
-#include <memory>
 #include <vector>
 
 class Node;
@@ -18,10 +17,9 @@ class DelNodeCommand : public QUndoCommand
 {
 public:
     /// `scene` must outlive every call of redo() and undo(). The rest describes the node: its scene position,
-    /// its index, its payload (copied, not null) and its title.
+    /// its index, its payload (its text is copied, not null) and its title.
     DelNodeCommand(NodegraphScene *scene, const QPointF &pos, int index, const NodeData *data,
                    const QString &name);
-    ~DelNodeCommand() override;
 
     void undo() override;
     void redo() override;
@@ -38,7 +36,7 @@ private:
     int index;
     QPointF pos;
     int type;
-    std::unique_ptr<NodeData> dataCopy;
+    QString description;
     QString name;
     QPointer<Node> node; // the node at construction, later the one that undo() made
     QPointer<Node> prevNode;

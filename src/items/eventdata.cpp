@@ -4,27 +4,39 @@
 
 #include <QDataStream>
 #include <QDebug>
-#include <QTextDocument>
 
 namespace {
 constexpr double descriptionWidth = 400.0;
 constexpr double padding = 10.0;
 } // namespace
 
-EventData::EventData(QGraphicsItem *parent)
+EventData::EventData(QGraphicsItem *parent, TextMaking making)
 {
     setParentItem(parent);
-    description = new STLineEdit(QStringLiteral("Enter description"), descriptionWidth, this);
-    connect(description->document(), &QTextDocument::contentsChanged, this, &EventData::sl_isChanged);
-    lastText = description->toPlainText();
+    description = new STLineEdit(QStringLiteral("Enter description"), descriptionWidth, this, making);
+    description->onTextChanged([this] { sl_isChanged(); });
+    lastText = description->getText();
 }
 
-QString EventData::getDescription() const { return description->toPlainText(); }
+QString EventData::getDescription() const { return description->getText(); }
+
+STLineEdit *EventData::getDescriptionItem() const
+{
+    description->make();
+    return description;
+}
 
 void EventData::setDescription(const QString &text)
 {
     settingText = true;
     description->setText(text);
+    settingText = false;
+}
+
+void EventData::setMeasuredDescription(const QString &text, const QRectF &outline)
+{
+    settingText = true;
+    description->setMeasuredText(text, outline.adjusted(padding, padding, -padding, -padding));
     settingText = false;
 }
 
@@ -34,6 +46,10 @@ QRectF EventData::boundingRect() const
         return {};
     return description->boundingRect().adjusted(-padding, -padding, padding, padding);
 }
+
+QRectF EventData::panelRect() const { return description->boundingRect(); }
+
+QColor EventData::panelColor() const { return description->getBackgroundColor(); }
 
 void EventData::paint(QPainter *, const QStyleOptionGraphicsItem *, QWidget *) {}
 
@@ -49,7 +65,7 @@ void EventData::sl_isChanged()
 {
     if (settingText)
         return;
-    const QString text = description->toPlainText();
+    const QString text = description->getText();
     if (text == lastText)
         return;
     lastText = text;
@@ -59,7 +75,7 @@ void EventData::sl_isChanged()
 void EventData::sl_saveToFile(QDataStream &stream)
 {
     qInfo() << "Saving event data";
-    stream << description->toPlainText();
+    stream << description->getText();
 }
 
 void EventData::sl_openFromFile(QDataStream &stream)

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "items/resizeobserver.h"
+#include "items/textmaking.h"
 
+#include <QColor>
 #include <QGraphicsItem>
 #include <QObject>
 
@@ -16,13 +18,19 @@ class EventData : public QObject, public QGraphicsItem, public ResizeObserver
 
 public:
     /// `parent` may be null; the caller then owns the object until it gets a parent item.
-    explicit EventData(QGraphicsItem *parent);
+    explicit EventData(QGraphicsItem *parent, TextMaking making = TextMaking::atOnce);
 
     QString getDescription() const;
     /// Sets the text without reporting a change.
     void setDescription(const QString &text);
-    /// The text item; owned by this object.
-    STLineEdit *getDescriptionItem() const { return description; }
+    /// As setDescription() for a text whose outline (an EventData's bounding rectangle) is known already.
+    void setMeasuredDescription(const QString &text, const QRectF &outline);
+    /// The text item, whole; owned by this object.
+    STLineEdit *getDescriptionItem() const;
+
+    /// The panel behind the text, in item coordinates, and its colour.
+    QRectF panelRect() const;
+    QColor panelColor() const;
 
     QRectF boundingRect() const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;

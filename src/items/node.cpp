@@ -34,14 +34,14 @@ double finiteCoordinate(double stored, int index)
 
 } // namespace
 
-Node::Node(int nodeType) : type(nodeType)
+Node::Node(int nodeType, TextMaking making) : type(nodeType)
 {
     setFlags(ItemIsMovable | ItemIsSelectable);
     setZValue(nodeZ);
     createHeader();
-    createName();
+    createName(making);
     createSockets();
-    createData();
+    createData(making);
     sl_updateSize();
 }
 
@@ -55,9 +55,9 @@ void Node::createHeader()
     updateHeaderPath();
 }
 
-void Node::createName()
+void Node::createName(TextMaking making)
 {
-    nameItem = new STNodeName(this);
+    nameItem = new STNodeName(this, making);
     nameItem->setZValue(nameZ);
     if (type == 0)
         setNodeName(QStringLiteral("Event"));
@@ -81,9 +81,9 @@ void Node::connectSocket(Socket *socket)
     connect(socket, SIGNAL(s_clickReleasedHere()), this, SLOT(sl_socketClickRelease()));
 }
 
-void Node::createData()
+void Node::createData(TextMaking making)
 {
-    data = new NodeData(type, this);
+    data = new NodeData(type, this, making);
     data->setZValue(dataZ);
     data->moveBy(margin + static_cast<int>(inSocket->boundingRect().width()), headerHeight + margin);
     // Resize before reporting: whoever hears s_changed already sees the new outline.
@@ -94,10 +94,16 @@ void Node::createData()
 void Node::setNodeName(const QString &name)
 {
     nodeName = name;
-    nameItem->setPlainText(name);
+    nameItem->setTitle(name);
 }
 
-QString Node::getTitle() const { return nameItem->toPlainText(); }
+QString Node::getTitle() const { return nameItem->getTitle(); }
+
+STNodeName *Node::getNameItem() const
+{
+    nameItem->make();
+    return nameItem;
+}
 
 void Node::setIndex(int newIndex)
 {
@@ -180,17 +186,19 @@ void Node::updateHeaderPath()
     headerItem->setPath(strip);
 }
 
+QColor Node::bodyColor() const
+{
+    if (isSelected())
+        return selectedColor;
+    if (isImportant)
+        return importantColor;
+    return isEndOfStory ? endOfStoryColor : baseColor;
+}
+
 void Node::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *)
 {
-    QColor body = baseColor;
-    if (isEndOfStory)
-        body = endOfStoryColor;
-    if (isImportant)
-        body = importantColor;
-    if (isSelected())
-        body = selectedColor;
     painter->setPen(Qt::NoPen);
-    painter->setBrush(body);
+    painter->setBrush(bodyColor());
     painter->drawRoundedRect(rect, cornerRadius, cornerRadius, Qt::AbsoluteSize);
 }
 
@@ -237,7 +245,7 @@ void Node::openFromStream(QDataStream &stream)
     stream >> title >> position >> storedIndex >> storedPrevIndex >> endOfStory >> important;
     data->sl_openFromFile(stream);
 
-    nameItem->setPlainText(title);
+    nameItem->setTitle(title);
     setPos(finiteCoordinate(position.x(), storedIndex), finiteCoordinate(position.y(), storedIndex));
     setIndex(storedIndex);
     // Told once more, so that a record whose index is the node's own is announced as well.

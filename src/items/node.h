@@ -1,6 +1,7 @@
 #pragma once
 
 #include "items/resizeobserver.h"
+#include "items/textmaking.h"
 
 #include <QColor>
 #include <QGraphicsItem>
@@ -25,7 +26,7 @@ class Node : public QObject, public QGraphicsItem, public ResizeObserver
 
 public:
     /// `type` 0 is the event, the only type that the program makes.
-    explicit Node(int type);
+    explicit Node(int type, TextMaking making = TextMaking::atOnce);
 
     void setNodeName(const QString &name);
     /// The plain text of the title item, which the user edits directly.
@@ -36,7 +37,8 @@ public:
     NodeData *getData() const { return data; }
     Socket *getInSocket() const { return inSocket; }
     Socket *getOutSocket() const { return outSocket; }
-    STNodeName *getNameItem() const { return nameItem; }
+    /// The title item, whole; owned by this node.
+    STNodeName *getNameItem() const;
 
     /// The node's number in its scene.
     int getIndex() const { return index; }
@@ -60,6 +62,12 @@ public:
     void setInLine(ConnectionLine *line) { inLine = line; }
     /// The line of the newest connection made from the output, null when there is none. Owned by the scene.
     ConnectionLine *getOutLine() const;
+
+    /// What the body is filled with, by the marks and the selection.
+    QColor bodyColor() const;
+    /// The strip behind the title, in item coordinates, and its colour.
+    QRectF headerRect() const { return {0, 0, rect.width(), double(headerHeight)}; }
+    QColor getHeaderColor() const { return headerColor; }
 
     bool getIsEndOfStory() const { return isEndOfStory; }
     void setIsEndOfStory(bool endOfStory);
@@ -106,9 +114,9 @@ protected:
 
 private:
     void createHeader();
-    void createName();
+    void createName(TextMaking making);
     void createSockets();
-    void createData();
+    void createData(TextMaking making);
     void connectSocket(Socket *socket);
     void updateHeaderPath();
 

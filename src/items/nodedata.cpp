@@ -4,12 +4,12 @@
 
 #include <QDataStream>
 
-NodeData::NodeData(int dataType, QGraphicsItem *parent) : type(dataType)
+NodeData::NodeData(int dataType, QGraphicsItem *parent, TextMaking making) : type(dataType)
 {
     setParentItem(parent);
     if (type != 0)
         return;
-    auto *event = new EventData(this);
+    auto *event = new EventData(this, making);
     connect(this, SIGNAL(s_saveToFile(QDataStream&)), event, SLOT(sl_saveToFile(QDataStream&)));
     connect(this, SIGNAL(s_openFromFile(QDataStream&)), event, SLOT(sl_openFromFile(QDataStream&)));
     connect(event, SIGNAL(s_isChanged()), this, SLOT(sl_dataChanged()));
@@ -18,11 +18,11 @@ NodeData::NodeData(int dataType, QGraphicsItem *parent) : type(dataType)
 
 NodeData *NodeData::clone() const
 {
-    auto *copy = new NodeData(type, nullptr);
+    auto *copy = new NodeData(type, nullptr, TextMaking::whenNeeded);
     if (const EventData *event = eventContent()) {
         // A second content that is wired to nothing: a kept copy never reports or saves by itself.
-        auto *kept = new EventData(copy);
-        kept->setDescription(event->getDescription());
+        auto *kept = new EventData(copy, TextMaking::whenNeeded);
+        kept->setMeasuredDescription(event->getDescription(), event->boundingRect());
         copy->content_ = kept;
     }
     return copy;

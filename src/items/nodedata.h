@@ -1,6 +1,7 @@
 #pragma once
 
 #include "items/resizeobserver.h"
+#include "items/textmaking.h"
 
 #include <QGraphicsItem>
 #include <QObject>
@@ -19,7 +20,7 @@ class NodeData : public QObject, public QGraphicsItem, public ResizeObserver
 public:
     /// `type` 0 makes an event's content, any other type none. With a null `parent` the caller owns the
     /// object.
-    NodeData(int type, QGraphicsItem *parent);
+    NodeData(int type, QGraphicsItem *parent, TextMaking making = TextMaking::atOnce);
 
     /// A copy with the same type and description, for keeping. Its content is not wired for saving or for
     /// reporting changes. No parent: the caller owns it.

@@ -23,7 +23,7 @@ QPointF Socket::sceneCentre() const { return scenePos() + boundingRect().center(
 void Socket::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *)
 {
     painter->setPen(Qt::NoPen);
-    painter->setBrush(isConnected ? connectedColor : color);
+    painter->setBrush(fillColor());
     painter->drawRoundedRect(rect, cornerRadius, cornerRadius, Qt::AbsoluteSize);
 }
 

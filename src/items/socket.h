@@ -26,6 +26,7 @@ public:
     int getType() const { return type; }
     bool getIsConnected() const { return isConnected; }
     void setIsConnected(bool connected) { isConnected = connected; }
+    QColor fillColor() const { return isConnected ? connectedColor : color; }
     /// The socket at the other end, null when there is none. Not owned.
     Socket *getConnectedSocket() const { return connectedSocket; }
     void setConnectedSocket(Socket *socket) { connectedSocket = socket; }

@@ -2,6 +2,7 @@
 
 #include "items/resizeobserver.h"
 #include "items/textediting.h"
+#include "items/textmeasure.h"
 
 #include <QFocusEvent>
 #include <QGraphicsSceneMouseEvent>
@@ -14,35 +15,95 @@ constexpr double documentMargin = 15.0;
 constexpr double panelRadius = 5.0;
 } // namespace
 
-STLineEdit::STLineEdit(const QString &text, double textWidth, QGraphicsItem *parent)
-    : QGraphicsTextItem(parent)
+STLineEdit::STLineEdit(const QString &text, double textWidth, QGraphicsItem *parent, TextMaking making)
+    : QGraphicsTextItem(parent), width(textWidth)
 {
-    setTextInteractionFlags(Qt::TextEditorInteraction);
-    TextEditing::takePlainTextOnly(*this);
-    QFont textFont(QStringLiteral("Titillium Web"), 14);
-    textFont.setItalic(false);
-    textFont.setLetterSpacing(QFont::AbsoluteSpacing, 1.4);
-    setFont(textFont);
-    setDefaultTextColor(placeholderColor);
-    setTextWidth(textWidth);
-    // Made first of all listeners: whoever hears of a change after this already sees the new outline.
-    connect(document(), &QTextDocument::contentsChanged, this, &STLineEdit::updateRect);
+    if (making == TextMaking::atOnce)
+        make();
+    else
+        setFlags(flags() | ItemIsFocusable | ItemAcceptsInputMethod); // as every text that can be edited
     setText(text);
     placeholder = text;
     placeholderShown = true;
 }
 
-void STLineEdit::setText(const QString &text)
+const QFont &STLineEdit::textFont()
 {
-    if (text != placeholder) {
-        setDefaultTextColor(textColor);
-        placeholderShown = false;
-    }
-    setPlainText(text);
+    static const QFont font = [] {
+        QFont made(QStringLiteral("Titillium Web"), 14);
+        made.setItalic(false);
+        made.setLetterSpacing(QFont::AbsoluteSpacing, 1.4);
+        return made;
+    }();
+    return font;
 }
 
-void STLineEdit::setTextWidth(double width)
+void STLineEdit::make()
 {
+    if (made)
+        return;
+    made = true;
+    setTextInteractionFlags(Qt::TextEditorInteraction);
+    TextEditing::takePlainTextOnly(*this);
+    setFont(textFont());
+    setDefaultTextColor(placeholderColor);
+    document()->setTextWidth(width);
+    document()->setDocumentMargin(documentMargin);
+    if (!unmadeText.isNull()) {
+        setDefaultTextColor(textColor);
+        setPlainText(unmadeText);
+        unmadeText = QString();
+    }
+    updateRect();
+    // Made first of all listeners: whoever hears of a change after this already sees the new outline.
+    connect(document(), &QTextDocument::contentsChanged, this, &STLineEdit::textChanged);
+}
+
+void STLineEdit::setText(const QString &text)
+{
+    if (text != placeholder)
+        placeholderShown = false;
+    if (!made && !TextMeasure::isHeldUnchanged(text))
+        make();
+    if (made) {
+        if (text != placeholder)
+            setDefaultTextColor(textColor);
+        setPlainText(text);
+        return;
+    }
+    const QSizeF size = TextMeasure::documentSize(text, textFont(), width, documentMargin);
+    keepUnmade(text, QRectF(QPointF(), size));
+}
+
+void STLineEdit::setMeasuredText(const QString &text, const QRectF &place)
+{
+    if (made || !TextMeasure::isHeldUnchanged(text))
+        setText(text);
+    else
+        keepUnmade(text, place);
+}
+
+void STLineEdit::keepUnmade(const QString &text, const QRectF &newRect)
+{
+    unmadeText = text.isNull() ? QStringLiteral("") : text;
+    setRect(newRect);
+    if (textListener)
+        textListener();
+}
+
+QString STLineEdit::getText() const { return made ? toPlainText() : unmadeText; }
+
+void STLineEdit::textChanged()
+{
+    updateRect();
+    if (textListener)
+        textListener();
+}
+
+void STLineEdit::setTextWidth(double newWidth)
+{
+    make();
+    width = newWidth;
     document()->setTextWidth(width);
     document()->setDocumentMargin(documentMargin);
     updateRect();
@@ -61,6 +122,8 @@ void STLineEdit::setRect(const QRectF &newRect)
 
 void STLineEdit::updateRect()
 {
+    if (!made) // it was measured when the text was set
+        return;
     const QTextDocument *text = document();
     setRect(QRectF(0, 0, qMax(text->textWidth(), text->idealWidth()), text->size().height()));
 }
@@ -70,8 +133,24 @@ QRectF STLineEdit::boundingRect() const
     return rect.width() > 0 && rect.height() > 0 ? rect : QGraphicsTextItem::boundingRect();
 }
 
+// Until there is a document the base knows of no place that the text takes.
+QPainterPath STLineEdit::shape() const
+{
+    if (made)
+        return QGraphicsTextItem::shape();
+    QPainterPath path;
+    path.addRect(boundingRect());
+    return path;
+}
+
+bool STLineEdit::contains(const QPointF &point) const
+{
+    return made ? QGraphicsTextItem::contains(point) : boundingRect().contains(point);
+}
+
 void STLineEdit::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
 {
+    make();
     const QStyleOptionGraphicsItem unframed = TextEditing::withoutFocusFrame(*option);
     painter->setPen(Qt::NoPen);
     painter->setBrush(backgroundColor);
@@ -90,6 +169,9 @@ void STLineEdit::mousePressEvent(QGraphicsSceneMouseEvent *event)
 
 bool STLineEdit::sceneEvent(QEvent *event)
 {
+    // Every item hears when its window comes to the front or leaves it.
+    if (event->type() != QEvent::WindowActivate && event->type() != QEvent::WindowDeactivate)
+        make();
     return TextEditing::claimKeys(event) || QGraphicsTextItem::sceneEvent(event);
 }
 

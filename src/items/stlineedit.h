@@ -1,7 +1,11 @@
 #pragma once
 
+#include "items/textmaking.h"
+
 #include <QColor>
 #include <QGraphicsTextItem>
+
+#include <functional>
 
 /// A multi-line text on a rounded panel, edited in place. Owned by its parent item.
 ///
@@ -14,16 +18,29 @@ class STLineEdit : public QGraphicsTextItem
 public:
     /// `text` is shown at first and is the placeholder that the first click removes; `textWidth` in item
     /// units.
-    STLineEdit(const QString &text, double textWidth, QGraphicsItem *parent);
+    STLineEdit(const QString &text, double textWidth, QGraphicsItem *parent,
+               TextMaking making = TextMaking::atOnce);
+
+    /// Makes the document and its control if they are still missing. Nobody can see the difference but those
+    /// who reach for the document.
+    void make();
+    /// Calls `listener` after every change of the text, whether there is a document yet or not.
+    void onTextChanged(std::function<void()> listener) { textListener = std::move(listener); }
+    QString getText() const;
+    QColor getBackgroundColor() const { return backgroundColor; }
 
     /// Replaces the text; any text but the placeholder ends the placeholder's display.
     void setText(const QString &text);
+    /// As setText() for a text whose place, of the same width, is known from another item.
+    void setMeasuredText(const QString &text, const QRectF &place);
     void setTextWidth(double width);
     void setRect(const QRectF &newRect);
     /// Takes `rect` from the document: its text width, or more where a word does not fit, by its height.
     void updateRect();
 
     QRectF boundingRect() const override;
+    QPainterPath shape() const override;
+    bool contains(const QPointF &point) const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
 
 protected:
@@ -33,7 +50,15 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
+    static const QFont &textFont();
+    void keepUnmade(const QString &text, const QRectF &newRect);
+    void textChanged();
+
     QRectF rect; // item coordinates
+    double width;
+    bool made = false;
+    QString unmadeText; // until it is made
+    std::function<void()> textListener;
     QString placeholder;
     bool placeholderShown = false;
     QColor backgroundColor{QStringLiteral("#F5F5F5")};

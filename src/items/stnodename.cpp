@@ -1,6 +1,7 @@
 #include "items/stnodename.h"
 
 #include "items/textediting.h"
+#include "items/textmeasure.h"
 
 #include <QFocusEvent>
 #include <QFontMetricsF>
@@ -14,6 +15,18 @@
 namespace {
 constexpr int focusAlpha = 38;
 constexpr double focusRadius = 5.0;
+constexpr double documentMargin = 4.0; // what a document has by itself
+constexpr double unlimited = -1.0;     // a title is not wrapped
+
+const QFont &titleFont()
+{
+    static const QFont font = [] {
+        QFont bold(QStringLiteral("Inria Sans"), 13, QFont::Bold);
+        bold.setItalic(false);
+        return bold;
+    }();
+    return font;
+}
 
 /// A tool tip that looks like markup would be shown as such; any other is shown as it stands.
 QString asToolTip(const QString &text)
@@ -22,16 +35,47 @@ QString asToolTip(const QString &text)
 }
 } // namespace
 
-STNodeName::STNodeName(QGraphicsItem *parent) : QGraphicsTextItem(parent)
+STNodeName::STNodeName(QGraphicsItem *parent, TextMaking making) : QGraphicsTextItem(parent)
 {
-    QFont titleFont(QStringLiteral("Inria Sans"), 13, QFont::Bold);
-    titleFont.setItalic(false);
-    setFont(titleFont);
+    if (making == TextMaking::atOnce)
+        make();
+    else
+        setFlags(flags() | ItemIsFocusable | ItemAcceptsInputMethod); // as every text that can be edited
+}
+
+void STNodeName::make()
+{
+    if (made)
+        return;
+    made = true;
+    setFont(titleFont());
     setDefaultTextColor(textColor);
     setTextInteractionFlags(Qt::TextEditorInteraction);
     TextEditing::takePlainTextOnly(*this);
+    if (!unmadeTitle.isEmpty())
+        setPlainText(unmadeTitle);
+    unmadeTitle = QString();
     connect(document(), &QTextDocument::contentsChanged, this, &STNodeName::updateShortText);
 }
+
+void STNodeName::setTitle(const QString &text)
+{
+    if (!TextMeasure::isHeldUnchanged(text))
+        make();
+    if (made) {
+        setPlainText(text);
+        return;
+    }
+    prepareGeometryChange();
+    unmadeTitle = text;
+    unmadeSize = TextMeasure::documentSize(text, titleFont(), unlimited, documentMargin);
+    updateShortText();
+}
+
+QString STNodeName::getTitle() const { return made ? toPlainText() : unmadeTitle; }
+
+/// That of the whole title.
+QSizeF STNodeName::textSize() const { return made ? document()->size() : unmadeSize; }
 
 void STNodeName::setAvailableWidth(double width)
 {
@@ -44,14 +88,14 @@ void STNodeName::setAvailableWidth(double width)
 
 void STNodeName::updateShortText()
 {
-    const QString text = toPlainText();
-    const double room = availableWidth - 2 * document()->documentMargin();
-    const QFontMetricsF metrics(font());
+    const QString text = getTitle();
+    const double room = availableWidth - 2 * documentMargin;
+    const QFontMetricsF metrics(titleFont());
     const QString firstLine = text.section(QLatin1Char('\n'), 0, 0);
     QString shortened;
     if (room > 0 && firstLine.size() < text.size())
         shortened = metrics.elidedText(firstLine + QChar(0x2026), Qt::ElideRight, room);
-    else if (room > 0 && document()->idealWidth() > availableWidth)
+    else if (room > 0 && textSize().width() > availableWidth)
         shortened = metrics.elidedText(text, Qt::ElideRight, room);
     setToolTip(shortened.isNull() ? QString() : asToolTip(text)); // the hidden end may have changed alone
     if (shortened == shortText && shortened.isNull() == shortText.isNull())
@@ -63,9 +107,9 @@ void STNodeName::updateShortText()
 
 QRectF STNodeName::boundingRect() const
 {
-    if (!isShortened())
-        return QGraphicsTextItem::boundingRect();
-    return {0, 0, availableWidth, QFontMetricsF(font()).height() + 2 * document()->documentMargin()};
+    if (isShortened())
+        return {0, 0, availableWidth, QFontMetricsF(titleFont()).height() + 2 * documentMargin};
+    return made ? QGraphicsTextItem::boundingRect() : QRectF(QPointF(), unmadeSize);
 }
 
 QPainterPath STNodeName::shape() const
@@ -79,6 +123,7 @@ bool STNodeName::contains(const QPointF &point) const { return boundingRect().co
 
 void STNodeName::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
 {
+    make();
     const QStyleOptionGraphicsItem unframed = TextEditing::withoutFocusFrame(*option);
     if (hasFocus()) {
         focusColor.setAlpha(focusAlpha);
@@ -90,10 +135,10 @@ void STNodeName::paint(QPainter *painter, const QStyleOptionGraphicsItem *option
         QGraphicsTextItem::paint(painter, &unframed, widget);
         return;
     }
-    const double inset = document()->documentMargin();
-    painter->setFont(font());
+    painter->setFont(titleFont());
     painter->setPen(defaultTextColor());
-    painter->drawText(QPointF(inset, inset + QFontMetricsF(font()).ascent()), shortText);
+    painter->drawText(QPointF(documentMargin, documentMargin + QFontMetricsF(titleFont()).ascent()),
+                      shortText);
 }
 
 void STNodeName::mousePressEvent(QGraphicsSceneMouseEvent *event)
@@ -108,6 +153,9 @@ void STNodeName::mousePressEvent(QGraphicsSceneMouseEvent *event)
 
 bool STNodeName::sceneEvent(QEvent *event)
 {
+    // Every item hears when its window comes to the front or leaves it.
+    if (event->type() != QEvent::WindowActivate && event->type() != QEvent::WindowDeactivate)
+        make();
     return TextEditing::claimKeys(event) || QGraphicsTextItem::sceneEvent(event);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "items/textmaking.h"
+
 #include <QColor>
 #include <QGraphicsTextItem>
 
@@ -11,7 +13,12 @@ class STNodeName : public QGraphicsTextItem
     Q_OBJECT
 
 public:
-    explicit STNodeName(QGraphicsItem *parent);
+    explicit STNodeName(QGraphicsItem *parent, TextMaking making = TextMaking::atOnce);
+
+    /// Makes the document and its control if they are still missing.
+    void make();
+    void setTitle(const QString &text);
+    QString getTitle() const;
 
     /// The width in item coordinates that the title may cover while it is not being edited.
     void setAvailableWidth(double width);
@@ -31,10 +38,14 @@ protected:
 private:
     bool isShortened() const { return !editing && !shortText.isNull(); }
     void updateShortText();
+    QSizeF textSize() const;
 
     QColor focusColor{QStringLiteral("#FFFFFF")};
     QColor textColor{QStringLiteral("#F5F5F5")};
     double availableWidth = 0.0; // 0 until the node has laid itself out: no limit
     QString shortText;           // what fits of a title that is too long; null when all of it fits
-    bool editing = false;        // has the focus, with the outline to match
+    bool made = false;
+    QString unmadeTitle; // until it is made
+    QSizeF unmadeSize;
+    bool editing = false; // has the focus, with the outline to match
 };

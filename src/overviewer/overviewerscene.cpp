@@ -1,7 +1,10 @@
 #include "overviewer/overviewerscene.h"
 
+#include "items/newitems.h"
+
 #include <QBrush>
 #include <QDebug>
+#include <QGraphicsSceneMouseEvent>
 
 #include <algorithm>
 #include <utility>
@@ -9,6 +12,8 @@
 namespace {
 /// The panel's rectangle while it has no entries; a null one would mean whatever was ever covered.
 const QRectF emptyPanel(0, 0, 1, 1);
+
+constexpr std::size_t firstScreen = 30; // entries that are made at once
 } // namespace
 
 OverViewerScene::OverViewerScene()
@@ -21,8 +26,6 @@ OverViewerScene::OverViewerScene()
 
 void OverViewerScene::rebuildOvNodes()
 {
-    if (entriesWithheld)
-        return;
     clearOvNodes();
     for (Node *node : storyNodes) {
         if (!showImportantOnly || node->getIsImportant())
@@ -34,11 +37,13 @@ void OverViewerScene::rebuildOvNodes()
 
 void OverViewerScene::addOvNode(Node *node)
 {
-    auto *entry = new OvNode(node);
+    auto *entry = new OvNode(node, TextMaking::whenNeeded);
+    if (ovNodes.size() < firstScreen)
+        entry->make();
     addItem(entry);
     ovNodes.push_back(entry);
     currentOvNode = entry;
-    connect(entry, SIGNAL(s_nodeChanged(OvNode*)), this, SLOT(sl_updateOvNode(OvNode*)));
+    connect(entry, &OvNode::s_nodeChanged, this, &OverViewerScene::sl_updateOvNode);
 }
 
 void OverViewerScene::removeOvNode(OvNode *entry)
@@ -53,12 +58,45 @@ void OverViewerScene::removeOvNode(OvNode *entry)
     delete entry; // no edit of an entry changes the story, so none of its own handlers is running
 }
 
+/// From the last one backwards: the framework numbers its items anew for each one that leaves before others.
 void OverViewerScene::clearOvNodes()
 {
-    const std::vector<OvNode *> entries = ovNodes;
-    for (OvNode *entry : entries)
-        removeOvNode(entry);
-    ovNodes.clear();
+    takeInNewItems(*this); // several stories may come before the event loop runs
+    currentOvNode = nullptr;
+    while (!ovNodes.empty()) {
+        OvNode *last = ovNodes.back();
+        ovNodes.pop_back();
+        removeItem(last);
+        delete last; // no edit of an entry changes the story, so none of its own handlers is running
+    }
+}
+
+/// Entries stand below one another, so those between two heights follow each other.
+void OverViewerScene::makeEntriesIn(double top, double bottom)
+{
+    const auto endsAbove = [](const OvNode *entry, double y) {
+        return entry->y() + entry->boundingRect().bottom() < y;
+    };
+    auto entry = std::lower_bound(ovNodes.begin(), ovNodes.end(), top, endsAbove);
+    for (; entry != ovNodes.end() && (*entry)->y() <= bottom; ++entry)
+        (*entry)->make();
+}
+
+// The items to paint are looked up after this.
+void OverViewerScene::drawBackground(QPainter *painter, const QRectF &rect)
+{
+    makeEntriesIn(rect.top(), rect.bottom());
+    QGraphicsScene::drawBackground(painter, rect);
+}
+
+// A view that was scrolled may get a press before it is painted.
+bool OverViewerScene::event(QEvent *event)
+{
+    if (event->type() == QEvent::GraphicsSceneMousePress) {
+        const double y = static_cast<QGraphicsSceneMouseEvent *>(event)->scenePos().y();
+        makeEntriesIn(y, y);
+    }
+    return QGraphicsScene::event(event);
 }
 
 int OverViewerScene::layoutOvNodes()
@@ -89,19 +127,6 @@ void OverViewerScene::forgetScene(const QGraphicsScene *graph)
 {
     if (!storyNodes.empty() && storyNodes.front()->scene() == graph)
         sl_recieveNodes({});
-}
-
-void OverViewerScene::withholdEntries()
-{
-    clearOvNodes();
-    layoutOvNodes();
-    entriesWithheld = true;
-}
-
-void OverViewerScene::showEntries()
-{
-    entriesWithheld = false;
-    rebuildOvNodes();
 }
 
 void OverViewerScene::sl_recieveNodes(std::vector<Node *> nodes)

@@ -27,10 +27,6 @@ public:
     OvNode *findOvNode(int index);
     /// Empties the panel if it shows the story of `graph`, which is about to go.
     void forgetScene(const QGraphicsScene *graph);
-    /// Empties the panel until showEntries(). Stories that come meanwhile are taken, but the entries are made
-    /// only once: emptying or reading a graph of n events publishes several stories an event.
-    void withholdEntries();
-    void showEntries();
 
 signals:
     /// An entry was edited: its EventData, which stays the entry's, and the index of its node.
@@ -44,8 +40,13 @@ public slots:
     void sl_importanceChanged(Node *node, bool isImportant);
     void sl_setFilter_important(bool show);
 
+protected:
+    bool event(QEvent *event) override;
+    void drawBackground(QPainter *painter, const QRectF &rect) override;
+
 private:
     void rebuildOvNodes();
+    void makeEntriesIn(double top, double bottom);
     void addOvNode(Node *node);
     void removeOvNode(OvNode *entry);
     void clearOvNodes();
@@ -56,5 +57,4 @@ private:
     int spacing = 5; // scene units
     OvNode *currentOvNode = nullptr;
     bool showImportantOnly = false;
-    bool entriesWithheld = false;
 };

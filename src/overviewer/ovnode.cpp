@@ -14,16 +14,37 @@ constexpr double outlineRadius = 15.0;
 constexpr double outlineWidth = 10.0;
 } // namespace
 
-OvNode::OvNode(Node *shownNode)
+OvNode::OvNode(Node *shownNode, TextMaking making)
     : node(shownNode), type(shownNode->getType()), index(shownNode->getIndex()),
       isImportant(shownNode->getIsImportant())
 {
-    if (type == 0) {
-        auto *event = new EventData(nullptr);
-        connect(event, SIGNAL(s_isChanged()), this, SLOT(sl_nodeChanged()));
-        eventData = event;
-    }
+    if (making == TextMaking::atOnce && type == 0)
+        createEventData(making);
     updateFromNode();
+}
+
+EventData *OvNode::createEventData(TextMaking making)
+{
+    auto *event = new EventData(nullptr, making);
+    connect(event, SIGNAL(s_isChanged()), this, SLOT(sl_nodeChanged()));
+    eventData = event;
+    return event;
+}
+
+void OvNode::make()
+{
+    if (eventData || type != 0)
+        return;
+    EventData *event = createEventData(TextMaking::whenNeeded);
+    event->setMeasuredDescription(unmadeText, unmadeOutline);
+    event->setParentItem(this);
+    unmadeText = QString();
+}
+
+QGraphicsItem *OvNode::getEventData() const
+{
+    const_cast<OvNode *>(this)->make(); // the entry is the same for whoever looks
+    return eventData;
 }
 
 OvNode::~OvNode()
@@ -36,19 +57,25 @@ EventData *OvNode::nodeContent() const { return node->getData() ? node->getData(
 
 void OvNode::updateFromNode()
 {
-    if (type != 0)
-        return;
-    auto *shown = dynamic_cast<EventData *>(eventData);
     const EventData *content = nodeContent();
-    if (!shown || !content)
+    if (type != 0 || !content)
         return;
-    shown->setParentItem(this);
-    shown->setDescription(content->getDescription());
+    if (auto *shown = dynamic_cast<EventData *>(eventData)) {
+        shown->setParentItem(this);
+        shown->setDescription(content->getDescription());
+        return;
+    }
+    unmadeText = content->getDescription();
+    if (content->boundingRect() == unmadeOutline)
+        return;
+    aboutToResize();
+    unmadeOutline = content->boundingRect();
+    resized();
 }
 
 void OvNode::sl_nodeChanged() { emit s_nodeChanged(this); }
 
-QRectF OvNode::boundingRect() const { return eventData ? eventData->boundingRect() : QRectF(); }
+QRectF OvNode::boundingRect() const { return eventData ? eventData->boundingRect() : unmadeOutline; }
 
 void OvNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *)
 {

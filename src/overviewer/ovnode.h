@@ -1,9 +1,12 @@
 #pragma once
 
 #include "items/resizeobserver.h"
+#include "items/textmaking.h"
 
 #include <QGraphicsItem>
 #include <QObject>
+#include <QRectF>
+#include <QString>
 
 class EventData;
 class Node;
@@ -16,9 +19,12 @@ class OvNode : public QObject, public QGraphicsItem, public ResizeObserver
 
 public:
     /// `node` is not owned; the panel removes the entry before the node goes.
-    explicit OvNode(Node *node);
+    explicit OvNode(Node *node, TextMaking making = TextMaking::atOnce);
     ~OvNode() override;
 
+    /// Makes the entry's content if it is still missing. A panel of thousands of entries is made anew for
+    /// every edit, and few of them are ever on screen: the others are a text and the size of the node's own.
+    void make();
     /// Takes the description from the node again, without reporting a change.
     void updateFromNode();
 
@@ -26,7 +32,7 @@ public:
     void setIndex(int newIndex) { index = newIndex; }
     void setImportant(bool important) { isImportant = important; }
     /// The entry's own content, an EventData; owned by the entry. Null for a node that is no event.
-    QGraphicsItem *getEventData() const { return eventData; }
+    QGraphicsItem *getEventData() const;
 
     QRectF boundingRect() const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
@@ -42,9 +48,12 @@ public slots:
 
 private:
     EventData *nodeContent() const;
+    EventData *createEventData(TextMaking making);
 
     Node *node;
     QGraphicsItem *eventData = nullptr;
+    QString unmadeText;   // until it is made
+    QRectF unmadeOutline; // item coordinates
     int type;
     int index;
     bool isImportant;

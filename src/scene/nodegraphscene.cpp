@@ -2,6 +2,7 @@
 
 #include "commands/addnodecommand.h"
 #include "items/nodedata.h"
+#include "scene/massremoval.h"
 #include "scene/viewroom.h"
 
 #include <QBrush>
@@ -29,6 +30,20 @@ NodegraphScene::NodegraphScene()
     setBackgroundBrush(backgroundColor);
     setSceneRect(QRectF(0, 0, canvasSize, canvasSize));
     createSelectionRect();
+}
+
+NodegraphScene::~NodegraphScene()
+{
+    // The base would take the items out from the front.
+    massRemovals = 1;
+    for (Node *node : nodes) {
+        takeOut(node);
+        if (ConnectionLine *line = node->getInLine())
+            takeOut(line);
+    }
+    const std::vector<QGraphicsItem *> all = leaving;
+    takeOutLeaving();
+    qDeleteAll(all);
 }
 
 void NodegraphScene::createSelectionRect()
@@ -91,10 +106,11 @@ Node *NodegraphScene::restoreNode(QPointF pos, int index, int type, const NodeDa
     return node;
 }
 
-Node *NodegraphScene::buildNode(QPointF pos, int index, int type, const NodeData *data, const QString &name)
+Node *NodegraphScene::buildNode(QPointF pos, int index, int type, const NodeData *data, const QString &name,
+                                TextMaking making)
 {
-    auto *node = new Node(type);
-    addItem(node);
+    auto *node = new Node(type, making);
+    bringIn(node);
     wireNode(node);
     node->setPos(pos);
     if (!name.isEmpty())
@@ -189,18 +205,23 @@ void NodegraphScene::sl_importanceChanged(Node *node, bool isImportant)
     emit s_importanceChanged(node, isImportant);
 }
 
-void NodegraphScene::clear()
+void NodegraphScene::removeAllNodes()
 {
-    // The first deletion takes the whole selection with it, so each node may already be gone.
-    const std::vector<QPointer<Node>> all(nodes.begin(), nodes.end());
-    for (const QPointer<Node> &node : all) {
-        if (!node || node->scene() != this)
+    const MassRemoval together(*this);
+    const std::vector<Node *> all = nodes;
+    for (Node *node : all) {
+        if (!isMember(node)) // the first deletion takes the whole selection with it
             continue;
         qInfo() << "clearing scene";
         deleteSelectedNodes(node);
     }
     while (!nodes.empty()) // nobody took the commands
         deleteNode(nodes.back());
+}
+
+void NodegraphScene::clear()
+{
+    removeAllNodes();
     selectedNodes.clear();
     selectionRect->setRect(QRectF());
     selectInRubberBand();

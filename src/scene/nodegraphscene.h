@@ -7,6 +7,7 @@
 
 #include <QColor>
 #include <QGraphicsScene>
+#include <QHash>
 
 #include <map>
 #include <vector>
@@ -31,13 +32,18 @@ class NodegraphScene : public QGraphicsScene
 
 public:
     NodegraphScene();
+    ~NodegraphScene() override;
 
     /// All nodes in the order of their creation; owned by this scene.
     const std::vector<Node *> &getNodes() const { return nodes; }
     /// What select all and the rubber band have collected; not the items' own selected state.
     const std::vector<Node *> &getSelectedNodes() const { return selectedNodes; }
     /// The chain from the first event to the end of the story.
-    const std::vector<Node *> &getStory() const { return story; }
+    const std::vector<Node *> &getStory() const;
+    /// The line that follows the mouse, null while none is dragged.
+    const ConnectionLine *getDragLine() const { return dragLine; }
+    /// The rubber band; its rectangle is empty while there is none.
+    const QGraphicsRectItem &getSelectionRect() const { return *selectionRect; }
     /// The node that last reported itself pressed, null when there is none.
     Node *currentNode() const { return currentNode_; }
     /// The node that carries the mark, null when there is none.
@@ -115,12 +121,21 @@ protected:
     void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;
 
 private:
-    Node *buildNode(QPointF pos, int index, int type, const NodeData *data, const QString &name);
+    class MassRemoval;
+
+    void bringIn(QGraphicsItem *item);
+    void takeOut(QGraphicsItem *item);
+    void takeOutLeaving();
+    bool isMember(const Node *node) const { return nodesByIndex.contains(node); }
+
+    Node *buildNode(QPointF pos, int index, int type, const NodeData *data, const QString &name,
+                    TextMaking making = TextMaking::atOnce);
     void wireNode(Node *node);
     int freeIndex(int wanted, const Node *node) const;
     void attachToCurrentNode(Node *newNode);
     void forgetNode(Node *node);
     void createSelectionRect();
+    void removeAllNodes();
     QPointF pointerPosition() const;
     void bringIntoSight(const Node *node) const;
 
@@ -149,7 +164,8 @@ private:
     std::vector<Node *> nodes;
     std::vector<Node *> selectedNodes;
     std::vector<Node *> clipboardNodes;
-    std::vector<Node *> story;
+    mutable std::vector<Node *> story; // computed when somebody asks
+    mutable bool storyIsKnown = true;
     QColor backgroundColor;
     QColor selectionColor;
     QPointF lastMousePos;
@@ -165,5 +181,9 @@ private:
     Node *endOfStoryNode_ = nullptr;
 
     NodeIndexMap nodesByIndex;
+    QHash<const QGraphicsItem *, quint64> arrivals; // when nodes and lines came, for leaving in reverse
+    quint64 nextArrival = 0;
+    std::vector<QGraphicsItem *> leaving; // taken out at the end of a mass removal
+    int massRemovals = 0;
     bool mouseSeen = false; // lastMousePos means something
 };

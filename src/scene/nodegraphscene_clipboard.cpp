@@ -2,9 +2,9 @@
 
 #include "commands/addnodecommand.h"
 #include "items/nodedata.h"
+#include "scene/massremoval.h"
 
 #include <QDebug>
-#include <QPointer>
 
 #include <cmath>
 
@@ -124,13 +124,13 @@ void NodegraphScene::connectDuplicates(const std::vector<Node *> &sources, const
 /// The first deletion takes a whole selection with it, so a source may already be gone, or may stay.
 void NodegraphScene::deleteSources(const std::vector<Node *> &sources)
 {
-    const std::vector<QPointer<Node>> remaining(sources.begin(), sources.end());
-    for (const QPointer<Node> &source : remaining) {
-        if (source && source->scene() == this)
+    const MassRemoval together(*this);
+    for (Node *source : sources) {
+        if (isMember(source))
             deleteSelectedNodes(source);
     }
-    for (const QPointer<Node> &source : remaining) {
-        if (source && source->scene() == this)
+    for (Node *source : sources) {
+        if (isMember(source))
             setNodeShown(source, true);
     }
 }

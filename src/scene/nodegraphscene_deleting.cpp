@@ -1,6 +1,8 @@
 #include "scene/nodegraphscene.h"
 
 #include "commands/delnodecommand.h"
+#include "items/newitems.h"
+#include "scene/massremoval.h"
 
 #include <QDebug>
 #include <QPointer>
@@ -19,9 +21,10 @@ void NodegraphScene::deleteSelectedNodes(Node *node)
         pushDelNodeCommand(node);
         return;
     }
-    const std::vector<QPointer<Node>> selection(selectedNodes.begin(), selectedNodes.end());
-    for (const QPointer<Node> &selected : selection) {
-        if (selected && selected->scene() == this)
+    const MassRemoval together(*this);
+    const std::vector<Node *> selection = selectedNodes;
+    for (Node *selected : selection) {
+        if (isMember(selected))
             pushDelNodeCommand(selected);
     }
 }
@@ -47,7 +50,7 @@ void NodegraphScene::deleteNode(Node *node)
     qInfo() << "Deleted node " << node->getIndex();
     forgetNode(node);
     node->disconnect(this);
-    removeItem(node);
+    takeOut(node);
     node->deleteLater(); // its own press or key may have led here
     updateStory();
 }
@@ -55,7 +58,8 @@ void NodegraphScene::deleteNode(Node *node)
 /// The one place where a dying node leaves everything that the scene remembers.
 void NodegraphScene::forgetNode(Node *node)
 {
-    for (std::vector<Node *> *list : {&nodes, &story, &selectedNodes, &clipboardNodes}) {
+    storyIsKnown = false;
+    for (std::vector<Node *> *list : {&nodes, &selectedNodes, &clipboardNodes}) {
         const auto found = std::find(list->begin(), list->end(), node);
         if (found != list->end())
             list->erase(found);
@@ -67,4 +71,33 @@ void NodegraphScene::forgetNode(Node *node)
         endOfStoryNode_ = nullptr;
     if (dragSocket && dragSocket->parentItem() == node)
         endDrag();
+}
+
+void NodegraphScene::bringIn(QGraphicsItem *item)
+{
+    addItem(item);
+    arrivals.insert(item, nextArrival++);
+}
+
+void NodegraphScene::takeOut(QGraphicsItem *item)
+{
+    if (massRemovals > 0) {
+        leaving.push_back(item);
+        return;
+    }
+    arrivals.remove(item);
+    removeItem(item);
+}
+
+void NodegraphScene::takeOutLeaving()
+{
+    takeInNewItems(*this);
+    std::sort(leaving.begin(), leaving.end(), [this](const QGraphicsItem *a, const QGraphicsItem *b) {
+        return arrivals.value(a) > arrivals.value(b);
+    });
+    for (QGraphicsItem *item : leaving) {
+        arrivals.remove(item);
+        removeItem(item);
+    }
+    leaving.clear();
 }

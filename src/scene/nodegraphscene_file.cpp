@@ -10,6 +10,7 @@
 
 namespace {
 constexpr double framingMargin = 50;
+constexpr int firstScreen = 100;     // events whose texts are made while they are read
 constexpr int mostBlankNodes = 1000; // made for records that a damaged file announces but does not hold
 
 /// The name of the file that is being read, empty if it is none.
@@ -66,7 +67,9 @@ std::vector<Node *> NodegraphScene::readRecords(QDataStream &stream, int count)
         QString typeTag; // every node is an event, whatever the tag says
         stream >> typeTag;
         const int provisionalIndex = nodeCounter++;
-        createNode(QPointF(0, 0), provisionalIndex, 0, nullptr, QString());
+        const TextMaking making = i < firstScreen ? TextMaking::atOnce : TextMaking::whenNeeded;
+        attachToCurrentNode(buildNode(QPointF(0, 0), provisionalIndex, 0, nullptr, QString(), making));
+        updateStory();
         // By the provisional index, not the new node itself: see recordOrder(), which writing relies on.
         Node *node = findNodeByIndex(provisionalIndex);
         node->openFromStream(stream);

@@ -4,23 +4,32 @@
 #include "items/nodedata.h"
 
 #include <QDebug>
+#include <QMetaMethod>
 
 #include <algorithm>
 
 void NodegraphScene::updateStory()
 {
-    story.clear();
-    if (!endOfStoryNode_) {
+    storyIsKnown = false;
+    if (!endOfStoryNode_)
         qInfo() << "No storyNode";
-        emit s_updateStory(story);
-        return;
-    }
+    // Emptying a graph changes its story with every event; if nobody listens it need not be known each time.
+    static const QMetaMethod published = QMetaMethod::fromSignal(&NodegraphScene::s_updateStory);
+    if (isSignalConnected(published))
+        emit s_updateStory(getStory());
+}
+
+const std::vector<Node *> &NodegraphScene::getStory() const
+{
+    if (storyIsKnown)
+        return story;
+    storyIsKnown = true;
+    story.clear();
     // No connection can close a cycle, so the walk ends.
-    story.push_back(endOfStoryNode_);
-    while (story.back()->hasInput())
-        story.push_back(story.back()->prevNode());
+    for (Node *node = endOfStoryNode_; node; node = node->hasInput() ? node->prevNode() : nullptr)
+        story.push_back(node);
     std::reverse(story.begin(), story.end());
-    emit s_updateStory(story);
+    return story;
 }
 
 void NodegraphScene::setEndOfStoryNode()
@@ -52,7 +61,7 @@ void NodegraphScene::toggleImportance(Node *node)
 void NodegraphScene::sl_nodeChanged(Node *node)
 {
     // Copied: whoever hears of the change may make the story change.
-    const auto occurrences = std::count(story.begin(), story.end(), node);
+    const auto occurrences = std::count(getStory().begin(), getStory().end(), node);
     for (auto i = occurrences; i > 0; --i)
         emit s_updateNode(node);
 }

@@ -19,6 +19,7 @@ public:
     void reindex(Node *node, int index);
     void remove(Node *node);
     void clear();
+    bool contains(const Node *node) const { return keys.contains(node); }
 
     /// The oldest node with that index, null if there is none.
     Node *first(int index) const;

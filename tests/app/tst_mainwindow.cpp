@@ -54,6 +54,7 @@ private slots:
     void filterButtonFiltersThePanel();
 
     void newForgetsThePanelsStory();
+    void panelIsMadeOnceWhenManyEventsGo();
     void sceneGoesWithItsView();
     void panelLetsGoOfAViewThatDies();
     void everythingGoesWithTheWindow();
@@ -323,6 +324,35 @@ void tst_MainWindow::newForgetsThePanelsStory()
     QVERIFY(!node);
     QCOMPARE(panelTexts(window), QStringList());
     QTest::mouseClick(buttonOf(window, "F1_button"), Qt::LeftButton); // lists the story anew
+    QCOMPARE(panelTexts(window), QStringList());
+}
+
+// Made anew for each event that goes, the panel took eighteen seconds for three hundred of them.
+void tst_MainWindow::panelIsMadeOnceWhenManyEventsGo()
+{
+    MainWindow window;
+    NodegraphScene *scene = sceneOf(window, 0);
+    addChain(*scene, 4);
+    QCOMPARE(panelTexts(window).size(), 4);
+    window.sl_selectAll();
+    {
+        const LogCapture log;
+        window.sl_delete();
+        QCOMPARE(panelRebuilds(log), 1);
+    }
+    QCOMPARE(panelTexts(window), QStringList());
+    for (int i = 0; i < 4; ++i)
+        window.sl_undo();
+    QCOMPARE(panelTexts(window).size(), 4);
+    scene->deselectAll();
+    scene->sl_selectCurrentNode(scene->endOfStoryNode());
+    window.addEventNode(); // still listed
+    QCOMPARE(panelTexts(window).size(), 5);
+    {
+        const LogCapture log;
+        window.clearTabs();
+        QCOMPARE(panelRebuilds(log), 1);
+    }
     QCOMPARE(panelTexts(window), QStringList());
 }
 

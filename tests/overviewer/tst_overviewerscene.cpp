@@ -147,7 +147,6 @@ private slots:
     void findsTheFirstEntryOfAnIndex();
     void forgetsAStoryWhoseSceneGoes();
     void keepsAStoryWhenAnotherSceneGoes();
-    void withheldEntriesAreMadeOnceAtTheEnd();
 };
 
 void tst_OverviewerScene::hasExactlyItsMethods()
@@ -600,29 +599,6 @@ void tst_OverviewerScene::keepsAStoryWhenAnotherSceneGoes()
     OverViewerScene empty;
     empty.forgetScene(&other);
     QVERIFY(empty.getOvNodes().empty());
-}
-
-// Emptying three hundred events took eighteen seconds while the panel was made anew for each of them.
-void tst_OverviewerScene::withheldEntriesAreMadeOnceAtTheEnd()
-{
-    Story story(4);
-    const auto before = watch(story.panel);
-    story.panel.withholdEntries();
-    QVERIFY(allGone(before));
-    QCOMPARE(indices(story.panel), QList<int>());
-    LogCapture log;
-    story.graph.setEndOfStory(story.nodes[1]);
-    story.graph.toggleImportance(story.nodes[0]);
-    story.graph.setEndOfStory(story.nodes[2]);
-    QCOMPARE(indices(story.panel), QList<int>());
-    QCOMPARE(story.panel.sceneRect(), QRectF(0, 0, 1, 1));
-
-    story.panel.showEntries();
-    QCOMPARE(indices(story.panel), QList<int>({0, 1, 2}));
-    QCOMPARE(log.lines().filter(QStringLiteral("No of ovnodes now: ")).size(), 1);
-    verifyStacked(story.panel);
-    story.graph.setEndOfStory(story.nodes[3]);
-    QCOMPARE(indices(story.panel), QList<int>({0, 1, 2, 3}));
 }
 
 QTEST_MAIN(tst_OverviewerScene)
