@@ -2,6 +2,7 @@
 
 #include "scene/nodegraphscene.h"
 #include "scene/viewroom.h"
+#include "view/overview.h"
 
 #include <QContextMenuEvent>
 #include <QDebug>
@@ -9,6 +10,8 @@
 #include <QGestureEvent>
 #include <QGuiApplication>
 #include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
 #include <QPinchGesture>
 #include <QScrollBar>
 #include <QTimer>
@@ -130,6 +133,21 @@ void NodegraphView::mouseReleaseEvent(QMouseEvent *event)
         panAnchor = QPointF();
     }
     QGraphicsView::mouseReleaseEvent(event);
+}
+
+void NodegraphView::paintEvent(QPaintEvent *event)
+{
+    const double scale = std::abs(transform().m11());
+    if (scene() != nodegraphScene_ || !Overview::isMeantFor(scale)) {
+        QGraphicsView::paintEvent(event);
+        return;
+    }
+    const QRectF exposed = mapToScene(event->rect()).boundingRect();
+    QPainter painter(viewport());
+    painter.setRenderHints(renderHints());
+    painter.setWorldTransform(viewportTransform());
+    drawBackground(&painter, exposed);
+    Overview::paint(painter, *nodegraphScene_, exposed, scale);
 }
 
 bool NodegraphView::event(QEvent *event)
