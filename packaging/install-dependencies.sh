@@ -2,13 +2,13 @@
 # Makes sure that the Debian packages for one purpose are installed:
 #   run    building and starting the application
 #   test   running its tests as well (virtual display, window manager, synthetic input)
-#   ci     the further checks of .ci/run as well (formatter, linter, sanitizers)
+#   ci     the further checks of .ci/run as well (formatter, linter, sanitizers, fuzzing, coverage)
 # Silent and quick when nothing is missing. When something is and cannot be installed, says so and fails.
 set -euo pipefail
 
 run_packages=(g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools libqt6svg6 fonts-dejavu-core)
 test_packages=(xvfb xauth openbox xdotool imagemagick x11-utils)
-ci_packages=(clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev git)
+ci_packages=(clang-14 clang-format-14 clang-tidy-14 gcovr git libclang-rt-14-dev)
 
 case "${1:-}" in
     run) wanted=("${run_packages[@]}") ;;
