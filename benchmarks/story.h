@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+class MainWindow;
+class Node;
+class NodegraphScene;
+class NodegraphView;
+class OverViewerScene;
+class QGraphicsView;
+
+/// Writes a scene file with one tab: so many events in one chain, 300 characters each, a hundred in a row.
+void writeStory(const QString &path, int events);
+
+/// The program's window with a story in it, on a screen of its usual size.
+class StoryWindow : public QObject
+{
+public:
+    StoryWindow();
+    ~StoryWindow() override;
+
+    MainWindow &window() { return *main; }
+    NodegraphView *view() const;
+    NodegraphScene *scene() const;
+    OverViewerScene *panel() const;
+    QGraphicsView *panelView() const;
+    Node *node(double part) const; // 0 the first, 1 the last
+
+    /// Until whatever was changed is on the screen, the canvas and the panel both.
+    void show();
+    /// Looks at a node at 100 %.
+    void lookAt(Node *node);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    MainWindow *main;
+    int canvasPaints = 0;
+    int panelPaints = 0;
+};

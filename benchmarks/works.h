@@ -1,0 +1,42 @@
+#pragma once
+
+#include "measure.h"
+#include "story.h"
+
+#include <QTemporaryDir>
+#include <QVector>
+
+#include <functional>
+#include <memory>
+
+/// Everything that is measured on a story of one size.
+class Works
+{
+public:
+    Works(int events, int rounds);
+
+    QVector<Row> measured(double unit);
+
+private:
+    using Step = std::function<void()>;
+
+    /// The median of all rounds; `before` is not measured.
+    void add(const QString &work, const Step &before, const Step &step, int times = 0);
+    void addPair(const QString &there, const Step &go, const QString &back, const Step &comeBack);
+    void memory();
+    void documents();
+    void edits();
+    void editsBack();
+    void connections();
+    void typing();
+    void looking();
+    void everything();
+    void emptying();
+
+    int events;
+    int rounds;
+    QTemporaryDir folder;
+    QString path;
+    std::unique_ptr<StoryWindow> story;
+    QVector<Row> rows;
+};
