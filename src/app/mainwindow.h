@@ -10,7 +10,6 @@ class NodegraphScene;
 class NodegraphView;
 class OverViewerScene;
 class QFile;
-class QSaveFile;
 
 namespace Ui {
 class MainWindow;
@@ -87,7 +86,7 @@ private:
     void hideStoryOf(NodegraphScene *scene);
 
     QString askForSavePath();
-    QString writeDocument(QSaveFile &file) const;
+    QByteArray document() const;
     void readDocument(QFile &file);
     void setZoom(double scale);
 

@@ -1,12 +1,13 @@
 #include "app/mainwindow.h"
 
 #include "app/documentstream.h"
-#include "app/durablecommit.h"
+#include "app/durablefile.h"
 #include "overviewer/overviewerscene.h"
 #include "scene/nodegraphscene.h"
 #include "ui_mainwindow.h"
 #include "view/nodegraphview.h"
 
+#include <QBuffer>
 #include <QCloseEvent>
 #include <QDateTime>
 #include <QDebug>
@@ -15,7 +16,6 @@
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QPointer>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -53,27 +53,27 @@ void MainWindow::sl_saveAsFile()
 
 void MainWindow::saveTo(const QString &path)
 {
-    QSaveFile file(path);
-    file.setDirectWriteFallback(true); // a writable file in a folder that is not
-    if (!file.open(QIODevice::WriteOnly)) {
+    DurableFile file(path);
+    if (!file.open()) {
         qWarning() << "Couldn't open file for writing.";
         return;
     }
     qInfo() << "Tabs to save" << views.size();
-    if (const QString trouble = writeDocument(file); !trouble.isEmpty())
+    if (const QString trouble = file.replaceBy(document()); !trouble.isEmpty())
         qWarning() << "Couldn't write the scene file:" << path << trouble;
 }
 
-/// Writes all tabs and puts the file in its place; returns why that failed, empty if it did not.
-QString MainWindow::writeDocument(QSaveFile &file) const
+/// The bytes of all tabs.
+QByteArray MainWindow::document() const
 {
-    DocumentStream stream(&file);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    DocumentStream stream(&buffer);
     stream << qint32(views.size());
     for (const NodegraphView *view : views)
         view->nodegraphScene()->saveSceneToFile(stream);
-    if (stream.status() != QDataStream::Ok)
-        return file.errorString();
-    return commitDurably(file);
+    return bytes;
 }
 
 void MainWindow::clearTabs()
@@ -185,13 +185,12 @@ void MainWindow::autosave()
     const QString path = documents + QLatin1Char('/') + folder + QDir::separator() +
                          QStringLiteral("Yarnsmith_") + stamp + QStringLiteral("_autosaveVersion.scene");
 
-    QSaveFile file(path);
-    file.setDirectWriteFallback(true);
-    if (!file.open(QIODevice::WriteOnly)) {
+    DurableFile file(path);
+    if (!file.open()) {
         qWarning() << "Failed to open autosave file for writing:" << path;
         return;
     }
-    if (const QString trouble = writeDocument(file); !trouble.isEmpty()) {
+    if (const QString trouble = file.replaceBy(document()); !trouble.isEmpty()) {
         qWarning() << "Failed to write autosave file:" << path << trouble;
         return;
     }

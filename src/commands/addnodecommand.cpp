@@ -57,8 +57,7 @@ void AddNodeCommand::undo()
     if (!node)
         return;
     hadEndMark = node->getIsEndOfStory();
-    removal =
-        std::make_unique<DelNodeCommand>(scene, node->scenePos(), index, node->getData(), node->getTitle());
+    removal = std::make_unique<DelNodeCommand>(scene, node->pos(), index, node->getData(), node->getTitle());
     scene->deleteNode(node);
     Node *formerEnd = hadEndMark && formerEndIndex ? scene->findNodeByIndex(*formerEndIndex) : nullptr;
     if (formerEnd)

@@ -23,8 +23,16 @@ DelNodeCommand::DelNodeCommand(NodegraphScene *editedScene, const QPointF &posit
       description(descriptionOf(data)), name(title)
 {
     setText(QObject::tr("Delete Node"));
-    node = scene->findNodeByIndex(index);
+    // In a damaged file several nodes may have that index; the payload tells which of them is meant.
+    node = dynamic_cast<Node *>(data->parentItem());
+    node = meantNode();
     captureLinksAndMarks();
+}
+
+/// The known node if it is still there with the index, else whichever has it.
+Node *DelNodeCommand::meantNode() const
+{
+    return scene->isMember(node) && node->getIndex() == index ? node.data() : scene->findNodeByIndex(index);
 }
 
 void DelNodeCommand::captureLinksAndMarks()
@@ -50,7 +58,7 @@ void DelNodeCommand::captureLinksAndMarks()
 /// The user may have typed, moved or connected since the node came back; none of that may be lost.
 void DelNodeCommand::captureAgain()
 {
-    pos = node->scenePos();
+    pos = node->pos(); // scenePos() would lose the sign of a zero
     name = node->getTitle();
     description = descriptionOf(node->getData());
     captureLinksAndMarks();
@@ -58,7 +66,7 @@ void DelNodeCommand::captureAgain()
 
 void DelNodeCommand::redo()
 {
-    node = scene->findNodeByIndex(index);
+    node = meantNode();
     if (!node)
         return;
     if (undone)

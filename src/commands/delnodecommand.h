@@ -28,6 +28,7 @@ public:
     int nodeIndex() const { return index; }
 
 private:
+    Node *meantNode() const;
     void captureLinksAndMarks();
     void captureAgain();
     void restoreLinks();

@@ -227,9 +227,17 @@ void Node::sl_socketClickRelease() { emit s_socketClickRelease(); }
 
 void Node::sl_changed() { emit s_changed(this); }
 
+void Node::placeAt(const QPointF &place)
+{
+    // The framework takes a place that is almost the present one for the same, so one that is neither comes
+    // between.
+    setPos(place.x() > 0 ? -1 : 1, place.y() > 0 ? -1 : 1);
+    setPos(place);
+}
+
 void Node::saveToStream(QDataStream &stream)
 {
-    stream << getTitle() << scenePos() << qint32(index) << qint32(prevIndex) << qint32(isEndOfStory ? 1 : 0)
+    stream << getTitle() << pos() << qint32(index) << qint32(prevIndex) << qint32(isEndOfStory ? 1 : 0)
            << qint32(isImportant ? 1 : 0);
     emit data->s_saveToFile(stream);
 }
@@ -246,7 +254,8 @@ void Node::openFromStream(QDataStream &stream)
     data->sl_openFromFile(stream);
 
     nameItem->setTitle(title);
-    setPos(finiteCoordinate(position.x(), storedIndex), finiteCoordinate(position.y(), storedIndex));
+    placeAt(
+        QPointF(finiteCoordinate(position.x(), storedIndex), finiteCoordinate(position.y(), storedIndex)));
     setIndex(storedIndex);
     // Told once more, so that a record whose index is the node's own is announced as well.
     emit s_indexChanged(this, storedIndex);

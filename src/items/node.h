@@ -79,6 +79,9 @@ public:
     /// Puts the ends of all attached lines on the sockets' middles.
     void updateLines();
 
+    /// Moves the node to exactly that place, in scene coordinates.
+    void placeAt(const QPointF &place);
+
     /// Write and read the node's record: title, position, index, upstream index, marks, payload.
     void saveToStream(QDataStream &stream);
     void openFromStream(QDataStream &stream);

@@ -91,7 +91,7 @@ void STLineEdit::keepUnmade(const QString &text, const QRectF &newRect)
         textListener();
 }
 
-QString STLineEdit::getText() const { return made ? toPlainText() : unmadeText; }
+QString STLineEdit::getText() const { return made ? TextEditing::exactText(*this) : unmadeText; }
 
 void STLineEdit::textChanged()
 {

@@ -12,6 +12,8 @@
 #include <QTextCursor>
 #include <QTextDocument>
 
+#include <algorithm>
+
 namespace {
 constexpr int focusAlpha = 38;
 constexpr double focusRadius = 5.0;
@@ -72,7 +74,7 @@ void STNodeName::setTitle(const QString &text)
     updateShortText();
 }
 
-QString STNodeName::getTitle() const { return made ? toPlainText() : unmadeTitle; }
+QString STNodeName::getTitle() const { return made ? TextEditing::exactText(*this) : unmadeTitle; }
 
 /// That of the whole title.
 QSizeF STNodeName::textSize() const { return made ? document()->size() : unmadeSize; }
@@ -91,7 +93,11 @@ void STNodeName::updateShortText()
     const QString text = getTitle();
     const double room = availableWidth - 2 * documentMargin;
     const QFontMetricsF metrics(titleFont());
-    const QString firstLine = text.section(QLatin1Char('\n'), 0, 0);
+    const auto endsLine = [](QChar unit) {
+        return unit == QLatin1Char('\n') || unit == QChar::LineSeparator;
+    };
+    const QString firstLine(text.cbegin(),
+                            std::find_if(text.cbegin(), text.cend(), endsLine) - text.cbegin());
     QString shortened;
     if (room > 0 && firstLine.size() < text.size())
         shortened = metrics.elidedText(firstLine + QChar(0x2026), Qt::ElideRight, room);

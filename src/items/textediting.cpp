@@ -41,6 +41,11 @@ bool redoByKey(QGraphicsTextItem &item, QKeyEvent *event)
     return true;
 }
 
+QString exactText(const QGraphicsTextItem &item)
+{
+    return item.document()->toRawText().replace(QChar(QChar::ParagraphSeparator), QLatin1Char('\n'));
+}
+
 void clearSelection(QGraphicsTextItem &item)
 {
     QTextCursor cursor = item.textCursor();

@@ -16,6 +16,9 @@ void takePlainTextOnly(QGraphicsTextItem &item);
 bool claimKeys(QEvent *event);
 /// Carries out Ctrl+Y, which the text itself knows only on some systems. True if the event was that key.
 bool redoByKey(QGraphicsTextItem &item, QKeyEvent *event);
+/// The text of an item, unit for unit, with a line feed between paragraphs. The item's own toPlainText()
+/// would turn no-break spaces into spaces and line separators into line feeds.
+QString exactText(const QGraphicsTextItem &item);
 /// Ends the selection and leaves the cursor where it is.
 void clearSelection(QGraphicsTextItem &item);
 /// The option without the focus, so that no dashed frame is drawn around the text.

@@ -112,7 +112,7 @@ Node *NodegraphScene::buildNode(QPointF pos, int index, int type, const NodeData
     auto *node = new Node(type, making);
     bringIn(node);
     wireNode(node);
-    node->setPos(pos);
+    node->placeAt(pos);
     if (!name.isEmpty())
         node->setNodeName(name);
     if (data)

@@ -55,6 +55,8 @@ public:
     void createNode(QPointF pos, int index, int type, const NodeData *data, const QString &name);
     /// Makes a node just as told, whichever node is current: for bringing back one that was there before.
     Node *restoreNode(QPointF pos, int index, int type, const NodeData *data, const QString &name);
+    /// Whether that node, which may be gone, is one of this scene's.
+    bool isMember(const Node *node) const { return nodesByIndex.contains(node); }
     /// The first node with that index, null if there is none.
     Node *findNodeByIndex(int index) const;
     /// Feeds the input of `downstream` from the output of `upstream`, replacing what fed it. Nothing happens
@@ -126,8 +128,6 @@ private:
     void bringIn(QGraphicsItem *item);
     void takeOut(QGraphicsItem *item);
     void takeOutLeaving();
-    bool isMember(const Node *node) const { return nodesByIndex.contains(node); }
-
     Node *buildNode(QPointF pos, int index, int type, const NodeData *data, const QString &name,
                     TextMaking making = TextMaking::atOnce);
     void wireNode(Node *node);

@@ -33,7 +33,7 @@ void NodegraphScene::pushDelNodeCommand(Node *node)
 {
     qInfo() << "Del";
     emit s_UndoCommandAdded(
-        new DelNodeCommand(this, node->scenePos(), node->getIndex(), node->getData(), node->getTitle()));
+        new DelNodeCommand(this, node->pos(), node->getIndex(), node->getData(), node->getTitle()));
 }
 
 void NodegraphScene::deleteNode(Node *node)

@@ -204,8 +204,11 @@ void NodegraphView::sl_frameOnSelectedNodes(QRectF bounds)
     frame(bounds);
 }
 
-void NodegraphView::frame(const QRectF &bounds)
+void NodegraphView::frame(const QRectF &wanted)
 {
+    // A damaged file may hold places so far apart that their distance is no number.
+    constexpr double farthest = 1e300;
+    const QRectF bounds = wanted & QRectF(QPointF(-farthest, -farthest), QPointF(farthest, farthest));
     if (!bounds.isNull())
         makeRoomFor(*this, bounds);
     fitInView(bounds, Qt::KeepAspectRatio);

@@ -54,7 +54,7 @@ private:
     bool handleGesture(QGestureEvent *event);
     void pan(const QPoint &position);
     void keepUnder(const QPoint &position);
-    void frame(const QRectF &bounds);
+    void frame(const QRectF &wanted);
     void frameAgain();
     void noteRestingMouse(const QPointF &globalPos);
 

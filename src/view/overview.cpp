@@ -26,8 +26,9 @@ void paintLine(QPainter &painter, const ConnectionLine &line, const QRectF &expo
     const QPainterPath path = line.path();
     const QRectF covered = path.controlPointRect();
     QPen pen = line.QGraphicsPathItem::pen();
-    pen.setWidthF(std::max(pen.widthF(), 1.0 / scale)); // however far away, a pixel
-    const double half = pen.widthF() / 2;
+    const double half = std::max(pen.widthF(), 1.0 / scale) / 2;
+    pen.setCosmetic(true);
+    pen.setWidthF(std::max(pen.widthF() * scale, 1.0)); // however far away, a pixel
     if (!covered.adjusted(-half, -half, half, half).intersects(exposed))
         return;
     painter.setPen(pen);
