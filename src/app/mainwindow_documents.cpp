@@ -14,6 +14,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QPointer>
 #include <QStandardPaths>
@@ -23,6 +24,49 @@
 namespace {
 
 constexpr QMessageBox::StandardButtons answers = QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+
+/// Moves behind a text as reading it does: an odd length is given up, one beyond the end takes what is left.
+void skipText(QDataStream &stream)
+{
+    constexpr quint32 nullText = 0xFFFFFFFF;
+    quint32 length = 0;
+    stream >> length;
+    if (length != nullText && length % 2 == 0)
+        stream.skipRawData(static_cast<int>(qMin<qint64>(length, stream.device()->bytesAvailable())));
+}
+
+/// How many tabs there are up to the last one with an event; leaves the file where it is.
+qint64 tabsWithEvents(QFile &file)
+{
+    constexpr int numbersOfANode = 2 * 8 + 4 * 4; // bytes: its place, two indices and two marks
+    const qint64 place = file.pos();
+    DocumentStream stream(&file);
+    qint64 last = 0;
+    for (qint64 tab = 1; !stream.atEnd(); ++tab) {
+        qint32 nodes = 0;
+        stream >> nodes;
+        if (nodes > 0)
+            last = tab;
+        for (qint32 i = 0; i < nodes && !stream.atEnd(); ++i) {
+            skipText(stream); // the tag
+            skipText(stream);
+            stream.skipRawData(numbersOfANode);
+            skipText(stream);
+        }
+    }
+    file.seek(place);
+    return last;
+}
+
+/// Every tab takes four bytes at least; a count beyond that is damage, and the empty tabs would never end.
+/// Nor do they in a file of many thousand empty ones: Qt lays all tabs out anew for each that comes.
+qint64 mostTabsOf(QFile &file)
+{
+    constexpr qint64 many = 100;
+    constexpr qint64 spare = 16;
+    const qint64 most = file.size() / 4 + spare;
+    return most <= many ? most : qMin(most, qMax(many, tabsWithEvents(file) + spare));
+}
 
 } // namespace
 
@@ -103,7 +147,8 @@ void MainWindow::sl_loadFile()
 void MainWindow::loadFrom(const QString &path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    // A pipe would let the program wait for whoever writes into it.
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
         qWarning() << "Couldn't open file for reading.";
         return;
     }
@@ -115,12 +160,11 @@ void MainWindow::loadFrom(const QString &path)
 
 void MainWindow::readDocument(QFile &file)
 {
-    // Every tab takes four bytes at least; a count beyond that is damage, and the empty tabs would never end.
-    const qint64 mostTabs = file.size() / 4 + 16;
     DocumentStream stream(&file);
     qint32 count = 0;
     stream >> count;
     qInfo() << "Tabs to open" << count;
+    const qint64 mostTabs = mostTabsOf(file);
     if (count > mostTabs) {
         qWarning() << "Damaged scene file:" << file.fileName() << "cannot hold" << count << "tabs, opening"
                    << mostTabs;

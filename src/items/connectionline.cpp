@@ -7,6 +7,13 @@
 #include <QPainterPath>
 #include <QPainterPathStroker>
 
+namespace {
+
+/// Exactly; two points that are almost the same are equal to QPointF.
+bool isSamePlace(const QPointF &a, const QPointF &b) { return a.x() == b.x() && a.y() == b.y(); }
+
+} // namespace
+
 ConnectionLine::ConnectionLine(const QPointF &startPoint, const QPointF &endPoint)
     : start(startPoint), end(endPoint)
 {
@@ -53,12 +60,16 @@ void ConnectionLine::sl_updatePath()
 
 void ConnectionLine::sl_setStart(QPointF point)
 {
+    if (isSamePlace(point, start))
+        return;
     start = point;
     sl_updatePath();
 }
 
 void ConnectionLine::sl_setEnd(QPointF point)
 {
+    if (isSamePlace(point, end))
+        return;
     end = point;
     sl_updatePath();
 }

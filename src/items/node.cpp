@@ -237,7 +237,9 @@ void Node::placeAt(const QPointF &place)
 
 void Node::saveToStream(QDataStream &stream)
 {
-    stream << getTitle() << pos() << qint32(index) << qint32(prevIndex) << qint32(isEndOfStory ? 1 : 0)
+    // A node in a scene stands in no other item; scenePos() would lose the sign of a zero.
+    const QPointF place = parentItem() ? scenePos() : pos();
+    stream << getTitle() << place << qint32(index) << qint32(prevIndex) << qint32(isEndOfStory ? 1 : 0)
            << qint32(isImportant ? 1 : 0);
     emit data->s_saveToFile(stream);
 }

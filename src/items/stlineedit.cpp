@@ -163,7 +163,7 @@ void STLineEdit::mousePressEvent(QGraphicsSceneMouseEvent *event)
     QGraphicsTextItem::mousePressEvent(event);
     setDefaultTextColor(textColor);
     placeholderShown = false;
-    if (toPlainText() == placeholder)
+    if (getText() == placeholder)
         setText(QString());
 }
 

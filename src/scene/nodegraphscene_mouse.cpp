@@ -58,18 +58,12 @@ void NodegraphScene::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
 }
 
 /// While nodes are dragged their lines are one step behind; when they are dropped every line must be exact.
-/// To be called before the base handler, which may take nodes that moved out of the selection.
+/// That goes for all nodes: what is dragged may have been cut, deselected or joined by new events since the
+/// press.
 void NodegraphScene::settleMovedLines()
 {
-    auto *dragged = dynamic_cast<Node *>(mouseGrabberItem());
-    if (!dragged)
-        return;
-    dragged->updateLines();
-    const QList<QGraphicsItem *> selected = selectedItems();
-    for (QGraphicsItem *item : selected) {
-        if (auto *node = dynamic_cast<Node *>(item))
-            node->updateLines();
-    }
+    for (Node *node : nodes)
+        node->updateLines();
 }
 
 void NodegraphScene::selectInRubberBand()

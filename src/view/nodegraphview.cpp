@@ -74,7 +74,9 @@ void NodegraphView::wheelEvent(QWheelEvent *event)
 {
     const double factor = std::pow(zoomBase, event->angleDelta().y() / deltaPerZoomStep);
     const QPoint position = event->position().toPoint();
-    if ((mapFromScene(zoomedPlace) - position).manhattanLength() > sameWheelPlace)
+    // Not mapFromScene(), whose whole numbers cannot hold the place of a far event.
+    const QPointF away = viewportTransform().map(zoomedPlace) - position;
+    if (!(std::abs(std::round(away.x())) + std::abs(std::round(away.y())) <= sameWheelPlace))
         zoomedPlace = mapToScene(position);
     zoomAt(factor, mapToScene(position));
     keepUnder(position);
@@ -84,9 +86,9 @@ void NodegraphView::wheelEvent(QWheelEvent *event)
 /// touchpad the place under the mouse would wander away.
 void NodegraphView::keepUnder(const QPoint &position)
 {
-    const QPoint drift = mapFromScene(zoomedPlace) - position;
-    horizontalScrollBar()->setValue(horizontalScrollBar()->value() + drift.x());
-    verticalScrollBar()->setValue(verticalScrollBar()->value() + drift.y());
+    const QPointF drift = viewportTransform().map(zoomedPlace) - position;
+    horizontalScrollBar()->setValue(scrollValue(horizontalScrollBar()->value() + std::round(drift.x())));
+    verticalScrollBar()->setValue(scrollValue(verticalScrollBar()->value() + std::round(drift.y())));
 }
 
 // The right button pans, also over a text. The text's menu, which that press would open, ends the pan; by key
@@ -206,9 +208,10 @@ void NodegraphView::sl_frameOnSelectedNodes(QRectF bounds)
 
 void NodegraphView::frame(const QRectF &wanted)
 {
-    // A damaged file may hold places so far apart that their distance is no number.
-    constexpr double farthest = 1e300;
-    const QRectF bounds = wanted & QRectF(QPointF(-farthest, -farthest), QPointF(farthest, farthest));
+    // A damaged file may hold places so far apart that Qt cannot map points at the scale that shows them all.
+    constexpr double farthest = 1e12;
+    const QRectF reachable(QPointF(-farthest, -farthest), QPointF(farthest, farthest));
+    const QRectF bounds = reachable.intersects(wanted) ? wanted & reachable : wanted;
     if (!bounds.isNull())
         makeRoomFor(*this, bounds);
     fitInView(bounds, Qt::KeepAspectRatio);

@@ -1,0 +1,257 @@
+#include "app/faultyfiles.h"
+#include "app/windowsupport.h"
+#include "faults/savedocuments.h"
+#include "support/testsupport.h"
+
+#include <cerrno>
+
+namespace {
+
+using Call = FaultyFiles::Call;
+using Fault = FaultyFiles::Fault;
+
+const QString storyName = QStringLiteral("story.scene");
+const QString autosaves = QStringLiteral("Fablegrid/Autosavedir");
+const QByteArray oldBytes = documentBytes({{}, {}});
+const QString cannotWrite = QStringLiteral("Couldn't open file for writing.");
+
+/// No file can be made in any folder, on a disk that knows unnamed files and on one that does not.
+std::vector<Fault> noNewFile(bool unnamed, int error)
+{
+    if (unnamed)
+        return {{Call::createUnnamed, 1, error, true}};
+    return {{Call::createUnnamed, 1, EOPNOTSUPP, true}, {Call::create, 1, error, true}};
+}
+
+} // namespace
+
+/// What becomes of a document that cannot be opened for writing, or not in the usual way.
+class tst_MainWindowFaultsOpening : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        failOnWarningsOfTheProgram();
+        home = std::make_unique<PrivateHome>();
+        QVERIFY(QDir().mkpath(path(autosaves)));
+        QVERIFY(writeFile(path(storyName), smallDocument()));
+        window = std::make_unique<MainWindow>();
+        window->loadFrom(path(storyName));
+        QVERIFY(writeFile(path(storyName), oldBytes));
+    }
+    void cleanup()
+    {
+        window.reset();
+        flushDeferredDeletes();
+        home.reset();
+    }
+
+    void deniedFolderIsWrittenDirectly_data();
+    void deniedFolderIsWrittenDirectly();
+    void directWriteThatFailsIsReported_data();
+    void directWriteThatFailsIsReported();
+    void failedOpeningChangesNothing_data();
+    void failedOpeningChangesNothing();
+    void failedOpeningOfAnAutosaveLeavesNothing_data();
+    void failedOpeningOfAnAutosaveLeavesNothing();
+    void unusablePathIsReported_data();
+    void unusablePathIsReported();
+    void impossibleNameIsReported_data();
+    void impossibleNameIsReported();
+    void longNameCanBeSavedAgain_data();
+    void longNameCanBeSavedAgain();
+
+private:
+    QString path(const QString &name) const { return home->filePath(QStringLiteral("Documents/")) + name; }
+    QStringList files() const { return filesBelow(path({})); }
+    /// Saves with these faults; each must have been met. Returns the warnings.
+    QStringList save(const std::vector<Fault> &faults, const std::function<void()> &saving)
+    {
+        const Warnings warnings;
+        const FaultyFiles faulty(home->filePath(QStringLiteral("Documents")), faults);
+        saving();
+        for (int i = 0; i < int(faults.size()); ++i) {
+            if (faulty.hits(i) == 0)
+                return {QStringLiteral("Fault %1 was not met").arg(i)};
+        }
+        return warnings.lines();
+    }
+    QStringList saveAgain(const std::vector<Fault> &faults)
+    {
+        return save(faults, [this] { window->sl_saveFile(); });
+    }
+    QStringList autosave(const std::vector<Fault> &faults)
+    {
+        return save(faults, [this] { window->autosave(); });
+    }
+
+    std::unique_ptr<PrivateHome> home;
+    std::unique_ptr<MainWindow> window;
+};
+
+void tst_MainWindowFaultsOpening::deniedFolderIsWrittenDirectly_data()
+{
+    QTest::addColumn<bool>("unnamed");
+    QTest::newRow("unnamed") << true;
+    QTest::newRow("named") << false;
+}
+
+// A file that may be written in a folder that may not.
+void tst_MainWindowFaultsOpening::deniedFolderIsWrittenDirectly()
+{
+    QFETCH(const bool, unnamed);
+    const QByteArray longer = smallDocument() + smallDocument();
+    for (const QByteArray &former : {oldBytes, longer}) {
+        QVERIFY(writeFile(path(storyName), former));
+        QCOMPARE(saveAgain(noNewFile(unnamed, EACCES)), QStringList());
+        QCOMPARE(readFile(path(storyName)), smallDocument());
+        QCOMPARE(files(), QStringList{storyName});
+    }
+}
+
+void tst_MainWindowFaultsOpening::directWriteThatFailsIsReported_data()
+{
+    QTest::addColumn<std::vector<Fault>>("faults");
+    QTest::addColumn<QString>("reason");
+    const QString broken = QStringLiteral("Input/output error");
+    QTest::newRow("write") << std::vector<Fault>{{Call::write, 1, EIO, true}} << broken;
+    QTest::newRow("disk full in the midst")
+        << std::vector<Fault>{{Call::write, 1}, {Call::write, 2, ENOSPC}, {Call::write, 3, ENOSPC}}
+        << QStringLiteral("No space left on device");
+    QTest::newRow("sync") << std::vector<Fault>{{Call::sync, 1, EIO, true}} << broken;
+    QTest::newRow("close") << std::vector<Fault>{{Call::close, 1, EIO, true}} << broken;
+}
+
+void tst_MainWindowFaultsOpening::directWriteThatFailsIsReported()
+{
+    QFETCH(std::vector<Fault>, faults);
+    QFETCH(const QString, reason);
+    faults.push_back({Call::createUnnamed, 1, EACCES, true});
+    QCOMPARE(
+        saveAgain(faults),
+        QStringList{
+            QStringLiteral("Couldn't write the scene file: \"%1\" \"%2\"").arg(path(storyName), reason)});
+    QCOMPARE(readFile(path(storyName)), oldBytes);
+    QCOMPARE(files(), QStringList{storyName});
+    QCOMPARE(saveAgain({}), QStringList());
+    QCOMPARE(readFile(path(storyName)), smallDocument());
+}
+
+void tst_MainWindowFaultsOpening::failedOpeningChangesNothing_data()
+{
+    QTest::addColumn<std::vector<Fault>>("faults");
+    for (const bool unnamed : {true, false}) {
+        for (const auto &[name, error] :
+             {std::pair("I/O error", EIO), std::pair("disk full", ENOSPC), std::pair("quota used up", EDQUOT),
+              std::pair("read-only disk", EROFS), std::pair("too many open files", EMFILE)})
+            QTest::addRow("%s, %s", unnamed ? "unnamed" : "named", name) << noNewFile(unnamed, error);
+        std::vector<Fault> denied = noNewFile(unnamed, EACCES);
+        denied.push_back({Call::openForWriting, 1, EACCES, true});
+        QTest::addRow("%s, denied in every way", unnamed ? "unnamed" : "named") << denied;
+    }
+}
+
+void tst_MainWindowFaultsOpening::failedOpeningChangesNothing()
+{
+    QFETCH(const std::vector<Fault>, faults);
+    QCOMPARE(saveAgain(faults), QStringList{cannotWrite});
+    QCOMPARE(readFile(path(storyName)), oldBytes);
+    QCOMPARE(files(), QStringList{storyName});
+    QCOMPARE(window->getCurrentFilePath(), path(storyName));
+
+    QCOMPARE(saveAgain({}), QStringList());
+    QCOMPARE(readFile(path(storyName)), smallDocument());
+    QCOMPARE(files(), QStringList{storyName});
+}
+
+void tst_MainWindowFaultsOpening::failedOpeningOfAnAutosaveLeavesNothing_data()
+{
+    failedOpeningChangesNothing_data();
+}
+
+void tst_MainWindowFaultsOpening::failedOpeningOfAnAutosaveLeavesNothing()
+{
+    QFETCH(const std::vector<Fault>, faults);
+    const QStringList warnings = autosave(faults);
+    QCOMPARE(warnings.size(), 1);
+    const QRegularExpression line(
+        QStringLiteral("^Failed to open autosave file for writing: \"%1/Yarnsmith_\\d{8}_\\d{6}_"
+                       "autosaveVersion\\.scene\"$")
+            .arg(QRegularExpression::escape(path(autosaves))));
+    QVERIFY2(line.match(warnings.front()).hasMatch(), qPrintable(warnings.front()));
+    QCOMPARE(files(), QStringList{storyName});
+    QCOMPARE(readFile(path(storyName)), oldBytes);
+
+    QCOMPARE(autosave({}), QStringList());
+    QCOMPARE(files().size(), 2);
+    QCOMPARE(readFile(path(files().front())), smallDocument());
+    QCOMPARE(window->getCurrentFilePath(), path(storyName));
+}
+
+void tst_MainWindowFaultsOpening::unusablePathIsReported_data()
+{
+    QTest::addColumn<QString>("name"); // in the folder
+    QTest::newRow("folder") << autosaves;
+    QTest::newRow("folder, named as such") << autosaves + QLatin1Char('/');
+    QTest::newRow("missing folder") << QStringLiteral("missing/new.scene");
+    QTest::newRow("file as a folder") << storyName + QStringLiteral("/new.scene");
+}
+
+void tst_MainWindowFaultsOpening::unusablePathIsReported()
+{
+    QFETCH(const QString, name);
+    QCOMPARE(save({}, [&] { window->saveTo(path(name)); }), QStringList{cannotWrite});
+    QCOMPARE(files(), QStringList{storyName});
+    QCOMPARE(readFile(path(storyName)), oldBytes);
+    QVERIFY(QFileInfo(path(autosaves)).isDir());
+    QCOMPARE(saveAgain({}), QStringList());
+    QCOMPARE(readFile(path(storyName)), smallDocument());
+}
+
+void tst_MainWindowFaultsOpening::impossibleNameIsReported_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("warning");
+    // The disk hears the name only when the document is whole.
+    QTest::newRow("none") << QString()
+                          << QStringLiteral(
+                                 "Couldn't write the scene file: \"\" \"No such file or directory\"");
+    QTest::newRow("too long") << QString(256, QLatin1Char('x')) << cannotWrite;
+}
+
+void tst_MainWindowFaultsOpening::impossibleNameIsReported()
+{
+    QFETCH(const QString, name);
+    QFETCH(const QString, warning);
+    const QString file = name.isEmpty() ? name : path(name);
+    QCOMPARE(save({}, [&] { window->saveTo(file); }), QStringList{warning});
+    QCOMPARE(files(), QStringList{storyName});
+    QCOMPARE(readFile(path(storyName)), oldBytes);
+    QCOMPARE(saveAgain({}), QStringList());
+    QCOMPARE(readFile(path(storyName)), smallDocument());
+}
+
+void tst_MainWindowFaultsOpening::longNameCanBeSavedAgain_data()
+{
+    QTest::addColumn<int>("length");
+    QTest::newRow("temporary name fits") << 248;
+    QTest::newRow("temporary name does not") << 249;
+    QTest::newRow("longest") << 255;
+}
+
+// The temporary name beside a file is longer than the file's own.
+void tst_MainWindowFaultsOpening::longNameCanBeSavedAgain()
+{
+    QFETCH(const int, length);
+    const QString name(length, QLatin1Char('x'));
+    QCOMPARE(save({}, [&] { window->saveTo(path(name)); }), QStringList());
+    QVERIFY(writeFile(path(name), oldBytes));
+    QCOMPARE(save({}, [&] { window->saveTo(path(name)); }), QStringList());
+    QCOMPARE(readFile(path(name)), smallDocument());
+    QCOMPARE(files(), QStringList({storyName, name}));
+}
+
+QTEST_MAIN(tst_MainWindowFaultsOpening)
+#include "tst_mainwindow_faults_opening.moc"

@@ -1,0 +1,84 @@
+#!/usr/bin/env bash
+# Runs the fuzz targets side by side for that many seconds each, or the named ones only:
+#   tests/fuzz/run.sh 60 [fuzz_document] [fuzz_edits]
+# Starts from the committed corpus. What the run adds to it stays in build/fuzz/corpus until the next run, and
+# every input that did harm in build/fuzz/artifacts.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
+
+seconds=${1:-}
+if ! [[ $seconds =~ ^[0-9]+$ ]]; then
+    echo "usage: ${0##*/} <seconds per target> [target ...]" >&2
+    exit 2
+fi
+targets=("${@:2}")
+((${#targets[@]})) || targets=(fuzz_document fuzz_edits)
+
+packaging/install-dependencies.sh ci
+cmake --preset fuzz >/dev/null
+cmake --build --preset fuzz --target "${targets[@]}"
+
+# The targets write small files all the time; a memory file system spares the disk.
+memory=/dev/shm
+[[ -w $memory ]] || memory=${TMPDIR:-/tmp}
+scratch=$(mktemp -d -p "$memory" fablegrid-fuzz-XXXXXX)
+pids=()
+clean_up() {
+    local pid
+    for pid in "${pids[@]}"; do
+        kill "$pid" 2>/dev/null || true
+    done
+    wait
+    rm -rf "$scratch"
+}
+trap clean_up EXIT
+
+artifacts=$PWD/build/fuzz/artifacts
+mkdir -p "$artifacts"
+
+# Leaks are looked for once, at the end of a run: Qt and the font libraries cache so much that the fuzzer would
+# suspect one after every input, and each look takes longer than many inputs.
+start() {
+    local target=$1 name=${1#fuzz_} log=build/fuzz/$1.log
+    local corpus=build/fuzz/corpus/$name options=()
+    rm -rf "$corpus"
+    mkdir -p "$corpus" "$scratch/$name"
+    cp -r "tests/fuzz/corpus/$name/." "$corpus"
+    [[ ! -e tests/fuzz/$name.dict ]] || options+=("-dict=tests/fuzz/$name.dict")
+    TMPDIR=$scratch/$name QT_QPA_PLATFORM=offscreen QT_QPA_PLATFORMTHEME='' LC_ALL=C.UTF-8 \
+        ASAN_OPTIONS=detect_leaks=1:quarantine_size_mb=64 LSAN_OPTIONS=print_suppressions=0 \
+        UBSAN_OPTIONS=print_stacktrace=1 \
+        "build/fuzz/tests/fuzz/$target" -max_total_time="$seconds" -max_len=4096 -timeout=30 \
+        -rss_limit_mb=3000 -detect_leaks=0 -print_final_stats=1 "${options[@]}" \
+        -artifact_prefix="$artifacts/$name-" "$corpus" >"$log" 2>&1 </dev/null &
+    pids+=($!)
+}
+
+touch "$scratch/started"
+for target in "${targets[@]}"; do
+    start "$target"
+done
+
+failed=0
+for i in "${!targets[@]}"; do
+    target=${targets[i]}
+    status=0
+    wait "${pids[i]}" || status=$?
+    log=build/fuzz/$target.log
+    printf '%s: %s executions\n' "$target" "$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")"
+    grep 'cov: .* ft: ' "$log" | tail -n 1 || true
+    if ((status != 0)); then
+        failed=1
+        printf '%s failed, the end of %s:\n' "$target" "$log"
+        tail -n 60 "$log"
+    fi
+done
+pids=()
+
+# A slow input leaves an artifact too, and no failure.
+found=$(find "$artifacts" -type f -newer "$scratch/started")
+if [[ -n $found ]]; then
+    printf 'inputs that did harm:\n%s\n' "$found"
+    failed=1
+fi
+exit "$failed"
