@@ -117,9 +117,9 @@ QString DurableFile::replaceBy(const QByteArray &content)
 
 QString DurableFile::replaceThroughTemporary(const QByteArray &content)
 {
-    if (const QString trouble = write(temporary, content); !trouble.isEmpty())
+    if (QString trouble = write(temporary, content); !trouble.isEmpty())
         return trouble;
-    if (const QString trouble = putOnDisk(temporary.handle()); !trouble.isEmpty())
+    if (QString trouble = putOnDisk(temporary.handle()); !trouble.isEmpty())
         return trouble;
     errno = 0;
     return temporary.commit() ? QString() : reasonOf(temporary, errno);
@@ -132,11 +132,11 @@ QString DurableFile::replaceInPlace(const QByteArray &content)
     const auto overwrite = [this](const QByteArray &bytes) -> QString {
         if (!inPlace.seek(0))
             return reasonOf(inPlace, errno);
-        if (const QString trouble = write(inPlace, bytes); !trouble.isEmpty())
+        if (QString trouble = write(inPlace, bytes); !trouble.isEmpty())
             return trouble;
         return inPlace.resize(bytes.size()) ? putOnDisk(inPlace.handle()) : reasonOf(inPlace, errno);
     };
-    const QString trouble = overwrite(content);
+    QString trouble = overwrite(content);
     if (!trouble.isEmpty()) {
         inPlace.unsetError();
         overwrite(old);

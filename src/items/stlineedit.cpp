@@ -30,10 +30,10 @@ STLineEdit::STLineEdit(const QString &text, double textWidth, QGraphicsItem *par
 const QFont &STLineEdit::textFont()
 {
     static const QFont font = [] {
-        QFont made(QStringLiteral("Titillium Web"), 14);
-        made.setItalic(false);
-        made.setLetterSpacing(QFont::AbsoluteSpacing, 1.4);
-        return made;
+        QFont regular(QStringLiteral("Titillium Web"), 14);
+        regular.setItalic(false);
+        regular.setLetterSpacing(QFont::AbsoluteSpacing, 1.4);
+        return regular;
     }();
     return font;
 }

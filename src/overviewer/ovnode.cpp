@@ -68,9 +68,9 @@ void OvNode::updateFromNode()
     unmadeText = content->getDescription();
     if (content->boundingRect() == unmadeOutline)
         return;
-    aboutToResize();
+    prepareGeometryChange();
     unmadeOutline = content->boundingRect();
-    resized();
+    layoutPanel();
 }
 
 void OvNode::sl_nodeChanged() { emit s_nodeChanged(this); }
@@ -93,7 +93,9 @@ void OvNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget 
 
 void OvNode::aboutToResize() { prepareGeometryChange(); }
 
-void OvNode::resized()
+void OvNode::resized() { layoutPanel(); }
+
+void OvNode::layoutPanel()
 {
     if (auto *panel = dynamic_cast<OverViewerScene *>(scene()))
         panel->layoutOvNodes();

@@ -48,6 +48,7 @@ public slots:
 
 private:
     EventData *nodeContent() const;
+    void layoutPanel();
     EventData *createEventData(TextMaking making);
 
     Node *node;

@@ -10,6 +10,7 @@ first=${3:-1}
 # Each program ends with a look for leaks, so none of them should run for hours.
 sequences_a_program=25
 
+packaging/install-dependencies.sh test
 [[ -e build/asan/build.ninja ]] || cmake --preset asan
 cmake --build --preset asan --target tst_randomedits
 
