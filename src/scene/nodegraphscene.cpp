@@ -9,6 +9,7 @@
 #include <QDebug>
 #include <QGraphicsRectItem>
 #include <QGraphicsView>
+#include <QMetaMethod>
 #include <QPointer>
 
 #include <cmath>
@@ -58,7 +59,7 @@ void NodegraphScene::sl_addEventNode()
 {
     const bool wasEmpty = nodes.empty();
     const std::size_t before = nodes.size();
-    emit s_UndoCommandAdded(new AddNodeCommand(this, pointerPosition(), nodeCounter, 0, QString()));
+    handOut(std::make_unique<AddNodeCommand>(this, pointerPosition(), nodeCounter, 0, QString()));
     if (nodes.size() == before)
         return;
     Node *added = nodes.back();
@@ -203,6 +204,14 @@ void NodegraphScene::sl_nodeIndexChanged(Node *node, int index)
 void NodegraphScene::sl_importanceChanged(Node *node, bool isImportant)
 {
     emit s_importanceChanged(node, isImportant);
+}
+
+/// Passes an edit on to whoever runs it; without a listener it is dropped, for nobody would free it.
+void NodegraphScene::handOut(std::unique_ptr<QUndoCommand> command)
+{
+    static const QMetaMethod added = QMetaMethod::fromSignal(&NodegraphScene::s_UndoCommandAdded);
+    if (isSignalConnected(added))
+        emit s_UndoCommandAdded(command.release());
 }
 
 void NodegraphScene::removeAllNodes()

@@ -10,6 +10,7 @@
 #include <QHash>
 
 #include <map>
+#include <memory>
 #include <vector>
 
 class NodeData;
@@ -82,7 +83,8 @@ public:
     void toggleImportance(Node *node);
 
 signals:
-    /// A new edit; the receiver owns the command and runs it by pushing it.
+    /// A new edit; the receiver owns the command and runs it by pushing it. Without any receiver there is no
+    /// edit.
     void s_UndoCommandAdded(QUndoCommand *undoCommand);
     void s_frameView(QRectF bounds);
     void s_updateStory(std::vector<Node *>);
@@ -139,6 +141,7 @@ private:
     QPointF pointerPosition() const;
     void bringIntoSight(const Node *node) const;
 
+    void handOut(std::unique_ptr<QUndoCommand> command);
     void pushDelNodeCommand(Node *node);
     void pushDisconnectCommand(const Node *node);
     void wireLine(ConnectionLine *line, Node *downstream, Node *upstream);

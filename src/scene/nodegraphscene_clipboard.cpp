@@ -47,10 +47,11 @@ void NodegraphScene::setNodeShown(Node *node, bool shown)
 /// the node that the new one takes the end-of-story mark from, -1 for none.
 void NodegraphScene::addNodeAt(QPointF pos, int type, int index, int markFrom)
 {
-    auto *command = new AddNodeCommand(this, pos, index == -1 ? nodeCounter : index, type, QString());
+    auto command =
+        std::make_unique<AddNodeCommand>(this, pos, index == -1 ? nodeCounter : index, type, QString());
     if (markFrom != -1)
         command->willTakeMarkFrom(markFrom);
-    emit s_UndoCommandAdded(command);
+    handOut(std::move(command));
 }
 
 /// A new node with the content and the marks of `source`, at its place; null if nobody took the command.

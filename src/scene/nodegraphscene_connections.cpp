@@ -109,5 +109,5 @@ void NodegraphScene::removeInputLine(Node *node)
 
 void NodegraphScene::pushDisconnectCommand(const Node *node)
 {
-    emit s_UndoCommandAdded(new DisconnectNodeCommand(this, node->getIndex(), node->getPrevIndex()));
+    handOut(std::make_unique<DisconnectNodeCommand>(this, node->getIndex(), node->getPrevIndex()));
 }

@@ -32,8 +32,8 @@ void NodegraphScene::deleteSelectedNodes(Node *node)
 void NodegraphScene::pushDelNodeCommand(Node *node)
 {
     qInfo() << "Del";
-    emit s_UndoCommandAdded(
-        new DelNodeCommand(this, node->pos(), node->getIndex(), node->getData(), node->getTitle()));
+    handOut(std::make_unique<DelNodeCommand>(this, node->pos(), node->getIndex(), node->getData(),
+                                             node->getTitle()));
 }
 
 void NodegraphScene::deleteNode(Node *node)

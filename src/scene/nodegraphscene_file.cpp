@@ -100,7 +100,7 @@ void NodegraphScene::restoreConnections(const std::vector<Node *> &loaded, const
             ++refused;
             continue;
         }
-        emit s_UndoCommandAdded(new ConnectNodesCommand(this, node->getIndex(), upstreamIndex));
+        handOut(std::make_unique<ConnectNodesCommand>(this, node->getIndex(), upstreamIndex));
     }
     if (refused > 0)
         qWarning() << "Damaged scene file:" << fileName << "has" << refused

@@ -158,5 +158,5 @@ void NodegraphScene::sl_manualNodeConnect(Socket *target)
     const Node *upstream = fromOutput ? sourceNode : targetNode;
     if (wouldCloseCycle(downstream, upstream))
         return;
-    emit s_UndoCommandAdded(new ConnectNodesCommand(this, downstream->getIndex(), upstream->getIndex()));
+    handOut(std::make_unique<ConnectNodesCommand>(this, downstream->getIndex(), upstream->getIndex()));
 }
