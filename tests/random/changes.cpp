@@ -42,6 +42,8 @@ Changes::Nodes Changes::statesOf(const NodegraphView *view)
         NodeState state;
         state.index = node->getIndex();
         state.prevIndex = node->getPrevIndex();
+        if (node->hasInput())
+            state.line = numberOf(node->getInLine());
         state.title = node->getTitle();
         state.description = node->getData()->eventContent()->getDescription();
         state.pos = node->scenePos();
@@ -134,11 +136,9 @@ QString Changes::explain(Tab &tab, const Nodes &now, int effects, QSet<int> &typ
 void Changes::followConnection(Tab &tab, const NodeState &before, const NodeState *now, int effects)
 {
     const bool isSame = now && now->prevIndex == before.prevIndex;
-    if (isSame)
-        return;
     if (effects & Effect::history)
-        tab.lostConnection = tab.lostConnection || tab.rerouted.contains(before.index);
-    else if (now && before.prevIndex != -1 && now->prevIndex != -1)
+        tab.lostConnection = tab.lostConnection || (!isSame && tab.rerouted.contains(before.index));
+    else if (now && before.line != 0 && now->line != 0 && before.line != now->line)
         tab.rerouted.insert(before.index);
 }
 

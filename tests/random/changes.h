@@ -19,9 +19,9 @@ public:
     QString unexplained(const MainWindow &window, const Step &step);
     /// The indices of the events that the tab held before there was anything to undo.
     QSet<int> startOf(const NodegraphView *view) const;
-    /// Whether a connection that had replaced another one has been undone in that tab. The one that was
-    /// replaced does not come back, so from then on the history as a whole leads to another graph than the
-    /// one shown.
+    /// Whether a connection that had replaced another one, be it between the same two events, has been undone
+    /// in that tab. The one that was replaced does not come back, so from then on the history as a whole leads
+    /// to another graph than the one shown.
     bool hasLostConnection(const NodegraphView *view) const;
 
 private:
@@ -29,6 +29,7 @@ private:
     {
         int index = 0;
         int prevIndex = -1;
+        quint64 line = 0; // the number of its input line, 0 without one
         QString title;
         QString description;
         QPointF pos;
