@@ -1,21 +1,30 @@
 #!/usr/bin/env bash
 # Makes sure that the Debian packages for one purpose are installed:
-#   run    building and starting the application
-#   test   running its tests as well (virtual display, window manager, synthetic input)
-#   ci     the further checks of .ci/run as well (formatter, linter, sanitizers, fuzzing, coverage)
+#   run      building and starting the application
+#   test     running its tests as well (virtual display, window manager, synthetic input)
+#   lint     ./lint
+#   package  making, checking and trying out the Debian package
+#   ci       all of that and the further checks of .ci/run (fuzzing, coverage)
 # Silent and quick when nothing is missing. When something is and cannot be installed, says so and fails.
 set -euo pipefail
 
 run_packages=(g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools libqt6svg6 fonts-dejavu-core)
 test_packages=(xvfb xauth openbox xdotool imagemagick x11-utils)
-ci_packages=(clang-14 clang-format-14 clang-tidy-14 gcovr git libclang-rt-14-dev)
+lint_packages=(clang-14 clang-format-14 clang-tidy-14 clazy git)
+package_packages=(dpkg-dev fakeroot file git lintian desktop-file-utils appstream mandoc debootstrap)
+ci_packages=(gcovr libclang-rt-14-dev)
 
 case "${1:-}" in
     run) wanted=("${run_packages[@]}") ;;
     test) wanted=("${run_packages[@]}" "${test_packages[@]}") ;;
-    ci) wanted=("${run_packages[@]}" "${test_packages[@]}" "${ci_packages[@]}") ;;
+    lint) wanted=("${run_packages[@]}" "${lint_packages[@]}") ;;
+    package) wanted=("${run_packages[@]}" "${package_packages[@]}") ;;
+    ci)
+        wanted=("${run_packages[@]}" "${test_packages[@]}" "${lint_packages[@]}" "${package_packages[@]}"
+            "${ci_packages[@]}")
+        ;;
     *)
-        echo "usage: ${0##*/} run|test|ci" >&2
+        echo "usage: ${0##*/} run|test|lint|package|ci" >&2
         exit 2
         ;;
 esac

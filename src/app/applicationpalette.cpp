@@ -9,7 +9,7 @@ QPalette applicationPalette()
     const QColor button(77, 77, 77);
     const QColor text(255, 255, 255);
     const QColor placeholder(185, 185, 185);
-    const QColor disabledText(160, 160, 160);
+    const QColor disabledText(190, 190, 190);
     const QColor highlight(48, 112, 190);
 
     QPalette palette(button, window);
@@ -30,4 +30,15 @@ QPalette applicationPalette()
     for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, disabledText);
     return palette;
+}
+
+QString applicationStyleSheet()
+{
+    // Once an entry has a frame, the style sheet lays out all of it.
+    return QStringLiteral(
+        "QMenu { padding: 2px; }"
+        "QMenu::item { padding: 4px 24px 4px 24px; border: 2px solid transparent; }"
+        "QMenu::item:selected { border-color: rgb(112, 176, 251); }"
+        "QMenu::item:disabled { color: rgb(190, 190, 190); }"
+        "QMenu::separator { height: 1px; margin: 4px 8px; background: rgb(110, 110, 110); }");
 }

@@ -9,6 +9,9 @@ int main(int argc, char *argv[])
     QApplication::setStyle(QStringLiteral("Fusion"));
     QApplication application(argc, argv);
     QApplication::setPalette(applicationPalette());
+    application.setStyleSheet(applicationStyleSheet());
+    // By this name Wayland finds the desktop entry, and with it the icon of the window.
+    QGuiApplication::setDesktopFileName(QStringLiteral("example.fablegrid.fablegrid"));
 
     MainWindow window;
     window.setWindowTitle(QStringLiteral("Fablegrid v0.1a"));

@@ -45,12 +45,14 @@ void MainWindow::setupOverviewer()
     ui->OverviewerLayout->addWidget(panel);
     connect(ui->F1_button, SIGNAL(clicked(bool)), scene, SLOT(sl_setFilter_important(bool)));
     new PanelFitter(panel);
+    makeAccessible(panel);
     connect(panel, &QObject::destroyed, scene, [scene] { delete scene; });
 }
 
 void MainWindow::addNodeGraphTab()
 {
     auto *view = new NodegraphView(nullptr);
+    view->setAccessibleName(tr("Graph of events"));
     ui->Nodegraph->addTab(view, QStringLiteral("Story ") + QString::number(views.size() + 1, 10));
     ui->Nodegraph->setTabsClosable(true);
     views.push_back(view);

@@ -10,6 +10,7 @@ class NodegraphScene;
 class NodegraphView;
 class OverViewerScene;
 class QFile;
+class QGraphicsView;
 
 namespace Ui {
 class MainWindow;
@@ -77,6 +78,7 @@ protected:
 private:
     void setupOverviewer();
     void connectCommands();
+    void makeAccessible(QGraphicsView *panel);
     void startAutosave();
     /// The current tab's view, null when there is no tab.
     NodegraphView *currentView() const;

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Renders the PNG and ICO files of this folder from the SVG files beside them.
 # The results are kept in the tree, so building the application needs neither rsvg-convert nor icotool;
-# run this after a drawing has changed (Debian packages: librsvg2-bin, icoutils).
+# run this after a drawing has changed (Debian packages: librsvg2-bin, icoutils, icnsutils).
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/Assets"
 
@@ -24,3 +24,11 @@ done
 # The largest image stays a PNG inside the icon file, as Windows recommends; as a bitmap it would take 270 kB.
 render "Logo/logo - Transparent Clipped.svg" 256 256 "$sizes/256.png"
 icotool --create --output "Logo/logo - Transparent Clipped.ico" "${bitmaps[@]}" --raw "$sizes/256.png"
+
+# What desktops show for the program; the scalable one is the drawing itself.
+hicolor=../../../packaging/linux/icons
+mkdir -p "$hicolor"
+for size in 16 22 24 32 48 64 128 256 512; do
+    render "Logo/logo - Square (Fill) - App 1.svg" "$size" "$size" "$hicolor/$size.png"
+done
+png2icns ../../../packaging/macos/fablegrid.icns "$hicolor"/{16,32,48,128,256,512}.png >/dev/null

@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# Builds the Debian package and checks it; prints its path: build-package.sh [source folder]
+# The source folder is this checkout unless another one is given.
+set -euo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd -P)
+cd "${1:-$here/..}"
+
+"$here/install-dependencies.sh" package >&2
+
+cmake --preset package >&2
+cmake --build --preset package >&2
+rm -f build/package/*.deb
+(cd build/package && umask 022 && cpack -G DEB >&2)
+package=$(realpath build/package/*.deb)
+
+desktop-file-validate packaging/linux/*.desktop >&2
+appstreamcli validate --no-net build/package/packaging/*.metainfo.xml >&2
+mandoc -T lint -W warning build/package/packaging/fablegrid.1 >&2
+# A warning is to be mended, or overridden with its reason.
+complaints=$(lintian --fail-on none --tag-display-limit 0 "$package")
+if grep -E '^[EW]:' <<<"$complaints" >&2; then
+    echo "lintian complains about $package" >&2
+    exit 1
+fi
+echo "$package"
