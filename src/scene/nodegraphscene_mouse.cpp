@@ -4,11 +4,25 @@
 
 #include <QGraphicsRectItem>
 #include <QGraphicsSceneMouseEvent>
+#include <QPainterPath>
 #include <QSet>
 
 namespace {
 
 constexpr double rubberBandZ = 100.0;
+
+bool isTouched(const Node &node, const QRectF &band)
+{
+    const QRectF outline = node.boundingRect().translated(node.scenePos());
+    if (band.contains(outline))
+        return true;
+    if (!band.adjusted(-1, -1, 1, 1).intersects(outline))
+        return false;
+    // Edges count, and so does a band of no width.
+    QPainterPath path;
+    path.addRect(band.translated(-node.scenePos()));
+    return node.collidesWithPath(path);
+}
 
 /// The node a socket sits on, null if there is none.
 Node *nodeOf(const Socket *socket) { return socket ? dynamic_cast<Node *>(socket->parentItem()) : nullptr; }
@@ -71,11 +85,11 @@ void NodegraphScene::selectInRubberBand()
     if (!selectionRect)
         return;
     QSet<const Node *> listed(selectedNodes.begin(), selectedNodes.end());
-    const QList<QGraphicsItem *> covered =
-        items(selectionRect->rect(), Qt::IntersectsItemShape, Qt::DescendingOrder, QTransform());
-    for (QGraphicsItem *item : covered) {
-        auto *node = dynamic_cast<Node *>(item);
-        if (!node)
+    const QRectF band = selectionRect->rect();
+    // From the topmost one down. The framework's own search would look into each node's parts as well.
+    for (auto it = nodes.rbegin(); it != nodes.rend(); ++it) {
+        Node *node = *it;
+        if (!node->isVisible() || !isTouched(*node, band))
             continue;
         node->setSelected(true);
         if (!listed.contains(node)) {
