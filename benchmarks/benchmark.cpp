@@ -96,10 +96,16 @@ int main(int argc, char *argv[])
             qFatal("not a number of events: %s", qPrintable(number));
         sizes << number.toInt();
     }
-    const double unit = Measure::unit();
+    // The speed of a machine changes during a run, so the unit is taken between the works.
+    std::vector<double> units;
     QVector<Row> rows;
     for (const int events : std::as_const(sizes))
-        rows << Works(events, parser.value(roundsOption).toInt()).measured(unit);
+        rows << Works(events, parser.value(roundsOption).toInt()).measured(units);
+    const double unit = Measure::median(units);
+    for (Row &row : rows) {
+        if (row.work != QLatin1String("memory an event"))
+            row.units = row.value / unit;
+    }
     print(rows, unit, sizes);
     if (parser.isSet(jsonOption) && !writeJson(parser.value(jsonOption), rows, unit))
         qFatal("cannot write %s", qPrintable(parser.value(jsonOption)));

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #ifdef Q_OS_LINUX
+#include <malloc.h>
 #include <unistd.h>
 #endif
 
@@ -52,6 +53,9 @@ double Measure::unit()
 double Measure::residentKiB()
 {
 #ifdef Q_OS_LINUX
+#ifdef __GLIBC__
+    malloc_trim(0); // what an earlier work has freed is not of this one
+#endif
     QFile file(QStringLiteral("/proc/self/statm"));
     if (file.open(QIODevice::ReadOnly))
         return file.readAll().split(' ').value(1).toDouble() * double(sysconf(_SC_PAGESIZE)) / 1024;

@@ -77,20 +77,13 @@ void Works::addPair(const QString &there, const Step &go, const QString &back, c
     rows << Row{there, events, Measure::median(first), 0} << Row{back, events, Measure::median(second), 0};
 }
 
-QVector<Row> Works::measured(double unit)
+QVector<Row> Works::measured(std::vector<double> &units)
 {
-    memory();
-    documents();
-    edits();
-    editsBack();
-    connections();
-    typing();
-    looking();
-    everything();
-    emptying();
-    for (Row &row : rows) {
-        if (row.work != QLatin1String("memory an event"))
-            row.units = row.value / unit;
+    for (const auto part : {&Works::memory, &Works::documents, &Works::edits, &Works::editsBack,
+                            &Works::connections, &Works::typing, &Works::looking, &Works::everything,
+                            &Works::emptying}) {
+        units.push_back(Measure::unit());
+        (this->*part)();
     }
     return rows;
 }

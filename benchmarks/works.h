@@ -15,7 +15,8 @@ class Works
 public:
     Works(int events, int rounds);
 
-    QVector<Row> measured(double unit);
+    /// Appends the unit as it is before each part of the work.
+    QVector<Row> measured(std::vector<double> &units);
 
 private:
     using Step = std::function<void()>;
