@@ -16,6 +16,7 @@ namespace {
 
 constexpr double lowestLetters = 10.0; // scene units: a small letter of a description
 constexpr double legibleFrom = 2.0;    // pixels
+constexpr double widthOfState = 6.0;   // pixels of the node's colour left and right of its panel
 constexpr double bend = 1.0;           // pixels that a curve may differ from the straight line in its place
 
 /// A part that is smaller than a pixel is not told apart.
@@ -45,7 +46,8 @@ void paintNode(QPainter &painter, const Node &node, double scale)
     if (isVisible(node.headerRect().height(), scale))
         painter.fillRect(node.headerRect().translated(place), node.getHeaderColor());
     const EventData *event = node.getData() ? node.getData()->eventContent() : nullptr;
-    if (event && isVisible(node.boundingRect().width() - event->panelRect().width(), scale))
+    // From further away the panel would leave too little of the colour that tells the node's state.
+    if (event && (node.boundingRect().width() - event->panelRect().width()) * scale >= widthOfState)
         painter.fillRect(event->panelRect().translated(place + node.getData()->pos()), event->panelColor());
     for (const Socket *socket : {node.getInSocket(), node.getOutSocket()}) {
         if (isVisible(socket->boundingRect().width(), scale))
