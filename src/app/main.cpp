@@ -14,7 +14,7 @@ int main(int argc, char *argv[])
     QGuiApplication::setDesktopFileName(QStringLiteral("example.fablegrid.fablegrid"));
 
     MainWindow window;
-    window.setWindowTitle(QStringLiteral("Fablegrid v0.1a"));
+    window.setWindowTitle(MainWindow::tr("Fablegrid v0.1a"));
     window.setWindowIcon(QIcon(QStringLiteral(":/Logo/Assets/Logo/logo - Square (Fill) - App 1.png")));
     window.show();
     window.show();

@@ -53,7 +53,7 @@ void MainWindow::addNodeGraphTab()
 {
     auto *view = new NodegraphView(nullptr);
     view->setAccessibleName(tr("Graph of events"));
-    ui->Nodegraph->addTab(view, QStringLiteral("Story ") + QString::number(views.size() + 1, 10));
+    ui->Nodegraph->addTab(view, tr("Story %1").arg(views.size() + 1));
     ui->Nodegraph->setTabsClosable(true);
     views.push_back(view);
 

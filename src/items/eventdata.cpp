@@ -13,7 +13,7 @@ constexpr double padding = 10.0;
 EventData::EventData(QGraphicsItem *parent, TextMaking making)
 {
     setParentItem(parent);
-    description = new STLineEdit(QStringLiteral("Enter description"), descriptionWidth, this, making);
+    description = new STLineEdit(tr("Enter description"), descriptionWidth, this, making);
     description->onTextChanged([this] { sl_isChanged(); });
     lastText = description->getText();
 }

@@ -60,7 +60,7 @@ void Node::createName(TextMaking making)
     nameItem = new STNodeName(this, making);
     nameItem->setZValue(nameZ);
     if (type == 0)
-        setNodeName(QStringLiteral("Event"));
+        setNodeName(tr("Event"));
     nameItem->setPos(margin, headerHeight / 10); // NOLINT(bugprone-integer-division): whole units
 }
 

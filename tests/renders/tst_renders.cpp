@@ -9,12 +9,12 @@
 
 #include <cmath>
 
-// What the program looks like, beside pictures that were looked at and kept. Run with different scale factors,
-// each of which has its own pictures. FABLEGRID_KEEP_RENDERS=1 in the environment replaces them.
+// What the program looks like, beside pictures that were looked at and kept. Run with different scale
+// factors, each of which has its own pictures. FABLEGRID_KEEP_RENDERS=1 in the environment replaces them.
 
 namespace {
 
-constexpr int tile = 8;               // physical pixels; letters of another font renderer differ within
+constexpr int tile = 8;                // physical pixels; letters of another font renderer differ within
 constexpr double mostTileDiffers = 40; // of 255, in the tile that differs most
 constexpr double mostOnAverage = 1.5;
 
