@@ -79,9 +79,9 @@ void Works::addPair(const QString &there, const Step &go, const QString &back, c
 
 QVector<Row> Works::measured(std::vector<double> &units)
 {
-    for (const auto part : {&Works::memory, &Works::documents, &Works::edits, &Works::editsBack,
-                            &Works::connections, &Works::typing, &Works::looking, &Works::everything,
-                            &Works::emptying}) {
+    for (const auto part :
+         {&Works::memory, &Works::documents, &Works::edits, &Works::editsBack, &Works::connections,
+          &Works::typing, &Works::looking, &Works::everything, &Works::emptying}) {
         units.push_back(Measure::unit());
         (this->*part)();
     }

@@ -47,10 +47,9 @@ struct Ruler
     QHash<QString, QSizeF> known;
 };
 
-std::vector<std::unique_ptr<Ruler>> rulers; // a handful; they go with the application, as fonts do
-
 Ruler &rulerFor(const QFont &font, double textWidth, double margin)
 {
+    static std::vector<std::unique_ptr<Ruler>> rulers; // a handful; they go with the application, as fonts do
     for (const std::unique_ptr<Ruler> &ruler : rulers) {
         if (ruler->isFor(font, textWidth, margin))
             return *ruler;

@@ -58,8 +58,8 @@ void OverViewerScene::removeOvNode(OvNode *entry)
     delete entry; // no edit of an entry changes the story, so none of its own handlers is running
 }
 
-/// All at once, which takes a third of the time: an item that leaves alone is looked up in a list of all of them.
-/// No edit of an entry changes the story, so none of their own handlers is running.
+/// All at once, which takes a third of the time: an item that leaves alone is looked up in a list of all of
+/// them. No edit of an entry changes the story, so none of their own handlers is running.
 void OverViewerScene::clearOvNodes()
 {
     takeInNewItems(*this); // several stories may come before the event loop runs

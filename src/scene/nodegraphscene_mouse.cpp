@@ -87,8 +87,8 @@ void NodegraphScene::selectInRubberBand()
     QSet<const Node *> listed(selectedNodes.begin(), selectedNodes.end());
     const QRectF band = selectionRect->rect();
     // From the topmost one down. The framework's own search would look into each node's parts as well.
-    for (auto it = nodes.rbegin(); it != nodes.rend(); ++it) {
-        Node *node = *it;
+    for (std::size_t i = nodes.size(); i-- > 0;) {
+        Node *node = nodes[i];
         if (!node->isVisible() || !isTouched(*node, band))
             continue;
         node->setSelected(true);

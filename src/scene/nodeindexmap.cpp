@@ -19,8 +19,8 @@ void NodeIndexMap::reindex(Node *node, int index)
 
 void NodeIndexMap::remove(Node *node)
 {
-    const auto found = keys.find(node);
-    if (found == keys.end())
+    const auto found = keys.constFind(node);
+    if (found == keys.constEnd())
         return;
     nodesByKey.erase(*found);
     keys.erase(found);

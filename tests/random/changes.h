@@ -20,8 +20,8 @@ public:
     /// The indices of the events that the tab held before there was anything to undo.
     QSet<int> startOf(const NodegraphView *view) const;
     /// Whether a connection that had replaced another one, be it between the same two events, has been undone
-    /// in that tab. The one that was replaced does not come back, so from then on the history as a whole leads
-    /// to another graph than the one shown.
+    /// in that tab. The one that was replaced does not come back, so from then on the history as a whole
+    /// leads to another graph than the one shown.
     bool hasLostConnection(const NodegraphView *view) const;
 
 private:
