@@ -24,6 +24,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent)
     connect(ui->Nodegraph, &QTabWidget::currentChanged, this, &MainWindow::currentTabChanged);
     connectCommands();
     startAutosave();
+    currentView()->setFocus(); // the keys that go about the canvas work from the start
 }
 
 MainWindow::~MainWindow()

@@ -12,8 +12,8 @@ void MainWindow::makeAccessible(QGraphicsView *panel)
     ui->Add_NodeButton->setAccessibleName(tr("Add Event"));
     ui->Add_NodeButton->setToolTip(ui->actionAdd_Event->toolTip());
     ui->AddNodeGraph_tool_button->setAccessibleName(tr("New Tab"));
-    ui->AddNodeGraph_tool_button->setToolTip(tr("Add a tab for another story."));
-    ui->F1_button->setToolTip(tr("List the important events of the story only."));
+    ui->AddNodeGraph_tool_button->setToolTip(tr("Add a tab for another story. (Ctrl+T)"));
+    ui->F1_button->setToolTip(tr("List the important events of the story only. (Ctrl+L)"));
     ui->Nodegraph->setAccessibleName(tr("Stories"));
     panel->setAccessibleName(tr("Events of the story"));
 
@@ -21,10 +21,21 @@ void MainWindow::makeAccessible(QGraphicsView *panel)
     new TextFitter(ui->AddNodeGraph_tool_button);
     new TextFitter(ui->F1_button);
 
+    // What there is a button for, and no menu entry.
+    auto *newTab = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_T), this);
+    connect(newTab, &QShortcut::activated, this, &MainWindow::addNodeGraphTab);
+    auto *endTab = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_W), this);
+    connect(endTab, &QShortcut::activated, this, [this] {
+        if (currentView())
+            closeTab(ui->Nodegraph->currentIndex());
+    });
+    auto *filter = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_L), this);
+    connect(filter, &QShortcut::activated, ui->F1_button, &QAbstractButton::click);
+
     // The menus have no letters to be opened by, so the key that opens the first one has to be there.
     auto *toMenus = new QShortcut(Qt::Key_F10, this);
     connect(toMenus, &QShortcut::activated, this, [this] {
-        ui->Menubar->setFocus(Qt::MenuBarFocusReason);
         ui->Menubar->setActiveAction(ui->menuFile->menuAction());
+        ui->menuFile->setActiveAction(ui->menuFile->actions().constFirst()); // as arrow keys do in the others
     });
 }

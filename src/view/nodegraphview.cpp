@@ -2,6 +2,7 @@
 
 #include "scene/nodegraphscene.h"
 #include "scene/viewroom.h"
+#include "view/canvaskeys.h"
 #include "view/overview.h"
 
 #include <QContextMenuEvent>
@@ -53,6 +54,7 @@ NodegraphView::NodegraphView(QWidget *parent) : QGraphicsView(parent)
                                     SLOT(sl_undoCommandAdded(QUndoCommand*)));
     connect(nodegraphScene_, SIGNAL(s_frameView(QRectF)), this, SLOT(sl_frameOnSelectedNodes(QRectF)));
     undoStack_ = new QUndoStack(this);
+    new CanvasKeys(this);
 }
 
 void NodegraphView::setNodegraphScene(NodegraphScene *scene)

@@ -33,10 +33,13 @@ private slots:
 
     void everyButtonHasANameAndATip();
     void panelAndCanvasHaveNames();
+    void canvasHasTheKeyboardAtTheStart();
     void menuKeyOpensTheFirstMenu();
     void menuKeyWorksWhileATextIsEdited();
     void everyMenuIsReachedByArrows();
     void tabsAreSwitchedByKey();
+    void tabsComeAndGoByKey();
+    void filterIsSwitchedByKey();
     void fixedButtonsShowTheirWholeText_data();
     void fixedButtonsShowTheirWholeText();
     void fontThatBecomesSmallerAgainIsTaken();
@@ -86,12 +89,18 @@ void tst_MainWindowAccess::panelAndCanvasHaveNames()
         QCOMPARE(nameOf(view), QStringLiteral("Graph of events"));
 }
 
+void tst_MainWindowAccess::canvasHasTheKeyboardAtTheStart()
+{
+    QCOMPARE(QApplication::focusWidget(), window->getViews().front());
+}
+
 void tst_MainWindowAccess::menuKeyOpensTheFirstMenu()
 {
     auto *file = window->findChild<QMenu *>(QStringLiteral("menuFile"));
     QTest::keyClick(window.get(), Qt::Key_F10);
     QTRY_VERIFY(file->isVisible());
     QCOMPARE(window->menuBar()->activeAction(), file->menuAction());
+    QCOMPARE(file->activeAction(), actionOf(*window, "actionNew"));
     file->close();
 }
 
@@ -131,6 +140,36 @@ void tst_MainWindowAccess::tabsAreSwitchedByKey()
     QCOMPARE(tabsOf(*window)->currentIndex(), 1);
     QTest::keyClick(tabsOf(*window), Qt::Key_Tab, Qt::ControlModifier);
     QCOMPARE(tabsOf(*window)->currentIndex(), 0);
+}
+
+void tst_MainWindowAccess::tabsComeAndGoByKey()
+{
+    QTest::keyClick(window.get(), Qt::Key_T, Qt::ControlModifier);
+    QCOMPARE(tabsOf(*window)->count(), 2);
+    tabsOf(*window)->setCurrentIndex(1);
+    const DialogAnswers answers({press(QMessageBox::No)});
+    QTest::keyClick(window.get(), Qt::Key_W, Qt::ControlModifier);
+    QCOMPARE(answers.problem(), QString());
+    QCOMPARE(tabTitles(*window), QStringList(QStringLiteral("Story 1")));
+    // Neither the last one nor one that is not there.
+    QTest::keyClick(window.get(), Qt::Key_W, Qt::ControlModifier);
+    QCOMPARE(tabsOf(*window)->count(), 1);
+    window->clearTabs();
+    QTest::keyClick(window.get(), Qt::Key_W, Qt::ControlModifier);
+    QCOMPARE(tabsOf(*window)->count(), 0);
+    QCOMPARE(answers.seen().size(), std::size_t(1));
+}
+
+void tst_MainWindowAccess::filterIsSwitchedByKey()
+{
+    NodegraphScene *scene = sceneOf(*window, 0);
+    scene->setEndOfStory(addEvent(scene, QStringLiteral("A"), QStringLiteral("plain")));
+    QCOMPARE(panelTexts(*window).size(), 1);
+    QTest::keyClick(window.get(), Qt::Key_L, Qt::ControlModifier);
+    QVERIFY(buttonOf(*window, "F1_button")->isChecked());
+    QCOMPARE(panelTexts(*window), QStringList());
+    QTest::keyClick(window.get(), Qt::Key_L, Qt::ControlModifier);
+    QCOMPARE(panelTexts(*window).size(), 1);
 }
 
 void tst_MainWindowAccess::fixedButtonsShowTheirWholeText_data()

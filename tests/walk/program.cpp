@@ -41,10 +41,13 @@ Program::~Program()
 
 QString Program::title() { return QStringLiteral("Fablegrid v0.1a"); }
 
-bool Program::start()
+bool Program::start(const QHash<QString, QString> &variables)
 {
     Desktop::tieToThisProcess(process);
-    process.setProcessEnvironment(desktop.environment());
+    QProcessEnvironment environment = desktop.environment();
+    for (auto it = variables.cbegin(); it != variables.cend(); ++it)
+        environment.insert(it.key(), it.value());
+    process.setProcessEnvironment(environment);
     process.setWorkingDirectory(desktop.homePath(QString()));
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.setStandardOutputFile(logPath);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QProcess>
 #include <QStringList>
 
@@ -15,8 +16,9 @@ public:
     Program(const Program &) = delete;
     Program &operator=(const Program &) = delete;
 
-    /// True when the main window is shown and has the keyboard.
-    bool start();
+    /// Starts it with these variables in its environment; true when the main window is shown and has the
+    /// keyboard.
+    bool start(const QHash<QString, QString> &variables = {});
     bool isRunning() const { return process.state() == QProcess::Running; }
     /// Waits for the program to end by itself; true if it did so without an error.
     bool endsWell();

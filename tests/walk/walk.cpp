@@ -6,7 +6,7 @@
 void Walk::start(const QString &name)
 {
     program = std::make_unique<Program>(desktop, name);
-    QVERIFY(program->start());
+    QVERIFY(program->start(variables));
     QVERIFY(window.measure());
     QVERIFY(window.entries().isEmpty());
     QVERIFY(window.events().isEmpty());

@@ -6,6 +6,8 @@
 #include "walk/program.h"
 #include "walk/scenefile.h"
 
+#include <QHash>
+
 #include <memory>
 
 // A walk is one story, told in steps; the first step that fails ends it.
@@ -25,6 +27,8 @@ public:
     Desktop desktop;
     std::unique_ptr<Program> program;
     EditorWindow window{desktop};
+    /// What the environment of the programs that are started has besides.
+    QHash<QString, QString> variables;
 
     /// Starts the program; `name` is that of its log.
     void start(const QString &name);

@@ -1,0 +1,134 @@
+#include "view/canvaskeys.h"
+
+#include "items/eventdata.h"
+#include "items/node.h"
+#include "items/nodedata.h"
+#include "items/stlineedit.h"
+#include "items/stnodename.h"
+#include "scene/nodegraphscene.h"
+#include "view/nodegraphview.h"
+
+#include <QKeyEvent>
+#include <QTextCursor>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr double sidewaysCost = 2.0; // a node that is off to a side counts as so much further away
+constexpr int margin = 50;           // pixels around a node that was brought into sight
+
+/// Null if the key is no arrow.
+QPoint directionOf(int key)
+{
+    switch (key) {
+    case Qt::Key_Left:
+        return {-1, 0};
+    case Qt::Key_Right:
+        return {1, 0};
+    case Qt::Key_Up:
+        return {0, -1};
+    case Qt::Key_Down:
+        return {0, 1};
+    default:
+        return {};
+    }
+}
+
+QPointF centreOf(const Node *node) { return node->scenePos() + node->boundingRect().center(); }
+
+} // namespace
+
+CanvasKeys::CanvasKeys(NodegraphView *keyedView) : QObject(keyedView), view(keyedView)
+{
+    view->installEventFilter(this);
+}
+
+bool CanvasKeys::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress && press(*static_cast<QKeyEvent *>(event)))
+        return true;
+    return QObject::eventFilter(watched, event);
+}
+
+bool CanvasKeys::press(const QKeyEvent &event)
+{
+    NodegraphScene *scene = view->nodegraphScene();
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    Node *edited = editedNode();
+    if (event.key() == Qt::Key_F2 && modifiers == Qt::NoModifier) {
+        Node *node = edited ? edited : scene->currentNode();
+        if (node)
+            edit(node);
+        return node != nullptr;
+    }
+    if (edited) {
+        if (event.key() != Qt::Key_Escape)
+            return false;
+        scene->setFocusItem(nullptr);
+        makeCurrent(edited);
+        return true;
+    }
+    const QPoint direction = directionOf(event.key());
+    if (direction.isNull() || modifiers != Qt::ControlModifier)
+        return false;
+    if (Node *next = nextNode(scene->currentNode(), direction))
+        makeCurrent(next);
+    return true;
+}
+
+Node *CanvasKeys::editedNode() const
+{
+    for (QGraphicsItem *item = view->nodegraphScene()->focusItem(); item; item = item->parentItem()) {
+        if (auto *node = dynamic_cast<Node *>(item))
+            return node;
+    }
+    return nullptr;
+}
+
+Node *CanvasKeys::nextNode(const Node *from, QPoint direction) const
+{
+    const NodegraphScene *scene = view->nodegraphScene();
+    if (!from && scene->endOfStoryNode())
+        return scene->endOfStoryNode();
+    Node *nearest = nullptr;
+    double least = std::numeric_limits<double>::max();
+    for (Node *node : scene->getNodes()) {
+        if (node == from || !node->isVisible())
+            continue;
+        const QPointF way = from ? centreOf(node) - centreOf(from) : centreOf(node);
+        const double ahead = way.x() * direction.x() + way.y() * direction.y();
+        const double sideways = std::abs(way.x() * direction.y() + way.y() * direction.x());
+        if (from && ahead <= 0)
+            continue;
+        const double distance = std::abs(ahead) + sidewaysCost * sideways;
+        if (distance < least) {
+            least = distance;
+            nearest = node;
+        }
+    }
+    return nearest;
+}
+
+void CanvasKeys::makeCurrent(Node *node)
+{
+    NodegraphScene *scene = view->nodegraphScene();
+    scene->deselectAll();
+    scene->sl_selectCurrentNode(node);
+    node->setSelected(true);
+    view->ensureVisible(node, margin, margin);
+}
+
+/// First the title, then the description, and so on in turn.
+void CanvasKeys::edit(Node *node)
+{
+    QGraphicsTextItem *text = node->getNameItem();
+    if (text->hasFocus() && node->getData() && node->getData()->eventContent())
+        text = node->getData()->eventContent()->getDescriptionItem();
+    text->setFocus(Qt::ShortcutFocusReason);
+    QTextCursor cursor = text->textCursor();
+    cursor.movePosition(QTextCursor::End);
+    text->setTextCursor(cursor);
+    view->ensureVisible(node, margin, margin);
+}
