@@ -46,18 +46,6 @@ void OverViewerScene::addOvNode(Node *node)
     connect(entry, &OvNode::s_nodeChanged, this, &OverViewerScene::sl_updateOvNode);
 }
 
-void OverViewerScene::removeOvNode(OvNode *entry)
-{
-    const auto found = std::find(ovNodes.begin(), ovNodes.end(), entry);
-    if (found == ovNodes.end())
-        return;
-    if (currentOvNode == entry)
-        currentOvNode = nullptr;
-    ovNodes.erase(found);
-    removeItem(entry);
-    delete entry; // no edit of an entry changes the story, so none of its own handlers is running
-}
-
 /// All at once, which takes a third of the time: an item that leaves alone is looked up in a list of all of
 /// them. No edit of an entry changes the story, so none of their own handlers is running.
 void OverViewerScene::clearOvNodes()

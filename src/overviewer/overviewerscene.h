@@ -48,7 +48,6 @@ private:
     void rebuildOvNodes();
     void makeEntriesIn(double top, double bottom);
     void addOvNode(Node *node);
-    void removeOvNode(OvNode *entry);
     void clearOvNodes();
 
     std::vector<Node *> storyNodes; // not owned; refreshed or emptied before any of them goes
