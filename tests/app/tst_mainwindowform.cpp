@@ -1,17 +1,11 @@
-#include "ui_mainwindow.h"
+#include "app/mainwindowform.h"
 
-#include <QApplication>
 #include <QDockWidget>
-#include <QImage>
-#include <QKeySequence>
 #include <QMainWindow>
 #include <QRegularExpression>
-#include <QScopeGuard>
-#include <QSignalSpy>
 #include <QStatusBar>
 #include <QTest>
 #include <QToolBar>
-#include <QTranslator>
 
 #include <array>
 #include <bit>
@@ -25,49 +19,7 @@ static void initResources() { Q_INIT_RESOURCE(fablegrid); }
 namespace {
 
 const QString windowIconPath = QStringLiteral(":/Logo/Assets/Logo/logo - Square (Fill) - App 1.svg");
-const QString logoPath = QStringLiteral(":/Logo/Assets/Logo/logo - Fill Clipped 4.png");
 const QString addNodePath = QStringLiteral(":/Icons/Assets/Icons/Add Node.png");
-
-constexpr QSize iconProbe(24, 24);
-
-struct ActionRow
-{
-    const char *name;
-    const char *text;
-    const char *shortcut = "";
-    const char *toolTip = "";
-};
-
-constexpr ActionRow actionRows[] = {
-    {"actionNew", "New", "Ctrl+N"},
-    {"actionOpen", "Open", "Ctrl+O"},
-    {"actionSave", "Save", "Ctrl+S"},
-    {"actionSave_As", "Save As"},
-    {"actionClose", "Close/Exit"},
-    {"actionUndo", "Undo", "Ctrl+Z"},
-    {"actionRedo", "Redo", "Ctrl+Y"},
-    {"actionCut", "Cut", "Ctrl+X"},
-    {"actionCopy", "Copy", "Ctrl+C"},
-    {"actionPaste", "Paste", "Ctrl+V"},
-    {"actionSelect_All", "Select All", "Ctrl+A"},
-    {"actionDeselect_All", "Deselect All"},
-    {"actionDelete", "Delete", "Del"},
-    {"actionZoom_In", "Zoom In", "Ctrl++"},
-    {"actionZoom_Out", "Zoom Out", "Ctrl+-"},
-    {"actionZoom_to_50", "Zoom to 50%"},
-    {"actionZoom_to_100", "Zoom to 100%"},
-    {"actionZoom_to_200", "Zoom to 200%"},
-    {"actionShortcuts", "Shortcuts", "Ctrl+/", "Shortcuts page (Under development)"},
-    {"actionHelp_and_Support", "Help and Support", "",
-     "Check the documentation to figure things out and how to utilize it to the fullest to Tell a story."},
-    {"actionFrame", "Frame", "Ctrl+F",
-     "Set the point of view to selected node(s). Set it to all of the nodes if none are selected."},
-    {"actionSet_End_of_Story", "Set End of Story", "Ctrl+E",
-     "This will set the current end of the story. Story will be acculumated upstream of this"},
-    {"actionSet_as_Important", "Set as Important", "Ctrl+I",
-     "Mark as an Important event in the story. Useful for summarizing later."},
-    {"actionAdd_Event", "Add Event", "Ctrl+Shift+A", "Add Event Node in your Story."},
-};
 
 struct ObjectRow
 {
@@ -103,59 +55,6 @@ constexpr ObjectRow objectRows[] = {
     {"OverviewerLayout", "QVBoxLayout", "gridLayout_2"},
 };
 
-/// Answers every text of the form with "Alt+" in front, which reads as a text and as a key sequence
-/// alike, and remembers what it was asked for.
-class PrefixTranslator : public QTranslator
-{
-public:
-    static QString altered(const QString &text) { return QStringLiteral("Alt+") + text; }
-
-    bool isEmpty() const override { return false; }
-
-    QString translate(const char *context, const char *sourceText, const char *, int) const override
-    {
-        if (qstrcmp(context, "MainWindow") != 0)
-            return {};
-        const QString text = QString::fromUtf8(sourceText);
-        asked.append(text);
-        return altered(text);
-    }
-
-    QStringList sortedTexts() const
-    {
-        QStringList texts = asked;
-        texts.sort();
-        return texts;
-    }
-
-private:
-    mutable QStringList asked;
-};
-
-/// Has a slot named for automatic connection.
-class NamedSlotWindow : public QMainWindow
-{
-    Q_OBJECT
-public:
-    int calls = 0;
-
-public slots:
-    void on_actionNew_triggered() { ++calls; }
-};
-
-QImage image(const QIcon &icon, QSize size = iconProbe, QIcon::Mode mode = QIcon::Normal)
-{
-    return icon.pixmap(size, mode, QIcon::Off).toImage();
-}
-
-QStringList actionNames(const QWidget *widget)
-{
-    QStringList names;
-    for (const QAction *action : widget->actions())
-        names.append(action->isSeparator() ? QStringLiteral("separator") : action->objectName());
-    return names;
-}
-
 void compareFrame(const QFrame *frame)
 {
     QCOMPARE(frame->frameShape(), QFrame::StyledPanel);
@@ -169,15 +68,14 @@ class tst_MainWindowForm : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
+    void initTestCase() { initResources(); }
     void init();
-    void cleanup();
+    void cleanup() { window.reset(); }
 
     void membersStandInOrder();
     void objects_data();
     void objects();
     void objectsAreComplete();
-
     void mainWindow();
     void keepsExistingObjectName();
     void refusesToShrinkBelowMinimum();
@@ -186,44 +84,23 @@ private slots:
     void addTabButton();
     void addNodeButton();
     void tabWidget();
-    void menuBar();
-    void menuStyleSheets_data();
-    void menuStyleSheets();
-    void menuContents_data();
-    void menuContents();
-    void logoMenu();
-    void logoMenuHasItsOwnFontSize();
-    void logoMenuShowsItsIcon();
     void dock();
     void dockKeepsItsWidth();
     void dockCanBeMovedButNotClosed();
     void dockContents();
     void filterButton();
 
-    void actions_data();
-    void actions();
-    void shortcutsPageIsOutOfReach();
-    void setsUntranslatedTexts();
-    void translatesEveryTextButTheLogoTitle();
-    void connectsSlotsByName();
-
 private:
     std::unique_ptr<QMainWindow> window;
     Ui::MainWindow form;
 };
 
-void tst_MainWindowForm::initTestCase() { initResources(); }
-
 void tst_MainWindowForm::init()
 {
-    // The offscreen platform says this whenever a dock starts to float; every other warning is a fault.
-    QTest::failOnWarning(
-        QRegularExpression(QStringLiteral("^(?!This plugin does not support raise\\(\\)$)")));
+    failOnWarningsOfTheForm();
     window = std::make_unique<QMainWindow>();
     form.setupUi(window.get());
 }
-
-void tst_MainWindowForm::cleanup() { window.reset(); }
 
 void tst_MainWindowForm::membersStandInOrder()
 {
@@ -412,126 +289,6 @@ void tst_MainWindowForm::tabWidget()
     QCOMPARE(form.Nodegraph->currentIndex(), -1);
 }
 
-void tst_MainWindowForm::menuBar()
-{
-    QCOMPARE(form.Menubar->geometry(), QRect(0, 0, 1440, 24));
-    QCOMPARE(form.Menubar->minimumSize(), QSize(0, 24));
-    QCOMPARE(form.Menubar->layoutDirection(), Qt::LeftToRight);
-    QVERIFY(form.Menubar->testAttribute(Qt::WA_SetLayoutDirection));
-    QCOMPARE(form.Menubar->styleSheet(),
-             QStringLiteral("color: rgb(255, 255, 255);\nbackground-color: rgb(66,66,66);"));
-    QVERIFY(!form.Menubar->isDefaultUp());
-    // Only a platform that has menus of its own answers yes, but it then does so for every default bar.
-    QCOMPARE(form.Menubar->isNativeMenuBar(), QMenuBar().isNativeMenuBar());
-
-    const QList<QAction *> order = {form.menuLogo->menuAction(),  form.menuFile->menuAction(),
-                                    form.menuEdit->menuAction(),  form.menuView->menuAction(),
-                                    form.menuTools->menuAction(), form.menuHelp->menuAction()};
-    QCOMPARE(form.Menubar->actions(), order);
-}
-
-void tst_MainWindowForm::menuStyleSheets_data()
-{
-    QTest::addColumn<QString>("styleSheet");
-    for (const char *name : {"menuFile", "menuEdit", "menuView", "menuHelp"})
-        QTest::newRow(name) << QStringLiteral("selection-background-color: rgb(68,68,68);");
-    for (const char *name : {"menuTools", "menuLogo"})
-        QTest::newRow(name) << QString();
-}
-
-void tst_MainWindowForm::menuStyleSheets()
-{
-    QFETCH(const QString, styleSheet);
-    QCOMPARE(window->findChild<QMenu *>(QString::fromLatin1(QTest::currentDataTag()))->styleSheet(),
-             styleSheet);
-}
-
-void tst_MainWindowForm::menuContents_data()
-{
-    QTest::addColumn<QString>("entries");
-    QTest::newRow("menuLogo") << QString();
-    QTest::newRow("menuFile") << QStringLiteral("actionNew actionOpen actionSave actionSave_As actionClose");
-    QTest::newRow("menuEdit") << QStringLiteral("actionUndo actionRedo actionCut actionCopy actionPaste "
-                                                "actionSelect_All actionDeselect_All actionDelete");
-    QTest::newRow("menuView") << QStringLiteral(
-        "actionZoom_In actionZoom_Out actionZoom_to_50 actionZoom_to_100 "
-        "actionZoom_to_200 separator actionFrame");
-    QTest::newRow("menuTools") << QStringLiteral(
-        "actionSet_End_of_Story actionSet_as_Important actionAdd_Event");
-    QTest::newRow("menuHelp") << QStringLiteral("actionHelp_and_Support");
-}
-
-void tst_MainWindowForm::menuContents()
-{
-    QFETCH(const QString, entries);
-    const auto *menu = window->findChild<QMenu *>(QString::fromLatin1(QTest::currentDataTag()));
-    QCOMPARE(actionNames(menu).join(QLatin1Char(' ')), entries);
-}
-
-void tst_MainWindowForm::logoMenu()
-{
-    const QMenu *menu = form.menuLogo;
-    QVERIFY(!menu->isEnabled());
-    QVERIFY(!menu->menuAction()->isEnabled());
-
-    QSizePolicy policy(QSizePolicy::Maximum, QSizePolicy::Maximum);
-    policy.setHorizontalStretch(24);
-    policy.setVerticalStretch(24);
-    QCOMPARE(menu->sizePolicy(), policy);
-    QCOMPARE(menu->minimumSize(), QSize(48, 48));
-    QCOMPARE(menu->maximumSize(), QSize(48, 48));
-    QCOMPARE(menu->sizeIncrement(), QSize(24, 24));
-    QCOMPARE(menu->baseSize(), QSize(24, 24));
-    QVERIFY(menu->hasMouseTracking());
-    QVERIFY(!menu->acceptDrops());
-    QVERIFY(!menu->autoFillBackground());
-    QVERIFY(!menu->isTearOffEnabled());
-    QCOMPARE(menu->title(), QStringLiteral("Logo"));
-
-    const QIcon icon = menu->menuAction()->icon();
-    QVERIFY(!icon.isNull());
-    QCOMPARE(image(icon), image(QIcon(logoPath)));
-    QCOMPARE(image(icon, iconProbe, QIcon::Disabled), image(icon));
-    for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Disabled}) {
-        QCOMPARE(icon.availableSizes(mode, QIcon::Off).size(), 1);
-        QCOMPARE(icon.availableSizes(mode, QIcon::On).size(), 0);
-    }
-    QCOMPARE(icon.availableSizes(QIcon::Active, QIcon::Off).size(), 0);
-}
-
-void tst_MainWindowForm::logoMenuHasItsOwnFontSize()
-{
-    const QFont before = QApplication::font();
-    const auto restoreFont = qScopeGuard([&before] { QApplication::setFont(before); });
-    QFont large = before;
-    large.setPointSize(21);
-    QApplication::setFont(large);
-
-    QMainWindow other;
-    Ui::MainWindow otherForm;
-    otherForm.setupUi(&other);
-    QCOMPARE(otherForm.menuFile->font().pointSize(), 21);
-    QCOMPARE(otherForm.menuLogo->font().pointSize(), 9);
-}
-
-void tst_MainWindowForm::logoMenuShowsItsIcon()
-{
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
-    QAction *logo = form.menuLogo->menuAction();
-    QVERIFY(logo->isVisible());
-    const QRect place = form.Menubar->actionGeometry(logo);
-    QVERIFY(!place.isEmpty());
-    const QImage shown = form.Menubar->grab(place).toImage();
-
-    // An invisible icon of the same size keeps the place but shows nothing.
-    QPixmap blank(logo->icon().actualSize(QSize(1024, 1024)));
-    blank.fill(Qt::transparent);
-    form.menuLogo->setIcon(QIcon(blank));
-    QCOMPARE(form.Menubar->actionGeometry(logo), place);
-    QVERIFY(form.Menubar->grab(place).toImage() != shown);
-}
-
 void tst_MainWindowForm::dock()
 {
     QCOMPARE(form.Overviewer->sizePolicy(), QSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred));
@@ -631,122 +388,5 @@ void tst_MainWindowForm::filterButton()
     QTRY_COMPARE(form.F1_button->geometry().right(), form.Filter_bar->contentsRect().right());
 }
 
-void tst_MainWindowForm::actions_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("shortcut");
-    QTest::addColumn<QString>("toolTip");
-    for (const ActionRow &row : actionRows) {
-        // Without a tip of its own an action answers with its text.
-        const char *toolTip = *row.toolTip ? row.toolTip : row.text;
-        QTest::newRow(row.name) << QString::fromLatin1(row.text) << QString::fromLatin1(row.shortcut)
-                                << QString::fromLatin1(toolTip);
-    }
-}
-
-void tst_MainWindowForm::actions()
-{
-    QFETCH(const QString, text);
-    QFETCH(const QString, shortcut);
-    QFETCH(const QString, toolTip);
-    const auto *action = window->findChild<QAction *>(QString::fromLatin1(QTest::currentDataTag()));
-    QCOMPARE(action->text(), text);
-    QCOMPARE(action->shortcuts(), shortcut.isEmpty() ? QList<QKeySequence>() : QList{QKeySequence(shortcut)});
-    QCOMPARE(action->toolTip(), toolTip);
-    QVERIFY(action->icon().isNull());
-    QVERIFY(action->isEnabled());
-    QVERIFY(!action->isCheckable());
-}
-
-void tst_MainWindowForm::shortcutsPageIsOutOfReach()
-{
-    QVERIFY(form.actionShortcuts->associatedObjects().isEmpty());
-
-    window->show();
-    window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(window.get()));
-    const QSignalSpy shortcutsSpy(form.actionShortcuts, &QAction::triggered);
-    const QSignalSpy frameSpy(form.actionFrame, &QAction::triggered);
-    QTest::keyClick(window.get(), Qt::Key_Slash, Qt::ControlModifier);
-    QTest::keyClick(window.get(), Qt::Key_F, Qt::ControlModifier);
-    QCOMPARE(frameSpy.count(), 1);
-    QCOMPARE(shortcutsSpy.count(), 0);
-}
-
-void tst_MainWindowForm::setsUntranslatedTexts()
-{
-    QCOMPARE(window->windowTitle(), QStringLiteral("MainWindow"));
-    QCOMPARE(form.AddNodeGraph_tool_button->text(), QStringLiteral("Tab +"));
-    QCOMPARE(form.Add_NodeButton->text(), QString());
-    QCOMPARE(form.menuFile->title(), QStringLiteral("File"));
-    QCOMPARE(form.menuEdit->title(), QStringLiteral("Edit"));
-    QCOMPARE(form.menuView->title(), QStringLiteral("View"));
-    QCOMPARE(form.menuHelp->title(), QStringLiteral("Help"));
-    QCOMPARE(form.menuTools->title(), QStringLiteral("Tools"));
-    QCOMPARE(form.Overviewer->windowTitle(), QStringLiteral("Overviewer"));
-    QCOMPARE(form.F1_button->text(), QStringLiteral("Important events"));
-}
-
-void tst_MainWindowForm::translatesEveryTextButTheLogoTitle()
-{
-    const auto altered = &PrefixTranslator::altered;
-    PrefixTranslator translator;
-    QVERIFY(QCoreApplication::installTranslator(&translator));
-    const auto removeTranslator =
-        qScopeGuard([&translator] { QCoreApplication::removeTranslator(&translator); });
-    form.retranslateUi(window.get());
-
-    QStringList expected = {
-        QStringLiteral("MainWindow"), QStringLiteral("Tab +"),      QStringLiteral("File"),
-        QStringLiteral("Edit"),       QStringLiteral("View"),       QStringLiteral("Help"),
-        QStringLiteral("Tools"),      QStringLiteral("Overviewer"), QStringLiteral("Important events"),
-    };
-    for (const ActionRow &row : actionRows) {
-        for (const char *text : {row.text, row.shortcut, row.toolTip}) {
-            if (*text)
-                expected.append(QString::fromLatin1(text));
-        }
-    }
-    expected.sort();
-    QCOMPARE(translator.sortedTexts(), expected);
-
-    for (const ActionRow &row : actionRows) {
-        const auto *action = window->findChild<QAction *>(QString::fromLatin1(row.name));
-        QCOMPARE(action->text(), altered(QString::fromLatin1(row.text)));
-        if (*row.shortcut)
-            QCOMPARE(action->shortcut(), QKeySequence(altered(QString::fromLatin1(row.shortcut))));
-        if (*row.toolTip)
-            QCOMPARE(action->toolTip(), altered(QString::fromLatin1(row.toolTip)));
-    }
-    QCOMPARE(window->windowTitle(), altered(QStringLiteral("MainWindow")));
-    QCOMPARE(form.AddNodeGraph_tool_button->text(), altered(QStringLiteral("Tab +")));
-    QCOMPARE(form.Add_NodeButton->text(), QString());
-    QCOMPARE(form.menuFile->title(), altered(QStringLiteral("File")));
-    QCOMPARE(form.menuEdit->title(), altered(QStringLiteral("Edit")));
-    QCOMPARE(form.menuView->title(), altered(QStringLiteral("View")));
-    QCOMPARE(form.menuHelp->title(), altered(QStringLiteral("Help")));
-    QCOMPARE(form.menuTools->title(), altered(QStringLiteral("Tools")));
-    QCOMPARE(form.Overviewer->windowTitle(), altered(QStringLiteral("Overviewer")));
-    QCOMPARE(form.F1_button->text(), altered(QStringLiteral("Important events")));
-    QCOMPARE(form.menuLogo->title(), QStringLiteral("Logo"));
-
-    // A form that is built with the translator in place is translated from the start.
-    QMainWindow translated;
-    Ui::MainWindow translatedForm;
-    translatedForm.setupUi(&translated);
-    QCOMPARE(translatedForm.actionNew->text(), altered(QStringLiteral("New")));
-    QCOMPARE(translatedForm.menuLogo->title(), QStringLiteral("Logo"));
-}
-
-void tst_MainWindowForm::connectsSlotsByName()
-{
-    NamedSlotWindow named;
-    Ui::MainWindow namedForm;
-    namedForm.setupUi(&named);
-    namedForm.actionNew->trigger();
-    QCOMPARE(named.calls, 1);
-}
-
 QTEST_MAIN(tst_MainWindowForm)
-
 #include "tst_mainwindowform.moc"
