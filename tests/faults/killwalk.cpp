@@ -3,6 +3,7 @@
 #include "faults/savedocuments.h"
 #include "walk/desktop.h"
 #include "walk/editorwindow.h"
+#include "walk/need.h"
 #include "walk/program.h"
 
 #include <QCoreApplication>
@@ -17,14 +18,6 @@
 // real window. Afterwards the file must be one of the two. Not a test by itself: kill-loop.sh runs it.
 //
 // Arguments: the program, the number of kills, a number that decides on the instants.
-
-#define NEED(condition)                                                                                      \
-    do {                                                                                                     \
-        if (!(condition)) {                                                                                  \
-            qCritical("Line %d: %s", __LINE__, #condition);                                                  \
-            return false;                                                                                    \
-        }                                                                                                    \
-    } while (false)
 
 namespace {
 

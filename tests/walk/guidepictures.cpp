@@ -1,5 +1,6 @@
 #include "walk/desktop.h"
 #include "walk/editorwindow.h"
+#include "walk/need.h"
 #include "walk/program.h"
 
 #include <QCoreApplication>
@@ -10,14 +11,6 @@
 // step that does not come out as expected ends it with the line that failed.
 //
 // Arguments: the folder for the pictures, the path of the sample story.
-
-#define NEED(condition)                                                                                      \
-    do {                                                                                                     \
-        if (!(condition)) {                                                                                  \
-            qCritical("Line %d: %s", __LINE__, #condition);                                                  \
-            return false;                                                                                    \
-        }                                                                                                    \
-    } while (false)
 
 namespace {
 
