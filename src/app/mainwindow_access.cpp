@@ -32,10 +32,9 @@ void MainWindow::makeAccessible(QGraphicsView *panel)
     auto *filter = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_L), this);
     connect(filter, &QShortcut::activated, ui->F1_button, &QAbstractButton::click);
 
-    // The menus have no letters to be opened by, so the key that opens the first one has to be there.
+    // The menus have no letters to be opened by, so the key that opens the first one has to be there. No
+    // entry is chosen yet: the first one is New, which asks nothing.
     auto *toMenus = new QShortcut(Qt::Key_F10, this);
-    connect(toMenus, &QShortcut::activated, this, [this] {
-        ui->Menubar->setActiveAction(ui->menuFile->menuAction());
-        ui->menuFile->setActiveAction(ui->menuFile->actions().constFirst()); // as arrow keys do in the others
-    });
+    connect(toMenus, &QShortcut::activated, this,
+            [this] { ui->Menubar->setActiveAction(ui->menuFile->menuAction()); });
 }

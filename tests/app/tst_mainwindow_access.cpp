@@ -100,7 +100,7 @@ void tst_MainWindowAccess::menuKeyOpensTheFirstMenu()
     QTest::keyClick(window.get(), Qt::Key_F10);
     QTRY_VERIFY(file->isVisible());
     QCOMPARE(window->menuBar()->activeAction(), file->menuAction());
-    QCOMPARE(file->activeAction(), actionOf(*window, "actionNew"));
+    QCOMPARE(file->activeAction(), nullptr); // a second key by mistake must not discard everything
     file->close();
 }
 

@@ -54,7 +54,8 @@ void tst_AccessWalk::chooseByArrows(int menu, int entry)
     QVERIFY(eventually([this] { return !window.openedMenu().isEmpty(); }));
     for (int i = 0; i < menu; ++i)
         QVERIFY(desktop.key(QStringLiteral("Right")));
-    for (int i = 0; i < entry; ++i)
+    // The menu that was opened first has no entry chosen, the others have their first one.
+    for (int i = menu == 0 ? -1 : 0; i < entry; ++i)
         QVERIFY(desktop.key(QStringLiteral("Down")));
     QVERIFY(desktop.key(QStringLiteral("Return")));
     QVERIFY(eventually([this] { return window.openedMenu().isEmpty(); }));
