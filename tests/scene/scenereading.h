@@ -1,0 +1,54 @@
+#pragma once
+
+#include "commands/graphtab.h"
+#include "scene/scenebytes.h"
+
+#include <QLoggingCategory>
+#include <QSignalSpy>
+
+using SceneBytes::Record;
+using SceneBytes::Records;
+
+// What the tests of reading share.
+
+/// A record whose title names its index.
+inline Record eventRecord(int index, int prevIndex = -1, int endOfStory = 0, int important = 0)
+{
+    return {QStringLiteral("Title %1").arg(index),
+            QPointF(10.5 * index, 20),
+            index,
+            prevIndex,
+            endOfStory,
+            important,
+            QStringLiteral("Text %1").arg(index)};
+}
+
+inline void load(GraphTab &tab, const Records &records)
+{
+    SceneBytes::load(tab.scene, SceneBytes::block(records));
+}
+
+inline QList<int> savedUpstreams(NodegraphScene &scene)
+{
+    QList<int> upstreams;
+    for (const Record &record : SceneBytes::savedRecords(scene))
+        upstreams << record.prevIndex;
+    return upstreams;
+}
+
+/// Keeps the progress of a thousand nodes out of the log; warnings go on.
+struct NoProgressLog
+{
+    NoProgressLog() { QLoggingCategory::setFilterRules(QStringLiteral("default.info=false")); }
+    ~NoProgressLog() { QLoggingCategory::setFilterRules(QString()); }
+    NoProgressLog(const NoProgressLog &) = delete;
+    NoProgressLog &operator=(const NoProgressLog &) = delete;
+};
+
+inline void expectRefusals(int count)
+{
+    QTest::ignoreMessage(
+        QtWarningMsg,
+        qPrintable(QStringLiteral("Damaged scene file: \"\" has %1 connections that close a cycle, left out")
+                       .arg(count)));
+}
