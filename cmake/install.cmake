@@ -9,6 +9,9 @@ if(NOT UNIX OR APPLE)
     return()
 endif()
 
+# All libraries are the system's own.
+set_target_properties(fablegrid PROPERTIES INSTALL_RPATH "")
+
 set(desktop_id example.fablegrid.fablegrid)
 set(linux_files ${PROJECT_SOURCE_DIR}/packaging/linux)
 set(made_files ${PROJECT_BINARY_DIR}/packaging)
