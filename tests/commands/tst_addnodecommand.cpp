@@ -27,6 +27,7 @@ private slots:
     void undoTakesNoMarkThatTheNodeWasNotGivenByAdding();
     void redoTakesTheEndMarkAgain();
     void redoTakesTheEndMarkFromWhoeverHasItNow();
+    void markMovedAfterARedoStaysWhereItIs();
     void redoOfTheOnlyNodeMakesItTheEndAgain();
     void redoBringsTheNodeBackAsItStood();
     void redoKeepsEmptiedTexts();
@@ -264,6 +265,26 @@ void tst_AddNodeCommand::redoTakesTheEndMarkFromWhoeverHasItNow()
     tab.stack.undo();
     QCOMPARE(tab.scene.endOfStoryNode(), aside);
     QVERIFY(!first->getIsEndOfStory());
+}
+
+void tst_AddNodeCommand::markMovedAfterARedoStaysWhereItIs()
+{
+    GraphTab tab;
+    Node *aside = addLoose(tab.scene, QPointF(10, 2000));
+    addLoose(tab.scene, QPointF(10, 10));
+    tab.scene.setEndOfStory(tab.node(1));
+    tab.addBehind(tab.node(1));
+    tab.stack.undo();
+    tab.stack.redo();
+    QCOMPARE(tab.scene.endOfStoryNode(), tab.node(2));
+    tab.scene.setEndOfStory(aside);
+    for (int i = 0; i < 2; ++i) {
+        tab.stack.undo();
+        QCOMPARE(tab.scene.endOfStoryNode(), aside);
+        tab.stack.redo();
+        QCOMPARE(tab.scene.endOfStoryNode(), aside);
+    }
+    QVERIFY(!tab.node(2)->getIsEndOfStory());
 }
 
 void tst_AddNodeCommand::redoOfTheOnlyNodeMakesItTheEndAgain()
