@@ -37,13 +37,15 @@ Node *DelNodeCommand::meantNode() const
 
 void DelNodeCommand::captureLinksAndMarks()
 {
+    hadInput = false;
     prevIndex = -1;
     prevNode = nullptr;
     nextNodes.clear();
     nextIndices.clear();
     if (!node)
         return;
-    if (node->hasInput()) {
+    hadInput = node->hasInput();
+    if (hadInput) {
         prevIndex = node->getPrevIndex();
         prevNode = node->prevNode();
     }
@@ -97,7 +99,8 @@ void DelNodeCommand::undo()
 
 void DelNodeCommand::restoreLinks()
 {
-    prevNode = scene->findNodeByIndex(prevIndex);
+    // Not by the index alone: in a damaged file a node can have the one that means none.
+    prevNode = hadInput ? scene->findNodeByIndex(prevIndex) : nullptr;
     nextNodes.clear();
     for (const int nextIndex : nextIndices)
         nextNodes.emplace_back(scene->findNodeByIndex(nextIndex));

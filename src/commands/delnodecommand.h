@@ -41,6 +41,7 @@ private:
     QString name;
     QPointer<Node> node; // the node at construction, later the one that undo() made
     QPointer<Node> prevNode;
+    bool hadInput = false;
     int prevIndex = -1; // of the upstream node, -1 without one
     std::vector<QPointer<Node>> nextNodes;
     std::vector<int> nextIndices;

@@ -90,6 +90,7 @@ private slots:
     void whatWasDoneAfterAnUndoSurvivesRedoAndUndo();
     void marksOfAfterAnUndoSurviveRedoAndUndo();
     void takesNoOtherNodeWhenItsIndexIsTakenMeanwhile();
+    void eventWithTheIndexOfNoneIsNotTakenForUpstream();
     void payloadStaysTheNodesOwn();
     void keepsTheTextAndNoObjects();
     void commandsNeverMerge();
@@ -416,6 +417,23 @@ void tst_DelNodeCommand::takesNoOtherNodeWhenItsIndexIsTakenMeanwhile()
 }
 
 // The command works on a copy: neither the node nor the one that comes back gives its payload away.
+// A damaged file can give an event the index that means none. Undoing a deletion then took that event for
+// what had led to the deleted one, and the true connection, which would have closed a cycle, was not made.
+void tst_DelNodeCommand::eventWithTheIndexOfNoneIsNotTakenForUpstream()
+{
+    GraphTab tab;
+    addChain(tab.scene, 2);
+    Node *second = tab.node(1);
+    second->setIndex(-1);
+    tab.scene.deselectAll();
+    tab.scene.sl_selectCurrentNode(tab.node(0));
+    tab.scene.deleteSelectedNodes(nullptr);
+    QVERIFY(!second->hasInput());
+    tab.stack.undo();
+    QCOMPARE(second->prevNode(), tab.node(0));
+    QVERIFY(!tab.node(0)->hasInput());
+}
+
 void tst_DelNodeCommand::payloadStaysTheNodesOwn()
 {
     GraphTab tab;
