@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Runs the fuzz targets side by side for that many seconds each, or the named ones only:
 #   tests/fuzz/run.sh 60 [fuzz_document] [fuzz_edits]
+# With FABLEGRID_FUZZ_SEED in the environment the inputs come in the same order every time.
 # Starts from the committed corpus. What the run adds to it stays in build/fuzz/corpus until the next run, and
 # every input that did harm in build/fuzz/artifacts.
 set -euo pipefail
@@ -44,6 +45,7 @@ start() {
     rm -rf "$corpus"
     mkdir -p "$corpus" "$scratch/$name"
     cp -r "tests/fuzz/corpus/$name/." "$corpus"
+    [[ -z ${FABLEGRID_FUZZ_SEED:-} ]] || options+=("-seed=$FABLEGRID_FUZZ_SEED")
     [[ ! -e tests/fuzz/$name.dict ]] || options+=("-dict=tests/fuzz/$name.dict")
     TMPDIR=$scratch/$name QT_QPA_PLATFORM=offscreen QT_QPA_PLATFORMTHEME='' LC_ALL=C.UTF-8 \
         ASAN_OPTIONS=detect_leaks=1:quarantine_size_mb=64 LSAN_OPTIONS=print_suppressions=0 \
