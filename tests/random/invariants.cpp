@@ -223,7 +223,7 @@ QString faultOfBytes(NodegraphScene &scene)
             return QStringLiteral("an event %1 is saved that is not there").arg(record.index);
         SceneBytes::Record shown;
         shown.title = node->getTitle();
-        shown.pos = node->scenePos();
+        shown.pos = node->pos(); // scenePos() loses the sign of a zero
         shown.index = node->getIndex();
         shown.prevIndex = node->prevNode() ? node->prevNode()->getIndex() : -1;
         shown.endOfStory = node == scene.endOfStoryNode();
