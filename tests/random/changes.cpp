@@ -91,7 +91,7 @@ QString Changes::unexplained(const MainWindow &window, const Step &step)
     if (!former.isEmpty() && !(step.effects & Effect::documents))
         return QStringLiteral("a tab has gone");
     // An edit on the panel reaches the event of that index in every tab.
-    if (typed.size() > 1)
+    if (typed.size() > (step.effects & Effect::scrolls ? 2 : 1))
         return QStringLiteral("the texts of several events have changed");
     return fault;
 }

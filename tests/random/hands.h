@@ -29,6 +29,7 @@ inline constexpr int pastes = 64;     // what is added has its texts from events
 inline constexpr int history = 128;   // what is added has been there before
 inline constexpr int documents = 256; // tabs may come and go
 inline constexpr int strays = 512;    // the mouse went on in a tab that is not shown any more
+inline constexpr int scrolls = 1024;  // the second click of two met another place than the first
 } // namespace Effect
 
 struct Step

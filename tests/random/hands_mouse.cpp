@@ -96,7 +96,11 @@ void Hands::press()
         return;
     }
     if (kind == 1) {
+        const QPointF clicked = view()->mapToScene(mousePos);
         clickOnce(Qt::LeftButton);
+        // A text scrolls to its cursor, so the second click may empty another new description.
+        if (view()->mapToScene(mousePos) != clicked)
+            step.effects |= Effect::scrolls;
         send(view(), QEvent::MouseButtonDblClick, mousePos, Qt::LeftButton, Qt::LeftButton);
     } else {
         send(view(), QEvent::MouseButtonPress, mousePos, Qt::LeftButton, Qt::LeftButton);
