@@ -5,6 +5,7 @@
 #include <QWheelEvent>
 
 #include <cmath>
+#include <memory>
 
 namespace {
 
@@ -137,8 +138,20 @@ class tst_BadFilesFarEvents : public QObject
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarningsOfTheProgram(); }
-    void cleanup() { flushDeferredDeletes(); }
+    void init()
+    {
+        failOnWarningsOfTheProgram();
+        QFETCH(const std::vector<QPointF>, places);
+        QFETCH(const bool, connected);
+        far = std::make_unique<FarWindow>(places, connected);
+    }
+    void cleanup()
+    {
+        const QStringList warnings = far->opener.takeWarnings();
+        far.reset();
+        flushDeferredDeletes();
+        QCOMPARE(warnings, QStringList());
+    }
 
     void windowIsShownAndSaved_data() { places(); }
     void windowIsShownAndSaved();
@@ -181,181 +194,135 @@ private:
     }
 
     PrivateHome home;
+    std::unique_ptr<FarWindow> far;
 };
 
 void tst_BadFilesFarEvents::windowIsShownAndSaved()
 {
-    QFETCH(const std::vector<QPointF>, places);
-    QFETCH(const bool, connected);
-    FarWindow far(places, connected);
-    if (QTest::currentTestFailed())
-        return;
-    QVERIFY(far.isSound());
-    QCOMPARE(far.opener.bytes().toHex(), far.bytes.toHex());
-    QCOMPARE(far.opener.takeWarnings(), QStringList());
+    QVERIFY(far->isSound());
+    QCOMPARE(far->opener.bytes().toHex(), far->bytes.toHex());
 }
 
 void tst_BadFilesFarEvents::viewComesBackToTheNearEvent()
 {
-    QFETCH(const std::vector<QPointF>, places);
-    QFETCH(const bool, connected);
-    FarWindow far(places, connected);
-    if (QTest::currentTestFailed())
-        return;
-    far.frame(far.nearNode());
-    QVERIFY(far.isSound());
-    QVERIFY(far.isShownWhole(far.nearNode()));
-    far.frame(nullptr); // all of them
-    QVERIFY(far.isSound());
-    far.frame(far.farNode());
-    QVERIFY(far.isSound());
-    far.frame(far.nearNode());
-    QVERIFY(far.isSound());
-    QVERIFY(far.isShownWhole(far.nearNode()));
-    actionOf(far.window(), "actionZoom_to_100")->trigger();
-    QCOMPARE(far.view()->transform().m11(), 1.0);
-    QVERIFY(far.isSound());
-    QCOMPARE(far.opener.takeWarnings(), QStringList());
+    far->frame(far->nearNode());
+    QVERIFY(far->isSound());
+    QVERIFY(far->isShownWhole(far->nearNode()));
+    far->frame(nullptr); // all of them
+    QVERIFY(far->isSound());
+    far->frame(far->farNode());
+    QVERIFY(far->isSound());
+    far->frame(far->nearNode());
+    QVERIFY(far->isSound());
+    QVERIFY(far->isShownWhole(far->nearNode()));
+    actionOf(far->window(), "actionZoom_to_100")->trigger();
+    QCOMPARE(far->view()->transform().m11(), 1.0);
+    QVERIFY(far->isSound());
 }
 
 // Where an event is too far for whole pixels, the view need not come there, but it stays a view.
 void tst_BadFilesFarEvents::farEventIsFramed()
 {
-    QFETCH(const std::vector<QPointF>, places);
-    QFETCH(const bool, connected);
-    FarWindow far(places, connected);
-    if (QTest::currentTestFailed())
-        return;
-    far.frame(far.farNode());
-    QVERIFY(far.isSound());
-    actionOf(far.window(), "actionZoom_to_100")->trigger();
-    QVERIFY(far.isSound());
-    QCOMPARE(far.opener.bytes().toHex(), far.bytes.toHex());
-    QCOMPARE(far.opener.takeWarnings(), QStringList());
+    far->frame(far->farNode());
+    QVERIFY(far->isSound());
+    actionOf(far->window(), "actionZoom_to_100")->trigger();
+    QVERIFY(far->isSound());
+    QCOMPARE(far->opener.bytes().toHex(), far->bytes.toHex());
 }
 
 void tst_BadFilesFarEvents::wheelAndZoomWork()
 {
-    QFETCH(const std::vector<QPointF>, places);
-    QFETCH(const bool, connected);
-    FarWindow far(places, connected);
-    if (QTest::currentTestFailed())
-        return;
-    for (Node *node : {static_cast<Node *>(nullptr), far.farNode(), far.nearNode()}) {
-        far.frame(node);
+    for (Node *node : {static_cast<Node *>(nullptr), far->farNode(), far->nearNode()}) {
+        far->frame(node);
         for (const int delta : {120, 120, -120, -120, -120, 120})
-            far.wheel(delta);
+            far->wheel(delta);
         for (const char *action :
              {"actionZoom_In", "actionZoom_Out", "actionZoom_to_50", "actionZoom_to_200"}) {
-            actionOf(far.window(), action)->trigger();
-            far.settle();
-            far.drawAll();
-            QVERIFY(far.isSound());
+            actionOf(far->window(), action)->trigger();
+            far->settle();
+            far->drawAll();
+            QVERIFY(far->isSound());
         }
-        QCOMPARE(far.view()->transform().m11(), 2.0);
-        far.drag({400, 300}, {200, 100}, Qt::RightButton);
-        QVERIFY(far.isSound());
+        QCOMPARE(far->view()->transform().m11(), 2.0);
+        far->drag({400, 300}, {200, 100}, Qt::RightButton);
+        QVERIFY(far->isSound());
     }
-    QCOMPARE(far.opener.bytes().toHex(), far.bytes.toHex());
-    QCOMPARE(far.opener.takeWarnings(), QStringList());
+    QCOMPARE(far->opener.bytes().toHex(), far->bytes.toHex());
 }
 
 void tst_BadFilesFarEvents::nearEventIsDragged()
 {
-    QFETCH(const std::vector<QPointF>, places);
-    QFETCH(const bool, connected);
-    FarWindow far(places, connected);
-    if (QTest::currentTestFailed())
-        return;
-    far.frame(far.nearNode());
-    actionOf(far.window(), "actionZoom_to_50")->trigger();
-    far.view()->centerOn(far.nearNode());
-    far.settle();
-    const QPoint handle = far.handleOf(far.nearNode());
-    QVERIFY(far.view()->viewport()->rect().contains(handle));
-    far.drag(handle, handle + QPoint(40, 30));
-    QCOMPARE(far.nearNode()->scenePos(), QPointF(380, 260));
-    QCOMPARE(far.opener.takeWarnings(), QStringList());
+    far->frame(far->nearNode());
+    actionOf(far->window(), "actionZoom_to_50")->trigger();
+    far->view()->centerOn(far->nearNode());
+    far->settle();
+    const QPoint handle = far->handleOf(far->nearNode());
+    QVERIFY(far->view()->viewport()->rect().contains(handle));
+    far->drag(handle, handle + QPoint(40, 30));
+    QCOMPARE(far->nearNode()->scenePos(), QPointF(380, 260));
 }
 
 // Where the view is too far out to lead back from its pixels to the scene, it must not guess.
 void tst_BadFilesFarEvents::dragOnTheCanvasMovesNoEvent()
 {
     QFETCH(const std::vector<QPointF>, places);
-    QFETCH(const bool, connected);
-    FarWindow far(places, connected);
-    if (QTest::currentTestFailed())
-        return;
-    for (Node *node : {static_cast<Node *>(nullptr), far.farNode()}) {
-        far.frame(node);
-        for (int x = 20; x < far.view()->viewport()->width(); x += 60) {
-            for (int y = 20; y < far.view()->viewport()->height(); y += 60) {
-                if (!far.showsCanvas({x, y}))
+    for (Node *node : {static_cast<Node *>(nullptr), far->farNode()}) {
+        far->frame(node);
+        for (int x = 20; x < far->view()->viewport()->width(); x += 60) {
+            for (int y = 20; y < far->view()->viewport()->height(); y += 60) {
+                if (!far->showsCanvas({x, y}))
                     continue;
-                far.send(QEvent::MouseButtonPress, QPoint(x, y), Qt::LeftButton, Qt::LeftButton);
-                far.send(QEvent::MouseMove, QPoint(x + 15, y + 10), Qt::NoButton, Qt::LeftButton);
-                far.send(QEvent::MouseButtonRelease, QPoint(x + 15, y + 10), Qt::LeftButton, Qt::NoButton);
+                far->send(QEvent::MouseButtonPress, QPoint(x, y), Qt::LeftButton, Qt::LeftButton);
+                far->send(QEvent::MouseMove, QPoint(x + 15, y + 10), Qt::NoButton, Qt::LeftButton);
+                far->send(QEvent::MouseButtonRelease, QPoint(x + 15, y + 10), Qt::LeftButton, Qt::NoButton);
             }
         }
-        QCOMPARE(far.nearNode()->scenePos(), QPointF(300, 200));
-        QCOMPARE(far.farNode()->scenePos(), places.back());
+        QCOMPARE(far->nearNode()->scenePos(), QPointF(300, 200));
+        QCOMPARE(far->farNode()->scenePos(), places.back());
     }
-    QCOMPARE(far.opener.takeWarnings(), QStringList());
 }
 
 void tst_BadFilesFarEvents::eventIsAddedBehindTheFarOne()
 {
-    QFETCH(const std::vector<QPointF>, places);
-    QFETCH(const bool, connected);
-    FarWindow far(places, connected);
-    if (QTest::currentTestFailed())
-        return;
-    const std::size_t count = far.scene()->getNodes().size();
-    far.scene()->sl_selectCurrentNode(far.farNode());
-    actionOf(far.window(), "actionAdd_Event")->trigger();
-    far.settle();
-    far.drawAll();
-    QCOMPARE(far.scene()->getNodes().size(), count + 1);
-    const QPointF added = far.farNode()->scenePos();
+    const std::size_t count = far->scene()->getNodes().size();
+    far->scene()->sl_selectCurrentNode(far->farNode());
+    actionOf(far->window(), "actionAdd_Event")->trigger();
+    far->settle();
+    far->drawAll();
+    QCOMPARE(far->scene()->getNodes().size(), count + 1);
+    const QPointF added = far->farNode()->scenePos();
     QVERIFY(std::isfinite(added.x()) && std::isfinite(added.y()));
-    QVERIFY(far.isSound());
-    actionOf(far.window(), "actionUndo")->trigger();
-    QCOMPARE(far.opener.bytes().toHex(), far.bytes.toHex());
+    QVERIFY(far->isSound());
+    actionOf(far->window(), "actionUndo")->trigger();
+    QCOMPARE(far->opener.bytes().toHex(), far->bytes.toHex());
 
     // And one behind the near one, which has to be seen.
-    far.frame(far.nearNode());
-    actionOf(far.window(), "actionAdd_Event")->trigger();
-    far.settle();
-    far.drawAll();
-    QCOMPARE(far.scene()->getNodes().size(), count + 1);
-    QVERIFY(far.farNode()->scenePos().x() < 2000);
-    QCOMPARE(far.opener.takeWarnings(), QStringList());
+    far->frame(far->nearNode());
+    actionOf(far->window(), "actionAdd_Event")->trigger();
+    far->settle();
+    far->drawAll();
+    QCOMPARE(far->scene()->getNodes().size(), count + 1);
+    QVERIFY(far->farNode()->scenePos().x() < 2000);
 }
 
 void tst_BadFilesFarEvents::everythingElseIsTried()
 {
-    QFETCH(const std::vector<QPointF>, places);
-    QFETCH(const bool, connected);
-    FarWindow far(places, connected);
-    if (QTest::currentTestFailed())
-        return;
-    far.frame(nullptr);
+    far->frame(nullptr);
     // A rubber band over all that is seen, from the canvas.
-    far.drag({5, 5}, {700, 500});
+    far->drag({5, 5}, {700, 500});
     for (const char *action :
          {"actionDeselect_All", "actionSelect_All", "actionFrame", "actionCopy", "actionPaste", "actionUndo",
           "actionSelect_All", "actionCut", "actionPaste", "actionSelect_All", "actionDelete", "actionUndo"}) {
-        actionOf(far.window(), action)->trigger();
-        far.settle();
-        far.drawAll();
-        QVERIFY2(far.isSound(), action);
+        actionOf(far->window(), action)->trigger();
+        far->settle();
+        far->drawAll();
+        QVERIFY2(far->isSound(), action);
     }
     flushDeferredDeletes();
-    far.opener.window().resize(900, 600);
-    far.settle();
-    far.drawAll();
-    QCOMPARE(far.opener.takeWarnings(), QStringList());
-    QCOMPARE(far.opener.check(far.opener.bytes()), QString());
+    far->opener.window().resize(900, 600);
+    far->settle();
+    far->drawAll();
+    QCOMPARE(far->opener.check(far->opener.bytes()), QString());
 }
 
 QTEST_MAIN(tst_BadFilesFarEvents)

@@ -2,6 +2,8 @@
 
 #include <QContextMenuEvent>
 
+#include <memory>
+
 // A node goes while a text is being edited: one of its own, or one of the node before it.
 
 class tst_WorstMomentsTexts : public QObject
@@ -12,7 +14,17 @@ public:
     static void initMain() { keepFilesInMemory(); }
 
 private slots:
-    void init() { failOnWarningsButOfMenus(); }
+    void init()
+    {
+        failOnWarningsButOfMenus();
+        stage = std::make_unique<WorstMoment>();
+        if (QTest::currentTestFailed())
+            return;
+        QFETCH(QString, moment);
+        text = textOfMoment(moment);
+        stage->edit(text);
+    }
+    void cleanup() { stage.reset(); }
 
     void textIsEdited_data() { WorstMoment::waysAsRows(editedTexts); }
     void textIsEdited();
@@ -23,81 +35,67 @@ private slots:
 
 private:
     static const std::vector<const char *> editedTexts;
-    static QGraphicsTextItem *textOfMoment(const WorstMoment &stage, const QString &moment);
-    static bool staysForSure(const WorstMoment &stage, const QString &moment);
+    QGraphicsTextItem *textOfMoment(const QString &moment) const;
+    bool staysForSure() const;
+
+    std::unique_ptr<WorstMoment> stage;
+    QPointer<QGraphicsTextItem> text; // the one that is edited
 };
 
 const std::vector<const char *> tst_WorstMomentsTexts::editedTexts{
     "its title",       "its description",       "its panel entry",
     "another's title", "another's description", "another's panel entry"};
 
-QGraphicsTextItem *tst_WorstMomentsTexts::textOfMoment(const WorstMoment &stage, const QString &moment)
+QGraphicsTextItem *tst_WorstMomentsTexts::textOfMoment(const QString &moment) const
 {
-    const Node *node = moment.startsWith(QLatin1String("its")) ? stage.noon : stage.dawn;
+    const Node *node = moment.startsWith(QLatin1String("its")) ? stage->noon : stage->dawn;
     if (moment.endsWith(QLatin1String("title")))
         return node->getNameItem();
     if (moment.endsWith(QLatin1String("description")))
         return descriptionOf(node);
-    return descriptionOf(stage.panel()->findOvNode(node->getIndex()));
+    return descriptionOf(stage->panel()->findOvNode(node->getIndex()));
 }
 
 /// Whether the text that is edited belongs to a node that stays. Panel entries are made anew for every story.
-bool tst_WorstMomentsTexts::staysForSure(const WorstMoment &stage, const QString &moment)
+bool tst_WorstMomentsTexts::staysForSure() const
 {
-    return stage.tabIsThere() && moment.startsWith(QLatin1String("another")) &&
+    QFETCH(QString, moment);
+    return stage->tabIsThere() && moment.startsWith(QLatin1String("another")) &&
            !moment.endsWith(QLatin1String("panel entry"));
 }
 
 void tst_WorstMomentsTexts::textIsEdited()
 {
-    QFETCH(QString, moment);
     QFETCH(QString, way);
-    WorstMoment stage;
-    if (QTest::currentTestFailed())
-        return;
-    const QPointer<QGraphicsTextItem> text = textOfMoment(stage, moment);
-    stage.edit(text);
-    stage.go(way);
-    if (staysForSure(stage, moment)) {
+    stage->go(way);
+    if (staysForSure()) {
         QVERIFY(text->hasFocus());
         if (!way.startsWith(QLatin1String("Ctrl")) && way != QLatin1String("Del"))
             QCOMPARE(text->textCursor().selectedText(), QStringLiteral("g"));
     }
-    stage.goOn();
+    stage->goOn();
 }
 
 // What is committed later arrives in a text that is still there, and nowhere else.
 void tst_WorstMomentsTexts::textIsComposed()
 {
-    QFETCH(QString, moment);
     QFETCH(QString, way);
-    WorstMoment stage;
-    if (QTest::currentTestFailed())
-        return;
-    const QPointer<QGraphicsTextItem> text = textOfMoment(stage, moment);
-    stage.edit(text);
     WorstMoment::compose(QStringLiteral("half a wo"), {});
-    stage.go(way);
-    const bool stays = staysForSure(stage, moment);
+    stage->go(way);
+    const bool stays = staysForSure();
     WorstMoment::compose(QStringLiteral("half a word"), {});
     WorstMoment::compose({}, QStringLiteral("whole"));
     if (stays)
         QVERIFY(text->toPlainText().contains(QLatin1String("whole")));
-    if (stage.editedText())
-        stage.noteTexts();
-    stage.goOn();
+    if (stage->editedText())
+        stage->noteTexts();
+    stage->goOn();
 }
 
 // The entries of the menu belong to the text; they do nothing once it is gone.
 void tst_WorstMomentsTexts::menuOfTheTextIsOpen()
 {
-    QFETCH(QString, moment);
     QFETCH(QString, way);
-    WorstMoment stage;
-    if (QTest::currentTestFailed())
-        return;
-    const QPointer<QGraphicsTextItem> text = textOfMoment(stage, moment);
-    stage.edit(text);
     QGraphicsView *canvas = text->scene()->views().front();
     const QPoint middle = canvas->mapFromScene(text->mapToScene(text->boundingRect().center()));
     QContextMenuEvent byKey(QContextMenuEvent::Keyboard, middle, canvas->viewport()->mapToGlobal(middle));
@@ -105,7 +103,7 @@ void tst_WorstMomentsTexts::menuOfTheTextIsOpen()
     const QPointer<QMenu> menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
     QVERIFY(menu && menu->actions().size() > 5);
 
-    stage.go(way);
+    stage->go(way);
     flushDeferredDeletes();
     if (menu) {
         const QList<QAction *> actions = menu->actions();
@@ -113,10 +111,10 @@ void tst_WorstMomentsTexts::menuOfTheTextIsOpen()
             action->trigger();
     }
     if (text)
-        stage.noteTexts(); // they have done their work
+        stage->noteTexts(); // they have done their work
     if (menu)
         menu->close();
-    stage.goOn();
+    stage->goOn();
 }
 
 QTEST_MAIN(tst_WorstMomentsTexts)
