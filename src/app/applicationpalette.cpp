@@ -1,5 +1,6 @@
 #include "app/applicationpalette.h"
 
+#include <QApplication>
 #include <QColor>
 
 QPalette applicationPalette()
@@ -41,4 +42,10 @@ QString applicationStyleSheet()
         "QMenu::item:selected { border-color: rgb(112, 176, 251); }"
         "QMenu::item:disabled { color: rgb(190, 190, 190); }"
         "QMenu::separator { height: 1px; margin: 4px 8px; background: rgb(110, 110, 110); }");
+}
+
+void dressApplication()
+{
+    QApplication::setPalette(applicationPalette());
+    qApp->setStyleSheet(applicationStyleSheet());
 }

@@ -13,3 +13,6 @@ QPalette applicationPalette();
 /// What the form's style sheets leave open: a frame around the menu entry under the pointer or the keyboard.
 /// The grey that they give it is one step from the menu's own, which nobody sees.
 QString applicationStyleSheet();
+
+/// Gives the application, which must exist, the palette and the style sheet above.
+void dressApplication();

@@ -7,9 +7,8 @@
 int main(int argc, char *argv[])
 {
     QApplication::setStyle(QStringLiteral("Fusion"));
-    QApplication application(argc, argv);
-    QApplication::setPalette(applicationPalette());
-    application.setStyleSheet(applicationStyleSheet());
+    const QApplication application(argc, argv);
+    dressApplication();
     // By this name Wayland finds the desktop entry, and with it the icon of the window.
     QGuiApplication::setDesktopFileName(QStringLiteral("example.fablegrid.fablegrid"));
 

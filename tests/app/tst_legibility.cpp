@@ -57,8 +57,7 @@ private slots:
     void initTestCase()
     {
         QApplication::setStyle(QStringLiteral("Fusion"));
-        QApplication::setPalette(applicationPalette());
-        qApp->setStyleSheet(applicationStyleSheet());
+        dressApplication();
     }
     void init()
     {

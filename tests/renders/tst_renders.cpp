@@ -93,8 +93,7 @@ private slots:
     void initTestCase()
     {
         QApplication::setStyle(QStringLiteral("Fusion"));
-        QApplication::setPalette(applicationPalette());
-        qApp->setStyleSheet(applicationStyleSheet());
+        dressApplication();
         QApplication::setCursorFlashTime(0);
         ordinary = QApplication::font();
     }

@@ -1,18 +1,4 @@
-#include "support/testsupport.h"
-#include "walk/desktop.h"
-#include "walk/editorwindow.h"
-#include "walk/program.h"
-#include "walk/scenefile.h"
-
-#include <memory>
-
-// A walk is one story, told in steps; the first step that fails ends it.
-#define STEP(call)                                                                                           \
-    do {                                                                                                     \
-        call;                                                                                                \
-        if (QTest::currentTestFailed())                                                                      \
-            return;                                                                                          \
-    } while (false)
+#include "walk/walk.h"
 
 namespace {
 
@@ -53,9 +39,9 @@ class tst_EditorWalk : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { QVERIFY2(desktop.start(), qPrintable(desktop.problem())); }
+    void initTestCase() { QVERIFY2(walk.desktop.start(), qPrintable(walk.desktop.problem())); }
     void init() { failOnWarnings(); }
-    void cleanup();
+    void cleanup() { walk.tidyUp(); }
 
     void storyIsWrittenSavedAndOpenedAgain();
     void tabsAreMadeAndClosedByEachAnswer();
@@ -63,8 +49,6 @@ private slots:
 
 private:
     void start(const QString &name);
-    void endWith(const QString &answerKeys);
-    void checkLog();
 
     void addThreeEvents();
     void writeTheTale();
@@ -72,52 +56,18 @@ private:
     void markTheMiddleEvent();
     void joinAnew();
     void undoAndRedo();
-    void saveAs(const QString &path);
     void checkSavedTale(const QString &path);
     void openAgain(const QString &path);
 
-    Desktop desktop;
-    std::unique_ptr<Program> program;
-    EditorWindow window{desktop};
+    Walk walk;
+    const Desktop &desktop = walk.desktop;
+    const EditorWindow &window = walk.window;
 };
-
-void tst_EditorWalk::cleanup()
-{
-    if (QTest::currentTestFailed()) {
-        const QString name = QStringLiteral("failed-%1.png").arg(QLatin1String(QTest::currentTestFunction()));
-        desktop.keepScreenshot(name);
-        qInfo() << "What the screen showed:" << Desktop::artefacts().filePath(name);
-        if (program)
-            qInfo().noquote() << "The program:" << program->fate() << "- its log:\n"
-                              << program->logLines().join(QLatin1Char('\n'));
-    }
-    program.reset();
-    flushDeferredDeletes();
-}
 
 void tst_EditorWalk::start(const QString &name)
 {
-    program = std::make_unique<Program>(desktop, name);
-    QVERIFY(program->start());
-    QVERIFY(window.measure());
+    STEP(walk.start(name));
     QCOMPARE(window.outline().size(), QSize(1440, 748));
-    QVERIFY(window.entries().isEmpty());
-    QVERIFY(window.events().isEmpty());
-}
-
-/// Closes the window with that answer to its question; the program must end well and have told nothing odd.
-void tst_EditorWalk::endWith(const QString &answerKeys)
-{
-    QVERIFY(window.askToClose());
-    QVERIFY(window.answer(answerKeys));
-    QVERIFY(program->endsWell());
-    STEP(checkLog());
-}
-
-void tst_EditorWalk::checkLog()
-{
-    QVERIFY(!program->logLines().isEmpty());
-    QCOMPARE(program->strangeLines(), QStringList());
 }
 
 void tst_EditorWalk::addThreeEvents()
@@ -213,13 +163,6 @@ void tst_EditorWalk::undoAndRedo()
     QVERIFY(eventually([this] { return haveTaleHeights(window.entries()); }));
 }
 
-void tst_EditorWalk::saveAs(const QString &path)
-{
-    QVERIFY(!QFile::exists(path));
-    QVERIFY(window.giveFile(saveDialog, path));
-    QVERIFY(eventually([&] { return QFile::exists(path); }));
-}
-
 void tst_EditorWalk::checkSavedTale(const QString &path)
 {
     const SavedScene scene = readScene(path);
@@ -269,18 +212,17 @@ void tst_EditorWalk::storyIsWrittenSavedAndOpenedAgain()
     STEP(joinAnew());
     STEP(undoAndRedo());
     QVERIFY(desktop.keepScreenshot(QStringLiteral("story.png"), window.outline()));
-    QVERIFY(window.key(QStringLiteral("ctrl+s")));
-    STEP(saveAs(first));
+    STEP(walk.saveFirst(first));
     STEP(checkSavedTale(first));
-    STEP(endWith(no));
-    QVERIFY(program->logLines().contains(QStringLiteral("Connected node  1  to  0")));
+    STEP(walk.end());
+    QVERIFY(walk.program->logLines().contains(QStringLiteral("Connected node  1  to  0")));
     const QByteArray firstBytes = bytesOf(first);
 
     STEP(start(QStringLiteral("story-opened")));
     STEP(openAgain(first));
     QVERIFY(desktop.keepScreenshot(QStringLiteral("story-opened.png"), window.outline()));
     QVERIFY(window.chooseFromFileMenu(saveAsEntry));
-    STEP(saveAs(second));
+    STEP(walk.giveNewFile(second));
     QCOMPARE(bytesOf(second), firstBytes);
 
     // The document now is the second file: it is saved there without a question, the first one stays.
@@ -292,7 +234,7 @@ void tst_EditorWalk::storyIsWrittenSavedAndOpenedAgain()
     QCOMPARE(readScene(second).tabs.at(0).at(0).title, QStringLiteral("The cold lamp"));
 
     QVERIFY(window.replaceTitle(boxes.at(2), QStringLiteral("The new light")));
-    STEP(endWith(yes));
+    STEP(walk.end(yes));
     const SavedScene last = readScene(second);
     QCOMPARE(last.problem, QString());
     QCOMPARE(last.tabs.at(0).at(0).title, QStringLiteral("The cold lamp"));
@@ -349,7 +291,7 @@ void tst_EditorWalk::tabsAreMadeAndClosedByEachAnswer()
     QVERIFY(window.comesToShowTabs(2));
     QVERIFY(window.pressCloseButton(1));
     QVERIFY(window.answer(yes));
-    STEP(saveAs(path));
+    STEP(walk.giveNewFile(path));
     QVERIFY(window.comesToShowTabs(1));
     const SavedScene scene = readScene(path);
     QCOMPARE(scene.problem, QString());
@@ -362,7 +304,7 @@ void tst_EditorWalk::tabsAreMadeAndClosedByEachAnswer()
     QVERIFY(window.key(QStringLiteral("ctrl+shift+a")));
     QVERIFY(window.comesToShowEntries(2));
     QCOMPARE(window.tabs().size(), 1);
-    STEP(endWith(no));
+    STEP(walk.end());
     QCOMPARE(readScene(path).tabs.at(0).size(), 1);
 }
 
@@ -374,16 +316,16 @@ void tst_EditorWalk::windowStaysOrClosesByTheAnswer()
     // It still takes part in life.
     QVERIFY(window.key(QStringLiteral("ctrl+shift+a")));
     QVERIFY(window.comesToShowEntries(1));
-    QVERIFY(program->isRunning());
-    STEP(endWith(no));
+    QVERIFY(walk.program->isRunning());
+    STEP(walk.end());
 
     // It closes as well when the saving that was wanted is given up in the file dialog.
     STEP(start(QStringLiteral("window-closed-unsaved")));
     QVERIFY(window.askToClose());
     QVERIFY(window.answer(yes));
     QVERIFY(window.cancelDialog(saveDialog));
-    QVERIFY(program->endsWell());
-    STEP(checkLog());
+    QVERIFY(walk.program->endsWell());
+    STEP(walk.checkLog());
 }
 
 QTEST_GUILESS_MAIN(tst_EditorWalk)

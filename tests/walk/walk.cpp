@@ -12,11 +12,16 @@ void Walk::start(const QString &name)
     QVERIFY(window.events().isEmpty());
 }
 
-void Walk::end()
+void Walk::end(const QString &answerKeys)
 {
     QVERIFY(window.askToClose());
-    QVERIFY(window.answer(QStringLiteral("alt+n")));
+    QVERIFY(window.answer(answerKeys));
     QVERIFY(program->endsWell());
+    checkLog();
+}
+
+void Walk::checkLog() const
+{
     QVERIFY(!program->logLines().isEmpty());
     QCOMPARE(program->strangeLines(), QStringList());
 }
@@ -50,8 +55,13 @@ void Walk::addChain(int count)
 
 void Walk::saveFirst(const QString &path)
 {
-    QVERIFY(!QFile::exists(path));
     QVERIFY(window.key(QStringLiteral("ctrl+s")));
+    giveNewFile(path);
+}
+
+void Walk::giveNewFile(const QString &path) const
+{
+    QVERIFY(!QFile::exists(path));
     QVERIFY(window.giveFile(QStringLiteral("Save Scene"), path));
     QVERIFY(eventually([&] { return QFile::exists(path); }));
 }

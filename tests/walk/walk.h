@@ -32,8 +32,11 @@ public:
 
     /// Starts the program; `name` is that of its log.
     void start(const QString &name);
-    /// Closes the window without saving; the program must end well and have told nothing odd.
-    void end();
+    /// Closes the window with that answer to its question, without saving by default; the program must end
+    /// well and have told nothing odd.
+    void end(const QString &answerKeys = QStringLiteral("alt+n"));
+    /// The program has told something, and nothing odd.
+    void checkLog() const;
     /// To be called by cleanup(): ends the program, after a failure with what is known of it.
     void tidyUp();
 
@@ -41,6 +44,8 @@ public:
     void addChain(int count);
     /// Saves by Ctrl+S into the file dialog.
     void saveFirst(const QString &path);
+    /// Tells the file dialog of saving a file that is not there yet, and waits until it is.
+    void giveNewFile(const QString &path) const;
     /// Saves by Ctrl+S into that file, which is the document's, and reads it; empty if nothing is written.
     SavedScene savedAgain(const QString &path) const;
     /// The log without what saving writes, which the autosave may add at any moment.
