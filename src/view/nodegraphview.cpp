@@ -120,6 +120,16 @@ void NodegraphView::mouseMoveEvent(QMouseEvent *event)
     QGraphicsView::mouseMoveEvent(event);
 }
 
+// The second of two quick presses comes as a double click. With the right button it begins a pan as any other
+// does; the items would take it for a press on them, and a line would come off.
+void NodegraphView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::RightButton)
+        mousePressEvent(event);
+    else
+        QGraphicsView::mouseDoubleClickEvent(event);
+}
+
 void NodegraphView::pan(const QPoint &position)
 {
     const QPointF distance = mapToScene(position) - mapToScene(panAnchor.toPoint());

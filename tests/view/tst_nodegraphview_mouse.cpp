@@ -1,6 +1,7 @@
 #include "support/testsupport.h"
 
 #include "items/node.h"
+#include "scene/shownscene.h"
 #include "view/viewcanvas.h"
 
 #include <QWheelEvent>
@@ -58,6 +59,9 @@ private slots:
     void rightDragFollowsTheCursor_data();
     void rightDragFollowsTheCursor();
     void rightDragAccumulatesStepByStep();
+    void secondRightPressPansToo();
+    void secondRightPressTakesNothingApart_data();
+    void secondRightPressTakesNothingApart();
     void otherButtonsDoNotPan_data();
     void otherButtonsDoNotPan();
     void panRoundsTowardsZero_data();
@@ -286,6 +290,49 @@ void tst_NodegraphViewMouse::rightDragAccumulatesStepByStep()
     canvas.move(QPointF(120, 130), Qt::RightButton | Qt::LeftButton);
     canvas.move(QPointF(120.4, 130.4), Qt::RightButton);
     QCOMPARE(canvas.scroll() - before, QPoint(-20, -30));
+}
+
+void tst_NodegraphViewMouse::secondRightPressPansToo()
+{
+    const Canvas canvas;
+    const QPoint before = canvas.scroll();
+    canvas.pressAgain(QPointF(100, 100), Qt::RightButton);
+    QCOMPARE(canvas.view->cursor().shape(), Qt::ClosedHandCursor);
+    canvas.move(QPointF(110, 130), Qt::RightButton);
+    QCOMPARE(canvas.scroll() - before, QPoint(-10, -30));
+    canvas.release(QPointF(110, 130), Qt::RightButton);
+    QCOMPARE(canvas.view->cursor().shape(), Qt::ArrowCursor);
+}
+
+void tst_NodegraphViewMouse::secondRightPressTakesNothingApart_data()
+{
+    QTest::addColumn<QString>("where");
+    for (const char *where : {"line", "input", "output", "body", "canvas"})
+        QTest::newRow(where) << QString::fromLatin1(where);
+}
+
+void tst_NodegraphViewMouse::secondRightPressTakesNothingApart()
+{
+    QFETCH(QString, where);
+    const Canvas canvas;
+    const std::vector<Node *> chain = addChain(*canvas.scene, 2);
+    canvas.scene->selectAll();
+    const std::vector<Node *> selected = canvas.scene->getSelectedNodes();
+    Node *current = canvas.scene->currentNode();
+    canvas.view->centerOn(inputOf(chain[1]));
+    const QHash<QString, QPointF> places{{QStringLiteral("line"), nearEnd(chain[1]->getInLine(), 0)},
+                                         {QStringLiteral("input"), inputOf(chain[1])},
+                                         {QStringLiteral("output"), outputOf(chain[0])},
+                                         {QStringLiteral("body"), bodyOf(chain[0])},
+                                         {QStringLiteral("canvas"), inputOf(chain[1]) - QPointF(0, 140)}};
+    const QPointF pos = canvas.view->mapFromScene(places.value(where));
+    canvas.pressAgain(pos, Qt::RightButton);
+    canvas.release(pos, Qt::RightButton);
+    QCOMPARE(chain[1]->prevNode(), chain[0]);
+    QCOMPARE(dragLineOf(*canvas.scene), nullptr);
+    QCOMPARE(canvas.scene->currentNode(), current);
+    QCOMPARE(canvas.scene->getSelectedNodes(), selected);
+    QVERIFY(chain[0]->isSelected() && chain[1]->isSelected());
 }
 
 void tst_NodegraphViewMouse::otherButtonsDoNotPan_data()

@@ -54,6 +54,13 @@ struct Canvas
     {
         send(QEvent::MouseButtonPress, pos, button, button);
     }
+    /// The second press of two in one place, with the release between them.
+    void pressAgain(QPointF pos, Qt::MouseButton button) const
+    {
+        press(pos, button);
+        release(pos, button);
+        send(QEvent::MouseButtonDblClick, pos, button, button);
+    }
     void move(QPointF pos, Qt::MouseButtons buttons) const
     {
         send(QEvent::MouseMove, pos, Qt::NoButton, buttons);
