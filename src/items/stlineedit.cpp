@@ -75,6 +75,14 @@ void STLineEdit::setText(const QString &text)
     keepUnmade(text, QRectF(QPointF(), size));
 }
 
+void STLineEdit::removePlaceholder()
+{
+    setDefaultTextColor(textColor);
+    placeholderShown = false;
+    if (getText() == placeholder)
+        setText(QString());
+}
+
 void STLineEdit::setMeasuredText(const QString &text, const QRectF &place)
 {
     if (made || !TextMeasure::isHeldUnchanged(text))
@@ -161,10 +169,7 @@ void STLineEdit::paint(QPainter *painter, const QStyleOptionGraphicsItem *option
 void STLineEdit::mousePressEvent(QGraphicsSceneMouseEvent *event)
 {
     QGraphicsTextItem::mousePressEvent(event);
-    setDefaultTextColor(textColor);
-    placeholderShown = false;
-    if (getText() == placeholder)
-        setText(QString());
+    removePlaceholder();
 }
 
 bool STLineEdit::sceneEvent(QEvent *event)

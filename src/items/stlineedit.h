@@ -16,8 +16,8 @@ class STLineEdit : public QGraphicsTextItem
     Q_OBJECT
 
 public:
-    /// `text` is shown at first and is the placeholder that the first click removes; `textWidth` in item
-    /// units.
+    /// `text` is shown at first and is the placeholder that goes when somebody begins to write; `textWidth`
+    /// in item units.
     STLineEdit(const QString &text, double textWidth, QGraphicsItem *parent,
                TextMaking making = TextMaking::atOnce);
 
@@ -31,6 +31,8 @@ public:
 
     /// Replaces the text; any text but the placeholder ends the placeholder's display.
     void setText(const QString &text);
+    /// What a user who is about to write does not want to see any more: removes the placeholder.
+    void removePlaceholder();
     /// As setText() for a text whose place, of the same width, is known from another item.
     void setMeasuredText(const QString &text, const QRectF &place);
     void setTextWidth(double width);

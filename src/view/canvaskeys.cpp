@@ -124,8 +124,11 @@ void CanvasKeys::makeCurrent(Node *node)
 void CanvasKeys::edit(Node *node)
 {
     QGraphicsTextItem *text = node->getNameItem();
-    if (text->hasFocus() && node->getData() && node->getData()->eventContent())
-        text = node->getData()->eventContent()->getDescriptionItem();
+    if (text->hasFocus() && node->getData() && node->getData()->eventContent()) {
+        STLineEdit *description = node->getData()->eventContent()->getDescriptionItem();
+        description->removePlaceholder(); // as a click does
+        text = description;
+    }
     text->setFocus(Qt::ShortcutFocusReason);
     QTextCursor cursor = text->textCursor();
     cursor.movePosition(QTextCursor::End);
