@@ -108,7 +108,11 @@ bool DurableFile::open()
     return mayNotMakeFiles && openInPlace();
 }
 
-bool DurableFile::openInPlace() { return inPlace.open(QIODevice::ReadWrite | QIODevice::Unbuffered); }
+bool DurableFile::openInPlace()
+{
+    madeInPlace = !inPlace.exists();
+    return inPlace.open(QIODevice::ReadWrite | QIODevice::Unbuffered);
+}
 
 QString DurableFile::replaceBy(const QByteArray &content)
 {
@@ -139,7 +143,10 @@ QString DurableFile::replaceInPlace(const QByteArray &content)
     QString trouble = overwrite(content);
     if (!trouble.isEmpty()) {
         inPlace.unsetError();
-        overwrite(old);
+        if (madeInPlace)
+            inPlace.remove();
+        else
+            overwrite(old);
     }
     return trouble;
 }

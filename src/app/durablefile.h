@@ -8,8 +8,8 @@
 ///
 /// The new content goes into a temporary file beside the old one and takes its place when every byte is on
 /// the disk. Only a file in a folder where nothing may be made, or whose name leaves no room for a
-/// temporary's, is written in place; a failure then brings the old content back. Links and permissions stay
-/// as they are.
+/// temporary's, is written in place; a failure then brings the old content back, or takes away a file that
+/// was not there before. Links and permissions stay as they are.
 class DurableFile
 {
 public:
@@ -26,5 +26,6 @@ private:
     QString replaceInPlace(const QByteArray &content);
 
     QSaveFile temporary;
-    QFile inPlace; // open if that is how it has to be
+    QFile inPlace;            // open if that is how it has to be
+    bool madeInPlace = false; // there was no such file before
 };

@@ -62,6 +62,7 @@ private slots:
     void impossibleNameIsReported();
     void longNameCanBeSavedAgain_data();
     void longNameCanBeSavedAgain();
+    void newFileOfALongNameThatFailsLeavesNothing();
 
 private:
     QString path(const QString &name) const { return home->filePath(QStringLiteral("Documents/")) + name; }
@@ -251,6 +252,18 @@ void tst_MainWindowFaultsOpening::longNameCanBeSavedAgain()
     QCOMPARE(save({}, [&] { window->saveTo(path(name)); }), QStringList());
     QCOMPARE(readFile(path(name)), smallDocument());
     QCOMPARE(files(), QStringList({storyName, name}));
+}
+
+void tst_MainWindowFaultsOpening::newFileOfALongNameThatFailsLeavesNothing()
+{
+    const QString name(249, QLatin1Char('x'));
+    const std::vector<Fault> full{{Call::write, 1}, {Call::write, 2, ENOSPC}, {Call::write, 3, ENOSPC}};
+    QCOMPARE(save(full, [&] { window->saveTo(path(name)); }),
+             QStringList{QStringLiteral("Couldn't write the scene file: \"%1\" \"No space left on device\"")
+                             .arg(path(name))});
+    QCOMPARE(files(), QStringList{storyName});
+    QCOMPARE(save({}, [&] { window->saveTo(path(name)); }), QStringList());
+    QCOMPARE(readFile(path(name)), smallDocument());
 }
 
 QTEST_MAIN(tst_MainWindowFaultsOpening)
