@@ -88,28 +88,26 @@ void NodegraphScene::restoreConnections(const std::vector<Node *> &loaded, const
         if (!firstWithIndex.contains(node->getIndex()))
             firstWithIndex.insert(node->getIndex(), node);
     }
-    for (const Node *node : loaded) {
+    for (Node *node : loaded) {
         const int upstreamIndex = node->getPrevIndex();
         if (upstreamIndex == -1)
             continue;
-        if (!firstWithIndex.contains(upstreamIndex)) {
-            qInfo() << "CouldntFind outNode";
-            continue;
-        }
-        if (wouldCloseCycle(findNodeByIndex(node->getIndex()), findNodeByIndex(upstreamIndex))) {
+        Node *downstream = findNodeByIndex(node->getIndex());
+        const bool isFound = firstWithIndex.contains(upstreamIndex);
+        const bool isRefused = isFound && wouldCloseCycle(downstream, findNodeByIndex(upstreamIndex));
+        // What is saved later is what is shown then.
+        if (!isFound || isRefused || downstream != node)
+            node->setPrevIndex(-1);
+        if (isRefused)
             ++refused;
-            continue;
-        }
-        handOut(std::make_unique<ConnectNodesCommand>(this, node->getIndex(), upstreamIndex));
+        else if (isFound)
+            handOut(std::make_unique<ConnectNodesCommand>(this, node->getIndex(), upstreamIndex));
+        else
+            qInfo() << "CouldntFind outNode";
     }
     if (refused > 0)
         qWarning() << "Damaged scene file:" << fileName << "has" << refused
                    << "connections that close a cycle, left out";
-    // What is saved later is what is shown now.
-    for (Node *node : loaded) {
-        if (!node->hasInput())
-            node->setPrevIndex(-1);
-    }
 }
 
 void NodegraphScene::frameSelectedNodes()

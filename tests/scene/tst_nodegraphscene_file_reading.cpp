@@ -30,6 +30,7 @@ private slots:
     void readTextOfAStoryNodeIsToldOnce_data();
     void readTextOfAStoryNodeIsToldOnce();
     void upstreamMayStandBehindItsDownstream();
+    void upstreamsAreKeptWhileNobodyConnects();
 };
 
 void tst_NodegraphSceneFileReading::countBelowOneReadsNothingAndFrames_data()
@@ -289,6 +290,18 @@ void tst_NodegraphSceneFileReading::upstreamMayStandBehindItsDownstream()
     QCOMPARE(connections(tab.scene), (QStringList{"1 from 5", "5 from 7"}));
     QCOMPARE(indicesOf(tab.scene.getStory()), (QList<int>{7, 5, 1}));
     QCOMPARE(tab.stack.count(), 2);
+}
+
+// The commands that connect may be run later, or by nobody.
+void tst_NodegraphSceneFileReading::upstreamsAreKeptWhileNobodyConnects()
+{
+    const QByteArray bytes =
+        SceneBytes::block({eventRecord(0), eventRecord(1, 0), eventRecord(2, 1, 1), eventRecord(3, 1)});
+    NodegraphScene scene;
+    SceneBytes::load(scene, bytes);
+    for (const Node *node : scene.getNodes())
+        QVERIFY(!node->hasInput());
+    QCOMPARE(SceneBytes::saved(scene).toHex(), bytes.toHex());
 }
 
 QTEST_MAIN(tst_NodegraphSceneFileReading)
