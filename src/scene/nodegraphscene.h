@@ -162,6 +162,8 @@ private:
     Node *duplicateNode(Node *source, bool isEnd);
     void addNodeAt(QPointF pos, int type, int index, int markFrom);
     void connectDuplicates(const std::vector<Node *> &sources, const Duplicates &duplicates);
+    Node *endAfterPaste(Node *formerEnd, const std::vector<Node *> &sources,
+                        const Duplicates &duplicates) const;
     void deleteSources(const std::vector<Node *> &sources);
 
     std::vector<Node *> nodes;

@@ -7,6 +7,7 @@
 #include <QDebug>
 
 #include <cmath>
+#include <set>
 
 void NodegraphScene::copyNodes()
 {
@@ -80,7 +81,7 @@ void NodegraphScene::pasteNodes()
     qInfo() << "Pasting";
 
     const std::vector<Node *> sources = clipboardNodes;
-    const Node *end = endOfStoryNode_; // before the duplicates attach themselves and take the mark along
+    Node *end = endOfStoryNode_; // before the duplicates attach themselves and take the mark along
     Duplicates duplicates;
     for (Node *source : sources) {
         qInfo() << "Pasting node " << source->getIndex();
@@ -92,9 +93,8 @@ void NodegraphScene::pasteNodes()
         duplicates[source] = duplicate;
     }
     connectDuplicates(sources, duplicates);
-    const auto newEnd = duplicates.find(end);
-    if (newEnd != duplicates.end() && newEnd->second != endOfStoryNode_)
-        setEndOfStory(newEnd->second);
+    if (Node *newEnd = endAfterPaste(end, sources, duplicates); newEnd && newEnd != endOfStoryNode_)
+        setEndOfStory(newEnd);
     deleteSources(sources);
     clipboardNodes.clear();
 }
@@ -120,6 +120,36 @@ void NodegraphScene::connectDuplicates(const std::vector<Node *> &sources, const
         if (downstream != duplicates.end() && upstream != duplicates.end())
             connectNodes(downstream->second, upstream->second);
     }
+}
+
+/// Where the mark belongs that `formerEnd` (which may be null) had: on its duplicate, or else on the last
+/// duplicate behind it. If joining the duplicates has left none there, it stays, lest its story be lost.
+Node *NodegraphScene::endAfterPaste(Node *formerEnd, const std::vector<Node *> &sources,
+                                    const Duplicates &duplicates) const
+{
+    if (const auto found = duplicates.find(formerEnd); found != duplicates.end())
+        return found->second;
+    if (!formerEnd || formerEnd == endOfStoryNode_)
+        return formerEnd;
+    std::set<const Node *> pasted;
+    for (const auto &[source, duplicate] : duplicates)
+        pasted.insert(duplicate);
+    std::set<const Node *> behind;
+    std::vector<const Node *> open{formerEnd};
+    while (!open.empty()) {
+        const Node *node = open.back();
+        open.pop_back();
+        for (const Node *next : node->nextNodes()) {
+            if (pasted.count(next) > 0 && behind.insert(next).second)
+                open.push_back(next);
+        }
+    }
+    for (std::size_t i = sources.size(); i-- > 0;) {
+        const auto found = duplicates.find(sources[i]);
+        if (found != duplicates.end() && behind.count(found->second) > 0)
+            return found->second;
+    }
+    return formerEnd;
 }
 
 /// The first deletion takes a whole selection with it, so a source may already be gone, or may stay.

@@ -1,5 +1,17 @@
 #include "scene/clipboardsteps.h"
 
+namespace {
+
+QStringList titlesOf(const std::vector<Node *> &nodes)
+{
+    QStringList titles;
+    for (const Node *node : nodes)
+        titles << node->getTitle();
+    return titles;
+}
+
+} // namespace
+
 class tst_NodegraphScene_Clipboard_Group : public QObject
 {
     Q_OBJECT
@@ -76,18 +88,27 @@ void tst_NodegraphScene_Clipboard_Group::pastedGroupComesOutAsItWas_data()
 {
     QTest::addColumn<QStringList>("sources");     // "A > B"
     QTest::addColumn<QStringList>("order");       // of the selection
-    QTest::addColumn<QStringList>("connections"); // "E" is current and no source
+    QTest::addColumn<QStringList>("connections"); // "E" is current, the end of the story and no source
+    QTest::addColumn<QStringList>("story");       // with what is behind the end, or else as it was
     const QStringList chain{text("A > B"), text("B > C")};
     const QStringList fork{text("A > B"), text("A > C")};
     const QStringList forward{text("A"), text("B"), text("C")};
-    QTest::newRow("chain") << chain << forward << QStringList{text("A > B"), text("B > C"), text("E > A")};
-    QTest::newRow("chain from its end") << chain << QStringList{text("C"), text("B"), text("A")} << chain;
-    QTest::newRow("chain from its middle") << chain << QStringList{text("B"), text("A"), text("C")} << chain;
-    QTest::newRow("fork") << fork << forward << QStringList{text("A > B"), text("A > C"), text("E > A")};
-    QTest::newRow("fork from its tip") << fork << QStringList{text("B"), text("C"), text("A")} << fork;
-    QTest::newRow("loose") << QStringList() << forward << QStringList{text("E > A")};
+    const QStringList asItWas{text("E")};
+    QTest::newRow("chain") << chain << forward << QStringList{text("A > B"), text("B > C"), text("E > A")}
+                           << QStringList{text("E"), text("A"), text("B"), text("C")};
+    QTest::newRow("chain from its end")
+        << chain << QStringList{text("C"), text("B"), text("A")} << chain << asItWas;
+    QTest::newRow("chain from its middle")
+        << chain << QStringList{text("B"), text("A"), text("C")} << chain << asItWas;
+    QTest::newRow("fork") << fork << forward << QStringList{text("A > B"), text("A > C"), text("E > A")}
+                          << QStringList{text("E"), text("A"), text("C")};
+    QTest::newRow("fork from its tip")
+        << fork << QStringList{text("B"), text("C"), text("A")} << fork << asItWas;
+    QTest::newRow("loose") << QStringList() << forward << QStringList{text("E > A")}
+                           << QStringList{text("E"), text("A")};
     QTest::newRow("loose behind pair")
-        << QStringList{text("C > B")} << forward << QStringList{text("C > B"), text("E > A")};
+        << QStringList{text("C > B")} << forward << QStringList{text("C > B"), text("E > A")}
+        << QStringList{text("E"), text("A")};
 }
 
 void tst_NodegraphScene_Clipboard_Group::pastedGroupComesOutAsItWas()
@@ -99,6 +120,7 @@ void tst_NodegraphScene_Clipboard_Group::pastedGroupComesOutAsItWas()
     Node *current = tab.place(text("E"));
     for (const char *title : {"A", "B", "C"})
         tab.place(text(title));
+    QCOMPARE(tab.scene.endOfStoryNode(), current);
     for (const QString &connection : sources)
         tab.scene.connectNodes(tab.titled(connection.last(1)), tab.titled(connection.first(1)));
     std::vector<Node *> selection;
@@ -111,6 +133,11 @@ void tst_NodegraphScene_Clipboard_Group::pastedGroupComesOutAsItWas()
     QCOMPARE(sortedIndices(tab.scene), (QList<int>{0, 4, 5, 6}));
     QCOMPARE(tab.joined(), connections);
     QVERIFY(linesAreExact(tab.scene));
+    QTEST(titlesOf(tab.scene.getStory()), "story");
+    tab.stack.setIndex(0);
+    QCOMPARE(titlesOf(tab.scene.getStory()), QStringList{text("E")});
+    tab.stack.setIndex(tab.stack.count());
+    QTEST(titlesOf(tab.scene.getStory()), "story");
 }
 
 void tst_NodegraphScene_Clipboard_Group::importanceComesAlong()
