@@ -198,7 +198,7 @@ void tst_MainWindowOpening::openMakesAllTabsFirst()
     QVERIFY(log.lines().indexOf(QStringLiteral("Clearing tabs")) < cleared);
 }
 
-// The tab that was read last is the one that told its story last.
+// Not of the tab that was read last.
 void tst_MainWindowOpening::openShowsTheCurrentTabsStory()
 {
     const QString file = path(QStringLiteral("story.scene"));
