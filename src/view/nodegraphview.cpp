@@ -19,6 +19,7 @@
 #include <QUndoStack>
 #include <QWheelEvent>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -26,6 +27,7 @@ namespace {
 constexpr double zoomBase = 1.2;
 constexpr double deltaPerZoomStep = 240.0; // two notches of an ordinary wheel
 constexpr int sameWheelPlace = 2;          // pixels within which the mouse still rests
+constexpr double mostShift = 5e8;          // pixels; scroll bars count to four times as many
 
 /// Scroll-bar values are whole; far zoomed out, a pan can ask for more than an int holds.
 int scrollValue(double value)
@@ -70,6 +72,11 @@ void NodegraphView::zoomAt(double factor, const QPointF &scenePos)
     scale(factor, factor);
     zoomDivisor /= factor;
     translate(panAnchor.x() - scenePos.x(), panAnchor.y() - scenePos.y());
+    // What the canvas is shifted by adds up, and after hours of zooming the scroll bars would run out of
+    // numbers. It shows nowhere: they make up for it.
+    const QTransform shifted = transform();
+    if (std::max(std::abs(shifted.dx()), std::abs(shifted.dy())) > mostShift)
+        setTransform(QTransform::fromScale(shifted.m11(), shifted.m22()));
 }
 
 void NodegraphView::wheelEvent(QWheelEvent *event)

@@ -118,6 +118,7 @@ private slots:
     void panAfterAZoomCommandKeepsItsPace();
     void pinchOfTwoFingersScales_data();
     void pinchOfTwoFingersScales();
+    void hoursOfZoomingLoseNothing();
 };
 
 void tst_NodegraphViewZoom::wheelZoomsByItsAngleAlone_data()
@@ -348,6 +349,30 @@ void tst_NodegraphViewZoom::pinchOfTwoFingersScales()
     QCOMPARE(scale, pinch.product);
     QVERIFY(end > start ? scale > 1.5 : scale < 0.5);
     QCOMPARE(program.view->getZoomDivisor(), 1.0 / scale);
+}
+
+// Every step shifts the canvas by the place that it keeps; what was shifted in an hour did not fit into the
+// scroll bars any more.
+void tst_NodegraphViewZoom::hoursOfZoomingLoseNothing()
+{
+    const Canvas canvas;
+    canvas.view->centerOn(90000, 90000);
+    for (int i = 0; i < 40; ++i)
+        turnWheel(canvas.view.get(), QPointF(200, 150), {QPoint(0, 120)});
+    const QPointF place = canvas.middle();
+    QVERIFY(within(place - QPointF(90000, 90000), 1.0));
+    for (int i = 0; i < 1000; ++i) {
+        turnWheel(canvas.view.get(), QPointF(200, 150), {QPoint(0, i % 2 == 0 ? 120 : -120)});
+        QVERIFY2(within(canvas.middle() - place, 0.2), qPrintable(QString::number(i)));
+    }
+    for (int i = 0; i < 40; ++i)
+        turnWheel(canvas.view.get(), QPointF(200, 150), {QPoint(0, -120)});
+    QVERIFY(within(canvas.middle() - place, 1.0));
+    QVERIFY(qFuzzyCompare(canvas.view->transform().m11(), 1.0));
+    const QPoint before = canvas.scroll();
+    canvas.press(QPointF(100, 100), Qt::RightButton);
+    canvas.move(QPointF(110, 130), Qt::RightButton);
+    QVERIFY(canvas.scroll() != before);
 }
 
 QTEST_MAIN(tst_NodegraphViewZoom)
