@@ -115,12 +115,20 @@ void NodegraphView::mousePressEvent(QMouseEvent *event)
         setCursor(Qt::ClosedHandCursor);
         return;
     }
+    if (event->button() == Qt::LeftButton) {
+        leftIsHeld = true;
+        heldAt = event->position();
+    }
     QGraphicsView::mousePressEvent(event);
 }
 
 void NodegraphView::mouseMoveEvent(QMouseEvent *event)
 {
     const QPoint position = event->position().toPoint();
+    if (event->buttons() & Qt::LeftButton)
+        heldAt = event->position();
+    else if (leftIsHeld)
+        letGo();
     emit lastMousePos(mapToScene(position));
     if (event->buttons() & Qt::RightButton)
         pan(position);
@@ -135,6 +143,16 @@ void NodegraphView::mouseDoubleClickEvent(QMouseEvent *event)
         mousePressEvent(event);
     else
         QGraphicsView::mouseDoubleClickEvent(event);
+}
+
+/// A dialog or a menu that was opened by key got the release. Whatever was dragged is dropped where it was
+/// then.
+void NodegraphView::letGo()
+{
+    leftIsHeld = false;
+    QMouseEvent release(QEvent::MouseButtonRelease, heldAt, viewport()->mapToGlobal(heldAt), Qt::LeftButton,
+                        Qt::NoButton, QGuiApplication::keyboardModifiers());
+    QGraphicsView::mouseReleaseEvent(&release);
 }
 
 void NodegraphView::pan(const QPoint &position)
@@ -153,6 +171,8 @@ void NodegraphView::mouseReleaseEvent(QMouseEvent *event)
         setCursor(Qt::ArrowCursor);
         panAnchor = QPointF();
     }
+    if (event->button() == Qt::LeftButton)
+        leftIsHeld = false;
     QGraphicsView::mouseReleaseEvent(event);
 }
 
@@ -191,6 +211,8 @@ bool NodegraphView::event(QEvent *event)
 /// moved, under a window or menu that came or went, would make it take a place far away.
 void NodegraphView::noteRestingMouse(const QPointF &globalPos)
 {
+    if (leftIsHeld)
+        return;
     QMouseEvent resting(QEvent::MouseMove, viewport()->mapFromGlobal(globalPos), globalPos, Qt::NoButton,
                         QGuiApplication::mouseButtons(), QGuiApplication::keyboardModifiers());
     QGraphicsView::mouseMoveEvent(&resting);

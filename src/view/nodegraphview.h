@@ -58,12 +58,16 @@ private:
     void frame(const QRectF &wanted);
     void frameAgain();
     void noteRestingMouse(const QPointF &globalPos);
+    void letGo();
 
     double zoomDivisor = 1.0; // reciprocal of the zoom by wheel and pinch since it was last set
     QPointF panAnchor;        // viewport coordinates, (0, 0) while nobody pans
     int panSpeed = 1;
     NodegraphScene *nodegraphScene_ = nullptr;
     QUndoStack *undoStack_ = nullptr;
+
+    bool leftIsHeld = false;
+    QPointF heldAt; // viewport coordinates: where the mouse was last with the left button held
 
     QPointF zoomedPlace;       // scene coordinates: what the wheel has kept under the mouse so far
     QRectF earlyFrame;         // what was to be framed before this view had its size

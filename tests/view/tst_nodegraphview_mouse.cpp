@@ -73,6 +73,9 @@ private slots:
     void sceneSeesMouse();
     void rightPressKeepsTheSelection();
     void leftPressOnTheCanvasDeselects();
+    void lostReleaseEndsTheBand();
+    void lostReleaseEndsTheLine();
+    void lostReleaseDropsTheNode();
 };
 
 void tst_NodegraphViewMouse::zoomAtScalesAndShifts_data()
@@ -478,6 +481,57 @@ void tst_NodegraphViewMouse::leftPressOnTheCanvasDeselects()
     canvas.release(QPointF(100, 100), Qt::LeftButton);
     QVERIFY(!chain[0]->isSelected());
     QCOMPARE(canvas.scene->currentNode(), nullptr);
+}
+
+// A dialog that came by key while the button was held got the release.
+void tst_NodegraphViewMouse::lostReleaseEndsTheBand()
+{
+    const Canvas canvas;
+    const std::vector<Node *> chain = addChain(*canvas.scene, 1);
+    canvas.view->centerOn(chain[0]->scenePos());
+    canvas.press(QPointF(20, 20), Qt::LeftButton);
+    canvas.move(QPointF(60, 60), Qt::LeftButton);
+    const QRectF band = rubberBandOf(*canvas.scene)->rect();
+    QVERIFY(!band.isNull());
+    // The mouse comes back, and then it moves.
+    QEnterEvent enter(QPointF(390, 290), QPointF(390, 290), canvas.view->mapToGlobal(QPointF(390, 290)));
+    QCoreApplication::sendEvent(canvas.view.get(), &enter);
+    QCOMPARE(rubberBandOf(*canvas.scene)->rect(), band);
+    canvas.move(QPointF(390, 290), Qt::NoButton);
+    QVERIFY(rubberBandOf(*canvas.scene)->rect().isNull());
+    canvas.move(QPointF(380, 280), Qt::NoButton);
+    QVERIFY(rubberBandOf(*canvas.scene)->rect().isNull());
+    QVERIFY(!chain[0]->isSelected());
+    QVERIFY(canvas.scene->getSelectedNodes().empty());
+}
+
+void tst_NodegraphViewMouse::lostReleaseEndsTheLine()
+{
+    const Canvas canvas;
+    const std::vector<Node *> chain = addChain(*canvas.scene, 2);
+    canvas.scene->disconnectNode(chain[1]);
+    canvas.view->centerOn(outputOf(chain[0]));
+    const QPointF output = canvas.view->mapFromScene(outputOf(chain[0]));
+    canvas.press(output, Qt::LeftButton);
+    canvas.move(output + QPointF(0, 90), Qt::LeftButton);
+    QVERIFY(dragLineOf(*canvas.scene));
+    canvas.move(canvas.view->mapFromScene(inputOf(chain[1])), Qt::NoButton);
+    QCOMPARE(dragLineOf(*canvas.scene), nullptr);
+    QVERIFY(!chain[1]->hasInput());
+}
+
+void tst_NodegraphViewMouse::lostReleaseDropsTheNode()
+{
+    const Canvas canvas;
+    const std::vector<Node *> chain = addChain(*canvas.scene, 1);
+    canvas.view->centerOn(chain[0]);
+    const QPointF handle = canvas.view->mapFromScene(bodyOf(chain[0]));
+    const QPointF before = chain[0]->scenePos();
+    canvas.press(handle, Qt::LeftButton);
+    canvas.move(handle + QPointF(10, 0), Qt::LeftButton);
+    canvas.move(handle + QPointF(50, 50), Qt::NoButton);
+    QCOMPARE(chain[0]->scenePos(), before + QPointF(10, 0));
+    QCOMPARE(canvas.scene->mouseGrabberItem(), nullptr);
 }
 
 QTEST_MAIN(tst_NodegraphViewMouse)
