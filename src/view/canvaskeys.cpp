@@ -6,6 +6,7 @@
 #include "items/stlineedit.h"
 #include "items/stnodename.h"
 #include "scene/nodegraphscene.h"
+#include "scene/viewroom.h"
 #include "view/nodegraphview.h"
 
 #include <QKeyEvent>
@@ -90,8 +91,8 @@ Node *CanvasKeys::editedNode() const
 Node *CanvasKeys::nextNode(const Node *from, QPoint direction) const
 {
     const NodegraphScene *scene = view->nodegraphScene();
-    if (!from && scene->endOfStoryNode())
-        return scene->endOfStoryNode();
+    if (Node *end = scene->endOfStoryNode(); !from && end && end->isVisible())
+        return end;
     Node *nearest = nullptr;
     double least = std::numeric_limits<double>::max();
     for (Node *node : scene->getNodes()) {
@@ -117,6 +118,12 @@ void CanvasKeys::makeCurrent(Node *node)
     scene->deselectAll();
     scene->sl_selectCurrentNode(node);
     node->setSelected(true);
+    bringIntoSight(node);
+}
+
+void CanvasKeys::bringIntoSight(const Node *node)
+{
+    makeRoomFor(*view, node->sceneBoundingRect()); // it may have been dragged over the canvas's edge
     view->ensureVisible(node, margin, margin);
 }
 
@@ -133,5 +140,5 @@ void CanvasKeys::edit(Node *node)
     QTextCursor cursor = text->textCursor();
     cursor.movePosition(QTextCursor::End);
     text->setTextCursor(cursor);
-    view->ensureVisible(node, margin, margin);
+    bringIntoSight(node);
 }

@@ -28,6 +28,7 @@ private:
     /// there is none.
     Node *nextNode(const Node *from, QPoint direction) const;
     void makeCurrent(Node *node);
+    void bringIntoSight(const Node *node);
     void edit(Node *node);
 
     NodegraphView *view;

@@ -56,7 +56,9 @@ private slots:
     void arrowWithoutACurrentEventTakesTheEnd();
     void arrowOnAnEmptyCanvasDoesNothing();
     void hiddenEventsAreLeftOut();
+    void hiddenEndIsLeftOut();
     void newCurrentEventIsInSight();
+    void eventBeyondTheCanvasIsInSight();
     void plainArrowsScroll();
     void keyEditsTitleThenDescription();
     void keyWithoutACurrentEventDoesNothing();
@@ -115,6 +117,26 @@ void tst_CanvasKeys::hiddenEventsAreLeftOut()
     canvas.makeCurrent(canvas.middle);
     canvas.press(Qt::Key_Right, Qt::ControlModifier);
     QCOMPARE(canvas.scene->currentNode(), canvas.above); // off to the side, but so much nearer
+}
+
+void tst_CanvasKeys::hiddenEndIsLeftOut()
+{
+    const KeyCanvas canvas;
+    canvas.scene->setEndOfStory(canvas.below);
+    canvas.below->setVisible(false);
+    canvas.press(Qt::Key_Left, Qt::ControlModifier);
+    QVERIFY(canvas.scene->currentNode() && canvas.scene->currentNode() != canvas.below);
+}
+
+void tst_CanvasKeys::eventBeyondTheCanvasIsInSight()
+{
+    const KeyCanvas canvas;
+    canvas.left->setPos(-3000, canvas.middle->y());
+    canvas.scene->setEndOfStory(canvas.left);
+    canvas.press(Qt::Key_Left, Qt::ControlModifier);
+    QCOMPARE(canvas.scene->currentNode(), canvas.left);
+    const QRectF shown = canvas.view->mapToScene(canvas.view->viewport()->rect()).boundingRect();
+    QVERIFY(shown.contains(canvas.left->sceneBoundingRect().center()));
 }
 
 void tst_CanvasKeys::newCurrentEventIsInSight()
