@@ -24,7 +24,6 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent)
     connect(ui->Nodegraph, &QTabWidget::currentChanged, this, &MainWindow::currentTabChanged);
     connectCommands();
     startAutosave();
-    currentView()->setFocus(); // the keys that go about the canvas work from the start
 }
 
 MainWindow::~MainWindow()
@@ -70,6 +69,9 @@ void MainWindow::addNodeGraphTab()
     // The view does not own its scene; here the two are tied together. The panel lets go of the nodes first.
     connect(view, &QObject::destroyed, panel, [panel, scene] { panel->forgetScene(scene); });
     connect(view, &QObject::destroyed, scene, [scene] { delete scene; });
+
+    if (view == currentView())
+        view->setFocus(); // the keys that go about the canvas work from the start
 }
 
 void MainWindow::showStoryOf(NodegraphScene *scene)

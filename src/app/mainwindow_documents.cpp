@@ -200,11 +200,15 @@ void MainWindow::closeTab(int index)
     if (!closing)
         return;
     // By the view, not by the number: tabs may have been dragged, and `views` keeps the order of creation.
+    const bool wasCurrent = closing == ui->Nodegraph->currentWidget();
     ui->Nodegraph->removeTab(ui->Nodegraph->indexOf(closing));
     std::erase(views, closing.data());
     closing->deleteLater(); // the close button that was pressed belongs to this tab
-    if (NodegraphView *view = currentView())
+    if (NodegraphView *view = currentView()) {
         view->nodegraphScene()->updateStory();
+        if (wasCurrent)
+            view->setFocus(); // or the keyboard would be on whatever comes next in the window
+    }
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

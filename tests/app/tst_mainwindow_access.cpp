@@ -34,6 +34,9 @@ private slots:
     void everyButtonHasANameAndATip();
     void panelAndCanvasHaveNames();
     void canvasHasTheKeyboardAtTheStart();
+    void canvasHasTheKeyboardAgain_data();
+    void canvasHasTheKeyboardAgain();
+    void otherTabsLeaveTheKeyboardWhereItIs();
     void menuKeyOpensTheFirstMenu();
     void menuKeyWorksWhileATextIsEdited();
     void everyMenuIsReachedByArrows();
@@ -92,6 +95,54 @@ void tst_MainWindowAccess::panelAndCanvasHaveNames()
 void tst_MainWindowAccess::canvasHasTheKeyboardAtTheStart()
 {
     QCOMPARE(QApplication::focusWidget(), window->getViews().front());
+}
+
+void tst_MainWindowAccess::canvasHasTheKeyboardAgain_data()
+{
+    QTest::addColumn<QString>("after");
+    for (const char *after : {"New and a new tab", "the current tab closed", "Open"})
+        QTest::newRow(after) << QString::fromLatin1(after);
+}
+
+void tst_MainWindowAccess::canvasHasTheKeyboardAgain()
+{
+    QFETCH(QString, after);
+    if (after.startsWith(QLatin1String("New"))) {
+        QTest::keyClick(window.get(), Qt::Key_N, Qt::ControlModifier);
+        QTest::keyClick(window.get(), Qt::Key_T, Qt::ControlModifier);
+    } else if (after == QLatin1String("Open")) {
+        const QString file = home.filePath(QStringLiteral("two.scene"));
+        QVERIFY(writeFile(file, documentBytes({{}, {}})));
+        QCOMPARE(openFile(*window, file), QString());
+    } else {
+        QTest::keyClick(window.get(), Qt::Key_T, Qt::ControlModifier);
+        const DialogAnswers answers({press(QMessageBox::No)});
+        QTest::keyClick(window.get(), Qt::Key_W, Qt::ControlModifier);
+        QCOMPARE(answers.problem(), QString());
+    }
+    window->activateWindow(); // which a window manager does after a dialog
+    QVERIFY(QTest::qWaitForWindowActive(window.get()));
+    QCOMPARE(QApplication::focusWidget(), tabsOf(*window)->currentWidget());
+    QVERIFY(QApplication::focusWidget());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_F2);
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("!"));
+    const auto *view = static_cast<NodegraphView *>(tabsOf(*window)->currentWidget());
+    QCOMPARE(titlesOf(view->nodegraphScene()), QStringList(QStringLiteral("Event!")));
+}
+
+void tst_MainWindowAccess::otherTabsLeaveTheKeyboardWhereItIs()
+{
+    QGraphicsView *panel = window->getOverviewerScene()->views().at(0);
+    panel->setFocus();
+    window->addNodeGraphTab();
+    QCOMPARE(QApplication::focusWidget(), panel);
+    const DialogAnswers answers({press(QMessageBox::No)});
+    emit tabsOf(*window)->tabCloseRequested(1);
+    QCOMPARE(answers.problem(), QString());
+    window->activateWindow(); // which a window manager does after a dialog
+    QVERIFY(QTest::qWaitForWindowActive(window.get()));
+    QCOMPARE(QApplication::focusWidget(), panel);
 }
 
 void tst_MainWindowAccess::menuKeyOpensTheFirstMenu()
