@@ -9,6 +9,7 @@
 #include <QDataStream>
 #include <QDebug>
 #include <QGraphicsPathItem>
+#include <QGraphicsScene>
 #include <QGraphicsSceneMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -206,6 +207,7 @@ void Node::mousePressEvent(QGraphicsSceneMouseEvent *event)
 {
     emit s_selected(this);
     QGraphicsItem::mousePressEvent(event);
+    isPressed = isPressed || event->button() == Qt::LeftButton;
 }
 
 // The reported places are those before this move; the lines catch up with the next one, and on release.
@@ -216,7 +218,50 @@ void Node::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
     const QPointF outputCentre = outSocket->sceneCentre();
     emit s_inSocketMove(inputCentre);
     emit s_outSocketMove(outputCentre);
-    QGraphicsItem::mouseMoveEvent(event);
+    if (!(event->buttons() & Qt::LeftButton)) {
+        QGraphicsItem::mouseMoveEvent(event);
+        return;
+    }
+    const QPointF press = event->buttonDownScenePos(Qt::LeftButton);
+    if (isPressed || dragNumber == 0 || press != pressOfDrag)
+        pickUp();
+    isPressed = false;
+    pressOfDrag = press;
+    drag(event->scenePos() - press);
+}
+
+std::vector<Node *> Node::selectedNodesAndThis()
+{
+    std::vector<Node *> all;
+    const QList<QGraphicsItem *> selected = scene() ? scene()->selectedItems() : QList<QGraphicsItem *>();
+    for (QGraphicsItem *item : selected) {
+        if (auto *node = dynamic_cast<Node *>(item); node && node != this)
+            all.push_back(node);
+    }
+    all.push_back(this);
+    return all;
+}
+
+/// The first move of a drag: all that is selected now goes with this node.
+void Node::pickUp()
+{
+    static quint64 drags = 0;
+    ++drags;
+    for (Node *node : selectedNodesAndThis()) {
+        node->dragNumber = drags;
+        node->placeBeforeDrag = node->pos();
+    }
+}
+
+/// Moves what was picked up and is still selected. The framework's own handler moves what is selected at each
+/// moment: a node that was selected in the midst of the drag would start from (0, 0), and after a drag that
+/// was cut short, because its node went, the next one would as well.
+void Node::drag(QPointF way)
+{
+    for (Node *node : selectedNodesAndThis()) {
+        if (node->dragNumber == dragNumber)
+            node->setPos(node->placeBeforeDrag + way);
+    }
 }
 
 void Node::sl_socketClick(int socketType, QPointF point) { emit s_socketClick(socketType, point); }

@@ -121,6 +121,9 @@ private:
     void createSockets();
     void createData(TextMaking making);
     void connectSocket(Socket *socket);
+    std::vector<Node *> selectedNodesAndThis();
+    void pickUp();
+    void drag(QPointF way);
     void updateHeaderPath();
 
     QString nodeName;
@@ -147,4 +150,9 @@ private:
     bool isImportant = false;
     int index = 0;
     int prevIndex = -1;
+
+    bool isPressed = false;  // and not moved since
+    quint64 dragNumber = 0;  // of the drag that has picked it up last
+    QPointF placeBeforeDrag; // scene coordinates
+    QPointF pressOfDrag;     // scene coordinates: what the event says of the drag that this node leads
 };
