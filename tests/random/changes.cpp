@@ -11,10 +11,20 @@
 #include <QVariant>
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
 constexpr char numberNote[] = "number"; // an address may be another object's after the next step
+
+/// How far one move of the mouse may take an event: over all that the view shows, and back.
+double farthestMove(const NodegraphView *view, const Step &step)
+{
+    if (step.name != QLatin1String("drag on"))
+        return std::numeric_limits<double>::infinity();
+    const QRectF shown = view->mapToScene(view->viewport()->rect()).boundingRect();
+    return 2 * (shown.width() + shown.height());
+}
 
 } // namespace
 
@@ -76,8 +86,9 @@ QString Changes::unexplained(const MainWindow &window, const Step &step)
         Tab tab = former.take(number);
         if (view->property("known").toBool()) {
             const QString trouble = explain(tab, now, step.effects, typed);
+            const QString thrown = explainMoves(tab.nodes, now, farthestMove(view, step));
             if (fault.isEmpty())
-                fault = trouble;
+                fault = trouble.isEmpty() ? thrown : trouble;
         } else {
             view->setProperty("known", true);
             for (const NodeState &state : now)
@@ -130,6 +141,21 @@ QString Changes::explain(Tab &tab, const Nodes &now, int effects, QSet<int> &typ
     }
     if (added > 1 && !(effects & (Effect::history | Effect::pastes)))
         return QStringLiteral("%1 events have come").arg(added);
+    return {};
+}
+
+QString Changes::explainMoves(const Nodes &before, const Nodes &now, double farthest)
+{
+    for (auto it = now.cbegin(); it != now.cend(); ++it) {
+        const QPointF from = before.value(it.key(), it.value()).pos;
+        if ((it->pos - from).manhattanLength() > farthest)
+            return QStringLiteral("event %1 was thrown from (%2, %3) to (%4, %5)")
+                .arg(it->index)
+                .arg(from.x())
+                .arg(from.y())
+                .arg(it->pos.x())
+                .arg(it->pos.y());
+    }
     return {};
 }
 

@@ -52,6 +52,7 @@ private:
     quint64 numberOf(QObject *object);
     Nodes statesOf(const NodegraphView *view);
     QString explain(Tab &tab, const Nodes &now, int effects, QSet<int> &typed) const;
+    static QString explainMoves(const Nodes &before, const Nodes &now, double farthest);
     static void followConnection(Tab &tab, const NodeState &before, const NodeState *now, int effects);
     static QString explainNew(const Tab &tab, const NodeState &state, int effects);
     static QString explainChange(const NodeState &before, const NodeState &now, int effects);

@@ -20,6 +20,7 @@ private slots:
 
     void changesThatNoStepExplainsAreFound_data();
     void changesThatNoStepExplainsAreFound();
+    void eventThatIsThrownIsFound();
     void whatComesBackIsComparedWithWhatWent();
     void aConnectionThatDoesNotComeBackIsNoted();
     void bytesRepeatASeed();
@@ -100,6 +101,21 @@ void tst_RandomChanges::changesThatNoStepExplainsAreFound()
         QCOMPARE(Changes(before).unexplained(story.window, {{}, effects}), QString());
     if (effects == 0 || effects & Effect::scrolls)
         QVERIFY(!Changes(before).unexplained(story.window, {{}, all}).isEmpty());
+}
+
+void tst_RandomChanges::eventThatIsThrownIsFound()
+{
+    StoryWindow story;
+    Changes changes;
+    QCOMPARE(changes.unexplained(story.window, {{}, Effect::documents}), QString());
+    const Step drag{QStringLiteral("drag on"), Effect::moves};
+    node(story.window, 3)->setPos(300, 2100);
+    QCOMPARE(changes.unexplained(story.window, drag), QString());
+    node(story.window, 3)->setPos(50000, 50000);
+    QCOMPARE(changes.unexplained(story.window, drag),
+             QStringLiteral("event 3 was thrown from (300, 2100) to (50000, 50000)"));
+    node(story.window, 3)->setPos(0, 0);
+    QCOMPARE(changes.unexplained(story.window, {QStringLiteral("look"), Effect::moves}), QString());
 }
 
 void tst_RandomChanges::whatComesBackIsComparedWithWhatWent()
