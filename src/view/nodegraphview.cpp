@@ -125,10 +125,7 @@ void NodegraphView::mousePressEvent(QMouseEvent *event)
 void NodegraphView::mouseMoveEvent(QMouseEvent *event)
 {
     const QPoint position = event->position().toPoint();
-    if (event->buttons() & Qt::LeftButton)
-        heldAt = event->position();
-    else if (leftIsHeld)
-        letGo();
+    watchLeftButton(*event);
     emit lastMousePos(mapToScene(position));
     if (event->buttons() & Qt::RightButton)
         pan(position);
@@ -145,10 +142,16 @@ void NodegraphView::mouseDoubleClickEvent(QMouseEvent *event)
         QGraphicsView::mouseDoubleClickEvent(event);
 }
 
-/// A dialog or a menu that was opened by key got the release. Whatever was dragged is dropped where it was
-/// then.
-void NodegraphView::letGo()
+/// If a dialog or a menu that was opened by key got the release, whatever was dragged is dropped where the
+/// mouse was before.
+void NodegraphView::watchLeftButton(const QMouseEvent &move)
 {
+    if (move.buttons() & Qt::LeftButton) {
+        heldAt = move.position();
+        return;
+    }
+    if (!leftIsHeld)
+        return;
     leftIsHeld = false;
     QMouseEvent release(QEvent::MouseButtonRelease, heldAt, viewport()->mapToGlobal(heldAt), Qt::LeftButton,
                         Qt::NoButton, QGuiApplication::keyboardModifiers());

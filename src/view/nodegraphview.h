@@ -58,7 +58,7 @@ private:
     void frame(const QRectF &wanted);
     void frameAgain();
     void noteRestingMouse(const QPointF &globalPos);
-    void letGo();
+    void watchLeftButton(const QMouseEvent &move);
 
     double zoomDivisor = 1.0; // reciprocal of the zoom by wheel and pinch since it was last set
     QPointF panAnchor;        // viewport coordinates, (0, 0) while nobody pans
