@@ -89,7 +89,9 @@ fi
 
 inside apt-get -qq purge -y --autoremove fablegrid >/dev/null 2>&1
 files >"$root/tmp/after"
-if ! diff "$root/tmp/before" "$root/tmp/after" | grep -E '^[<>]' >"$root/tmp/left"; then
+diff "$root/tmp/before" "$root/tmp/after" >"$root/tmp/differs" || [[ $? -eq 1 ]]
+grep -E '^[<>]' "$root/tmp/differs" >"$root/tmp/left" || true
+if [[ ! -s $root/tmp/left ]]; then
     echo "Installed, started and removed in a new Debian 12; nothing is left."
     exit 0
 fi

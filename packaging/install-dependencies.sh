@@ -4,7 +4,7 @@
 #   test     running its tests as well (virtual display, window manager, synthetic input)
 #   lint     ./lint
 #   package  making, checking and trying out the Debian package
-#   ci       all of that and the further checks of .ci/run (fuzzing, coverage)
+#   ci       all of that and the further checks of .ci/run (fuzzing), and coverage
 # Silent and quick when nothing is missing. When something is and cannot be installed, says so and fails.
 set -euo pipefail
 

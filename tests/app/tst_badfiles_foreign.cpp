@@ -185,7 +185,6 @@ void tst_BadFilesForeign::whatCannotBeReadChangesNothing()
     QCOMPARE(window.getCurrentFilePath(), document);
 }
 
-// A pipe makes its reader wait for whoever writes, and a device may never end: neither is a document.
 // They would take hours: a tab bar lays all its tabs out for each one that comes.
 void tst_BadFilesForeign::thousandsOfEmptyTabsAreCutDown()
 {
@@ -207,6 +206,7 @@ void tst_BadFilesForeign::thousandsOfEmptyTabsAreCutDown()
     QCOMPARE(opener.window().getViews().at(120)->nodegraphScene()->getNodes().size(), std::size_t(1));
 }
 
+// A pipe makes its reader wait for whoever writes, and a device may never end: neither is a document.
 void tst_BadFilesForeign::pipeIsNotWaitedFor()
 {
 #ifdef Q_OS_UNIX

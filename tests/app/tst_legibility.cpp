@@ -362,8 +362,11 @@ void tst_Legibility::eventTexts()
 {
     QFETCH(const QString, state);
     NodegraphScene *scene = sceneOf(*window, 0);
+    addEvent(scene, QStringLiteral("The end"), QString()); // an only event would be the end by itself
+    scene->sl_deselectCurrentNode();
     Node *node = addEvent(scene, QStringLiteral("A title"), QStringLiteral("What happens then"));
     scene->sl_deselectCurrentNode();
+    QVERIFY(!node->getIsEndOfStory());
     if (state == QLatin1String("current"))
         scene->sl_selectCurrentNode(node);
     if (state.contains(QLatin1String("important")))

@@ -66,14 +66,11 @@ private:
 
 void tst_MainWindowAccess::everyButtonHasANameAndATip()
 {
-    int seen = 0;
     for (const char *name : {"Add_NodeButton", "AddNodeGraph_tool_button", "F1_button"}) {
         QAbstractButton *button = buttonOf(*window, name);
         QVERIFY(!nameOf(button).isEmpty());
         QVERIFY(!button->toolTip().isEmpty());
-        ++seen;
     }
-    QCOMPARE(seen, 3);
     QCOMPARE(nameOf(buttonOf(*window, "Add_NodeButton")), QStringLiteral("Add Event"));
     QCOMPARE(nameOf(buttonOf(*window, "AddNodeGraph_tool_button")), QStringLiteral("New Tab"));
     QCOMPARE(nameOf(buttonOf(*window, "F1_button")), QStringLiteral("Important events"));

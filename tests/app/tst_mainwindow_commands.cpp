@@ -18,7 +18,6 @@ private slots:
 
     void withoutATabOnlyTheFirstLineIsLogged_data() { addTabCommands(); }
     void withoutATabOnlyTheFirstLineIsLogged();
-    void foreignPageIsLeftAlone_data() { addTabCommands(); }
     void onlyTheCurrentTabIsTouched_data() { addTabCommands(); }
     void onlyTheCurrentTabIsTouched();
 

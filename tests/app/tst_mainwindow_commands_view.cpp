@@ -58,10 +58,8 @@ private slots:
         flushDeferredDeletes();
     }
 
-    void withoutATabOnlyTheFirstLineIsLogged_data() { addTabCommands(); }
     void foreignPageIsLeftAlone_data() { addTabCommands(); }
     void foreignPageIsLeftAlone();
-    void onlyTheCurrentTabIsTouched_data() { addTabCommands(); }
 
     void frame();
     void zoomInCompounds();

@@ -87,8 +87,7 @@ void tst_WorstMomentsTexts::textIsComposed()
     WorstMoment::compose({}, QStringLiteral("whole"));
     if (stays)
         QVERIFY(text->toPlainText().contains(QLatin1String("whole")));
-    if (stage->editedText())
-        stage->noteTexts();
+    stage->noteEdit(stage->editedText());
     stage->goOn();
 }
 
@@ -110,8 +109,7 @@ void tst_WorstMomentsTexts::menuOfTheTextIsOpen()
         for (QAction *action : actions)
             action->trigger();
     }
-    if (text)
-        stage->noteTexts(); // they have done their work
+    stage->noteEdit(text); // they have done their work
     if (menu)
         menu->close();
     stage->goOn();

@@ -18,6 +18,8 @@ public:
     void go(const QString &way);
     /// What the texts are now is what they must stay.
     void noteTexts();
+    /// The same for the event of that text alone, which is one of its own or its entry's; null is none.
+    void noteEdit(const QGraphicsTextItem *text);
     /// Lets go of the mouse and goes on working: undo, redo, keys, painting, saving, reading back.
     void goOn();
 
@@ -138,6 +140,22 @@ inline void WorstMoment::noteTexts()
         noonText = textOf(noon);
 }
 
+inline void WorstMoment::noteEdit(const QGraphicsTextItem *text)
+{
+    for (OvNode *entry : panel()->getOvNodes()) {
+        if (Node *shown = scene()->findNodeByIndex(entry->getIndex()); text && descriptionOf(entry) == text)
+            text = shown ? descriptionOf(shown) : nullptr;
+    }
+    for (const Node *node : {dusk.data(), dawn.data(), noon.data()}) {
+        if (!text || !isThere(node) || (node->getNameItem() != text && descriptionOf(node) != text))
+            continue;
+        if (node == noon)
+            noonText = textOf(noon);
+        else
+            textsBefore[node->getIndex()] = textOf(node);
+    }
+}
+
 inline void WorstMoment::go(const QString &way)
 {
     noteTexts();
@@ -150,7 +168,7 @@ inline void WorstMoment::go(const QString &way)
     if (byKey && keyIsTaken) {
         // The key did what it does in a text, a menu or a dialog.
         QVERIFY(!noonIsGone && noon->isVisible());
-        noteTexts();
+        noteEdit(editedText());
     } else if (way == QLatin1String("Ctrl+X")) {
         QVERIFY(!noonIsGone && !noon->isVisible()); // it stays until it is pasted
     } else {

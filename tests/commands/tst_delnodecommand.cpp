@@ -416,7 +416,6 @@ void tst_DelNodeCommand::takesNoOtherNodeWhenItsIndexIsTakenMeanwhile()
     QCOMPARE(tab.scene.getNodes(), std::vector<Node *>{other});
 }
 
-// The command works on a copy: neither the node nor the one that comes back gives its payload away.
 // A damaged file can give an event the index that means none. Undoing a deletion then took that event for
 // what had led to the deleted one, and the true connection, which would have closed a cycle, was not made.
 void tst_DelNodeCommand::eventWithTheIndexOfNoneIsNotTakenForUpstream()
@@ -434,6 +433,7 @@ void tst_DelNodeCommand::eventWithTheIndexOfNoneIsNotTakenForUpstream()
     QVERIFY(!tab.node(0)->hasInput());
 }
 
+// The command works on a copy: neither the node nor the one that comes back gives its payload away.
 void tst_DelNodeCommand::payloadStaysTheNodesOwn()
 {
     GraphTab tab;

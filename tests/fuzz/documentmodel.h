@@ -249,13 +249,13 @@ inline Document read(const QByteArray &source)
     return document;
 }
 
-/// As a text item gives back what it was given: it knows one kind of line end and one kind of space.
+/// As a text item gives back what it was given: it knows one kind of paragraph end.
 inline QString asTextItem(QString text)
 {
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
-    for (const char16_t lineEnd : {u'\r', u'\u2028', u'\u2029', u'\uFDD0', u'\uFDD1'})
+    for (const char16_t lineEnd : {u'\r', u'\u2029', u'\uFDD0', u'\uFDD1'})
         text.replace(QChar(lineEnd), QLatin1Char('\n'));
-    return text.replace(QChar(u'\u00A0'), QLatin1Char(' '));
+    return text;
 }
 
 /// What an event holds by itself, for comparing; coordinates bit by bit.

@@ -25,6 +25,8 @@ expect "no executable stack" 'GNU_STACK .* RW +' "$segments"
 expect "stack protector" '__stack_chk_fail' "$symbols"
 expect "assertions of the standard library" '__glibcxx_assert_fail' "$symbols"
 # No call of the program itself has a checked twin, so nothing in the built file can tell.
+sources=$(grep '"command"' "$commands" | grep -c '/src/' || true)
+expect "the commands of the sources" '^[1-9]' "$sources"
 unchecked=$(grep '"command"' "$commands" | grep '/src/' | grep -cvE -- '-D_FORTIFY_SOURCE=[23]' || true)
 expect "checked copies, in every source" '^0$' "$unchecked"
 exit $status

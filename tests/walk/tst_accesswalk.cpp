@@ -101,21 +101,26 @@ void tst_AccessWalk::storyIsWrittenWithoutAMouse()
         QCOMPARE(event.endOfStory, event.index == 2 ? 1 : 0);
         QCOMPARE(event.important, event.index == 1 ? 1 : 0);
         QCOMPARE(event.title, QString::fromLatin1(event.index == 1 ? "The storm" : "Event"));
+        QCOMPARE(event.description,
+                 QString::fromLatin1(event.index == 1 ? "It breaks the lamp." : "Enter description"));
     }
     // Back at the start, by menu: the three events and the joints between them.
     STEP(chooseByArrows(1, 0));
     QVERIFY(window.key(QStringLiteral("ctrl+z")));
     QVERIFY(window.key(QStringLiteral("ctrl+z")));
     QVERIFY(window.key(QStringLiteral("ctrl+z")));
-    QCOMPARE(walk.savedAgain(path).tabs.value(0).size(), 0);
+    const SavedScene emptied = walk.savedAgain(path);
+    QCOMPARE(emptied.problem, QString());
+    QCOMPARE(emptied.tabs.size(), 2);
+    QCOMPARE(emptied.tabs.at(0).size(), 0);
     // The window is closed by the window manager's key in ordinary sessions; here by its button.
     STEP(walk.end());
 }
 
 void tst_AccessWalk::startWithColours(const QString &name, const QByteArray &settings)
 {
-    QVERIFY(QDir(desktop.homePath(QString())).mkpath(QStringLiteral(".config")));
-    QFile file(desktop.homePath(QStringLiteral(".config/kdeglobals")));
+    QVERIFY(QDir(desktop.homePath(QString())).mkpath(QStringLiteral("config")));
+    QFile file(desktop.homePath(QStringLiteral("config/kdeglobals")));
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write(settings) == settings.size());
     file.close();
     walk.variables = {{QStringLiteral("XDG_CURRENT_DESKTOP"), QStringLiteral("KDE")},
@@ -147,7 +152,7 @@ void tst_AccessWalk::desktopsColoursChangeNothing()
         STEP(walk.end());
         walk.program.reset();
     }
-    QVERIFY(QFile::remove(desktop.homePath(QStringLiteral(".config/kdeglobals"))));
+    QVERIFY(QFile::remove(desktop.homePath(QStringLiteral("config/kdeglobals"))));
     QCOMPARE(windows.at(0), windows.at(1));
     QCOMPARE(menus.at(0), menus.at(1));
 }

@@ -198,7 +198,10 @@ void tst_KeyWalk::deleteAndUndo()
     QVERIFY(window.key(QStringLiteral("Delete")));
     QVERIFY(window.comesToShowEntries(0));
     QCOMPARE(window.events().size(), 0);
-    QCOMPARE(walk.savedAgain(path).tabs.value(0).size(), 0);
+    const SavedScene emptied = walk.savedAgain(path);
+    QCOMPARE(emptied.problem, QString());
+    QCOMPARE(emptied.tabs.size(), 1);
+    QCOMPARE(emptied.tabs.at(0).size(), 0);
     for (int count = 1; count <= 3; ++count) {
         QVERIFY(window.key(QStringLiteral("ctrl+z")));
         QCOMPARE(walk.savedAgain(path).tabs.value(0).size(), count);
