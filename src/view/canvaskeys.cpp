@@ -127,18 +127,22 @@ void CanvasKeys::bringIntoSight(const Node *node)
     view->ensureVisible(node, margin, margin);
 }
 
-/// First the title, then the description, and so on in turn.
+/// First the title, then the description, and so on in turn. What is there is treated as a click does: a
+/// title is selected, ready to be typed over, and what asks for a description goes.
 void CanvasKeys::edit(Node *node)
 {
     QGraphicsTextItem *text = node->getNameItem();
     if (text->hasFocus() && node->getData() && node->getData()->eventContent()) {
         STLineEdit *description = node->getData()->eventContent()->getDescriptionItem();
-        description->removePlaceholder(); // as a click does
+        description->removePlaceholder();
         text = description;
     }
     text->setFocus(Qt::ShortcutFocusReason);
     QTextCursor cursor = text->textCursor();
-    cursor.movePosition(QTextCursor::End);
+    if (text == node->getNameItem())
+        cursor.select(QTextCursor::Document);
+    else
+        cursor.movePosition(QTextCursor::End);
     text->setTextCursor(cursor);
     bringIntoSight(node);
 }

@@ -164,7 +164,7 @@ void tst_CanvasKeys::keyEditsTitleThenDescription()
     canvas.makeCurrent(canvas.middle);
     canvas.press(Qt::Key_F2);
     QVERIFY(canvas.middle->getNameItem()->hasFocus());
-    QTest::keyClicks(canvas.view.get(), QStringLiteral("!"));
+    QTest::keyClicks(canvas.view.get(), QStringLiteral("Rain"));
     canvas.press(Qt::Key_F2);
     STLineEdit *description = canvas.middle->getData()->eventContent()->getDescriptionItem();
     QVERIFY(description->hasFocus());
@@ -173,7 +173,7 @@ void tst_CanvasKeys::keyEditsTitleThenDescription()
     QVERIFY(canvas.middle->getNameItem()->hasFocus());
     canvas.press(Qt::Key_F2);
     QTest::keyClicks(canvas.view.get(), QStringLiteral("!"));
-    QCOMPARE(canvas.middle->getTitle(), QStringLiteral("Event!"));
+    QCOMPARE(canvas.middle->getTitle(), QStringLiteral("Rain"));
     QCOMPARE(description->toPlainText(), QStringLiteral("?!")); // what asks for a description has gone
 }
 
@@ -202,9 +202,11 @@ void tst_CanvasKeys::keysBelongToTheTextWhileItIsEdited()
     const KeyCanvas canvas;
     canvas.makeCurrent(canvas.middle);
     canvas.press(Qt::Key_F2);
+    canvas.press(Qt::Key_Left); // before what was selected
+    QTest::keyClicks(canvas.view.get(), QStringLiteral("The last "));
     canvas.press(Qt::Key_Left, Qt::ControlModifier); // a word back
-    QTest::keyClicks(canvas.view.get(), QStringLiteral("The "));
-    QCOMPARE(canvas.middle->getTitle(), QStringLiteral("The Event"));
+    QTest::keyClicks(canvas.view.get(), QStringLiteral("very "));
+    QCOMPARE(canvas.middle->getTitle(), QStringLiteral("The very last Event"));
     QVERIFY(canvas.middle->getNameItem()->hasFocus());
 }
 
