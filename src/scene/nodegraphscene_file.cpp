@@ -83,6 +83,7 @@ std::vector<Node *> NodegraphScene::readRecords(QDataStream &stream, int count)
 void NodegraphScene::restoreConnections(const std::vector<Node *> &loaded, const QString &fileName)
 {
     int refused = 0;
+    std::vector<Node *> unfed; // not reset at once: a node that two records were read into is listed twice
     QHash<int, Node *> firstWithIndex;
     for (Node *node : loaded) {
         if (!firstWithIndex.contains(node->getIndex()))
@@ -95,9 +96,8 @@ void NodegraphScene::restoreConnections(const std::vector<Node *> &loaded, const
         Node *downstream = findNodeByIndex(node->getIndex());
         const bool isFound = firstWithIndex.contains(upstreamIndex);
         const bool isRefused = isFound && wouldCloseCycle(downstream, findNodeByIndex(upstreamIndex));
-        // What is saved later is what is shown then.
         if (!isFound || isRefused || downstream != node)
-            node->setPrevIndex(-1);
+            unfed.push_back(node);
         if (isRefused)
             ++refused;
         else if (isFound)
@@ -108,6 +108,11 @@ void NodegraphScene::restoreConnections(const std::vector<Node *> &loaded, const
     if (refused > 0)
         qWarning() << "Damaged scene file:" << fileName << "has" << refused
                    << "connections that close a cycle, left out";
+    // What is saved later is what is shown then.
+    for (Node *node : unfed) {
+        if (!node->hasInput())
+            node->setPrevIndex(-1);
+    }
 }
 
 void NodegraphScene::frameSelectedNodes()

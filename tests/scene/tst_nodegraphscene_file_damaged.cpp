@@ -16,6 +16,7 @@ private slots:
     void storedIndexMayMeetAProvisionalOne_data();
     void storedIndexMayMeetAProvisionalOne();
     void overwrittenNodeKeepsItsMarks();
+    void overwrittenNodeIsJoinedOnceForEachRecord();
     void dataThatEndsEarlyGivesBlankNodes();
     void dataThatEndsInARecord_data();
     void dataThatEndsInARecord();
@@ -129,6 +130,21 @@ void tst_NodegraphScene_File_Damaged::storedIndexMayMeetAProvisionalOne()
         const bool isBlank = titles.at(i) == QStringLiteral("Event");
         QCOMPARE(node->scenePos(), isBlank ? QPointF(0, 0) : QPointF(10.5 * indices.at(i), 20));
     }
+}
+
+// A node that two records were read into stands in the list of the read ones twice.
+void tst_NodegraphScene_File_Damaged::overwrittenNodeIsJoinedOnceForEachRecord()
+{
+    GraphTab tab;
+    LogCapture log;
+    load(tab, {eventRecord(2, 9), eventRecord(5, 9)});
+    QCOMPARE(log.count(QStringLiteral("CouldntFind outNode")), 2);
+    QCOMPARE(tab.node(5)->getPrevIndex(), -1);
+    GraphTab circle;
+    expectRefusals(2);
+    load(circle, {eventRecord(2, 5), eventRecord(5, 5)});
+    QVERIFY(!circle.node(5)->hasInput());
+    QCOMPARE(circle.node(5)->getPrevIndex(), -1);
 }
 
 void tst_NodegraphScene_File_Damaged::overwrittenNodeKeepsItsMarks()
