@@ -6,13 +6,14 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
         $<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>)
 endif()
 
-# The resource compiler writes down when each file was last changed, which a checkout does not keep.
+# The resource compiler writes down when each file was last changed, which a checkout does not keep, or else the
+# time of the whole build, which is another one after the next commit. A time of 0 would count as none given.
 function(fablegrid_resources target collection)
     cmake_path(GET collection STEM name)
     set(made ${CMAKE_CURRENT_BINARY_DIR}/qrc_${name}.cpp)
     set(source ${CMAKE_CURRENT_SOURCE_DIR}/${collection})
     add_custom_command(OUTPUT ${made}
-        COMMAND ${CMAKE_COMMAND} -E env QT_RCC_SOURCE_DATE_OVERRIDE=0
+        COMMAND ${CMAKE_COMMAND} -E env --unset=SOURCE_DATE_EPOCH QT_RCC_SOURCE_DATE_OVERRIDE=1
             $<TARGET_FILE:Qt6::rcc> --name ${name} --output ${made} ${source}
         DEPENDS ${source} ${ARGN}
         VERBATIM)
