@@ -115,10 +115,7 @@ void NodegraphView::mousePressEvent(QMouseEvent *event)
         setCursor(Qt::ClosedHandCursor);
         return;
     }
-    if (event->button() == Qt::LeftButton) {
-        leftIsHeld = true;
-        heldAt = event->position();
-    }
+    noteLeftPress(*event);
     QGraphicsView::mousePressEvent(event);
 }
 
@@ -136,10 +133,20 @@ void NodegraphView::mouseMoveEvent(QMouseEvent *event)
 // does; the items would take it for a press on them, and a line would come off.
 void NodegraphView::mouseDoubleClickEvent(QMouseEvent *event)
 {
-    if (event->button() == Qt::RightButton)
+    if (event->button() == Qt::RightButton) {
         mousePressEvent(event);
-    else
-        QGraphicsView::mouseDoubleClickEvent(event);
+        return;
+    }
+    noteLeftPress(*event);
+    QGraphicsView::mouseDoubleClickEvent(event);
+}
+
+void NodegraphView::noteLeftPress(const QMouseEvent &press)
+{
+    if (press.button() != Qt::LeftButton)
+        return;
+    leftIsHeld = true;
+    heldAt = press.position();
 }
 
 /// If a dialog or a menu that was opened by key got the release, whatever was dragged is dropped where the

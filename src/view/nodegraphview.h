@@ -58,6 +58,7 @@ private:
     void frame(const QRectF &wanted);
     void frameAgain();
     void noteRestingMouse(const QPointF &globalPos);
+    void noteLeftPress(const QMouseEvent &press);
     void watchLeftButton(const QMouseEvent &move);
 
     double zoomDivisor = 1.0; // reciprocal of the zoom by wheel and pinch since it was last set

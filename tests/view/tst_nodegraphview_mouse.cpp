@@ -74,6 +74,7 @@ private slots:
     void rightPressKeepsTheSelection();
     void leftPressOnTheCanvasDeselects();
     void lostReleaseEndsTheBand();
+    void lostReleaseEndsTheLine_data();
     void lostReleaseEndsTheLine();
     void lostReleaseDropsTheNode();
 };
@@ -505,14 +506,25 @@ void tst_NodegraphViewMouse::lostReleaseEndsTheBand()
     QVERIFY(canvas.scene->getSelectedNodes().empty());
 }
 
+void tst_NodegraphViewMouse::lostReleaseEndsTheLine_data()
+{
+    QTest::addColumn<bool>("twice");
+    QTest::newRow("press") << false;
+    QTest::newRow("second press") << true;
+}
+
 void tst_NodegraphViewMouse::lostReleaseEndsTheLine()
 {
+    QFETCH(bool, twice);
     const Canvas canvas;
     const std::vector<Node *> chain = addChain(*canvas.scene, 2);
     canvas.scene->disconnectNode(chain[1]);
     canvas.view->centerOn(outputOf(chain[0]));
     const QPointF output = canvas.view->mapFromScene(outputOf(chain[0]));
-    canvas.press(output, Qt::LeftButton);
+    if (twice)
+        canvas.pressAgain(output, Qt::LeftButton);
+    else
+        canvas.press(output, Qt::LeftButton);
     canvas.move(output + QPointF(0, 90), Qt::LeftButton);
     QVERIFY(dragLineOf(*canvas.scene));
     canvas.move(canvas.view->mapFromScene(inputOf(chain[1])), Qt::NoButton);
