@@ -199,8 +199,8 @@ void MainWindow::closeTab(int index)
         sl_saveFile();
     if (!closing)
         return;
-    // By the view, not by the number: tabs may have been dragged, and `views` keeps the order of creation.
     const bool wasCurrent = closing == ui->Nodegraph->currentWidget();
+    // By the view, not by the number: tabs may have been dragged, and `views` keeps the order of creation.
     ui->Nodegraph->removeTab(ui->Nodegraph->indexOf(closing));
     std::erase(views, closing.data());
     closing->deleteLater(); // the close button that was pressed belongs to this tab

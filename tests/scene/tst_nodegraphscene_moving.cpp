@@ -25,6 +25,12 @@ private slots:
     void nextDragBeginsAnew();
 
 private:
+    static void beginDrag(FourNodes &canvas, QPointF handle)
+    {
+        canvas.move(handle);
+        canvas.press(handle);
+        canvas.move(handle + QPointF(10, 10));
+    }
     static Places placesOf(const std::vector<Node *> &nodes)
     {
         Places places;
@@ -67,9 +73,7 @@ void tst_NodegraphSceneMoving::onlyWhatIsPickedUpMoves()
     for (std::size_t i : {0, 1})
         canvas[i]->setSelected(true);
     const QPointF handle = bodyOf(canvas[0]);
-    canvas.move(handle);
-    canvas.press(handle);
-    canvas.move(handle + QPointF(10, 10));
+    beginDrag(canvas, handle);
     deed(canvas);
     canvas.move(handle + QPointF(20, 20));
     canvas.move(handle + QPointF(30, 20));
@@ -85,9 +89,7 @@ void tst_NodegraphSceneMoving::nodeAddedMeanwhileStaysWhereItWasPut()
 {
     FourNodes canvas;
     const QPointF handle = bodyOf(canvas[0]);
-    canvas.move(handle);
-    canvas.press(handle);
-    canvas.move(handle + QPointF(10, 10));
+    beginDrag(canvas, handle);
     canvas.scene.sl_addEventNode();
     const Node *added = canvas.scene.getNodes().back();
     const QPointF put = added->scenePos();
@@ -115,9 +117,7 @@ void tst_NodegraphSceneMoving::nextDragBeginsAnew()
     FourNodes canvas;
     const QPointF before = canvas[3]->scenePos();
     const QPointF handle = bodyOf(canvas[0]);
-    canvas.move(handle);
-    canvas.press(handle);
-    canvas.move(handle + QPointF(10, 10));
+    beginDrag(canvas, handle);
     deed(canvas);
     canvas.move(handle + QPointF(20, 20));
     canvas.release(handle + QPointF(20, 20));
