@@ -1,13 +1,19 @@
 #include "items/connectionline.h"
 
+#include "items/detail.h"
 #include "items/socket.h"
 
 #include <QGraphicsSceneMouseEvent>
 #include <QLineF>
+#include <QPainter>
 #include <QPainterPath>
 #include <QPainterPathStroker>
 
+#include <cmath>
+
 namespace {
+
+constexpr double visibleBend = 1.0; // pixels that a curve differs from its chord by
 
 /// Exactly; two points that are almost the same are equal to QPointF.
 bool isSamePlace(const QPointF &a, const QPointF &b) { return a.x() == b.x() && a.y() == b.y(); }
@@ -48,6 +54,24 @@ QPainterPath ConnectionLine::shape() const
     stroker.setCapStyle(pen.capStyle());
     stroker.setJoinStyle(pen.joinStyle());
     return stroker.createStroke(path());
+}
+
+// However far away, a line is a pixel wide, or it could not be seen.
+void ConnectionLine::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
+{
+    const double scale = Detail::scaleOf(*painter);
+    if (penWidth * scale >= 1.0) {
+        QGraphicsPathItem::paint(painter, option, widget);
+        return;
+    }
+    QPen thin(penColor, 1.0);
+    thin.setCosmetic(true);
+    painter->setPen(thin);
+    painter->setBrush(Qt::NoBrush);
+    if (std::abs(end.y() - start.y()) * scale < visibleBend)
+        painter->drawLine(start, end);
+    else
+        painter->drawPath(path());
 }
 
 void ConnectionLine::sl_updatePath()

@@ -30,6 +30,7 @@ public:
     void setSockets(Socket *input, Socket *output);
 
     QPainterPath shape() const override;
+    void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
 
 signals:
     /// A mouse button went down on the line; `type` is the SocketType of the nearer end.

@@ -12,6 +12,7 @@ constexpr double padding = 10.0;
 
 EventData::EventData(QGraphicsItem *parent, TextMaking making)
 {
+    setFlag(ItemHasNoContents);
     setParentItem(parent);
     description = new STLineEdit(tr("Enter description"), descriptionWidth, this, making);
     description->onTextChanged([this] { sl_isChanged(); });
@@ -47,9 +48,10 @@ QRectF EventData::boundingRect() const
     return description->boundingRect().adjusted(-padding, -padding, padding, padding);
 }
 
-QRectF EventData::panelRect() const { return description->boundingRect(); }
-
-QColor EventData::panelColor() const { return description->getBackgroundColor(); }
+void EventData::paintGreeked(QPainter &painter, double ground) const
+{
+    description->paintGreeked(painter, ground);
+}
 
 void EventData::paint(QPainter *, const QStyleOptionGraphicsItem *, QWidget *) {}
 

@@ -28,9 +28,9 @@ public:
     /// The text item, whole; owned by this object.
     STLineEdit *getDescriptionItem() const;
 
-    /// The panel behind the text, in item coordinates, and its colour.
-    QRectF panelRect() const;
-    QColor panelColor() const;
+    /// Paints what it looks like where it is too small to be read, in item coordinates, with so much of the
+    /// ground (from 0 to 1); makes nothing.
+    void paintGreeked(QPainter &painter, double ground) const;
 
     QRectF boundingRect() const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;

@@ -1,6 +1,8 @@
 #include "items/node.h"
 
 #include "items/connectionline.h"
+#include "items/detail.h"
+#include "items/eventdata.h"
 #include "items/nodedata.h"
 #include "items/socket.h"
 #include "items/stnodename.h"
@@ -198,9 +200,37 @@ QColor Node::bodyColor() const
 
 void Node::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *)
 {
-    painter->setPen(Qt::NoPen);
-    painter->setBrush(bodyColor());
-    painter->drawRoundedRect(rect, cornerRadius, cornerRadius, Qt::AbsoluteSize);
+    Detail::fillRoundedRect(*painter, rect, cornerRadius, bodyColor());
+    if (detail.parts != NodeDetail::Parts::all)
+        paintPicture(*painter);
+}
+
+/// What the hidden parts look like.
+void Node::paintPicture(QPainter &painter) const
+{
+    if (Detail::showsCorners(painter, cornerRadius))
+        painter.fillPath(headerItem->path(), headerItem->brush());
+    else
+        painter.fillRect(headerItem->path().controlPointRect(), headerItem->brush());
+    painter.translate(nameItem->pos());
+    nameItem->paintGreeked(painter);
+    painter.translate(data->pos() - nameItem->pos());
+    if (const EventData *event = data->eventContent())
+        event->paintGreeked(painter, detail.ground);
+    painter.translate(-data->pos());
+}
+
+void Node::setDetail(const NodeDetail &wanted)
+{
+    const NodeDetail::Parts before = detail.parts;
+    detail = wanted;
+    if (detail.parts == before)
+        return;
+    for (QGraphicsItem *part : std::initializer_list<QGraphicsItem *>{headerItem, nameItem, data})
+        part->setVisible(detail.parts == NodeDetail::Parts::all);
+    for (Socket *socket : {inSocket, outSocket})
+        socket->setVisible(detail.parts != NodeDetail::Parts::none);
+    update();
 }
 
 void Node::mousePressEvent(QGraphicsSceneMouseEvent *event)

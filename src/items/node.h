@@ -1,5 +1,6 @@
 #pragma once
 
+#include "items/nodedetail.h"
 #include "items/resizeobserver.h"
 #include "items/textmaking.h"
 
@@ -65,14 +66,15 @@ public:
 
     /// What the body is filled with, by the marks and the selection.
     QColor bodyColor() const;
-    /// The strip behind the title, in item coordinates, and its colour.
-    QRectF headerRect() const { return {0, 0, rect.width(), double(headerHeight)}; }
-    QColor getHeaderColor() const { return headerColor; }
 
     bool getIsEndOfStory() const { return isEndOfStory; }
     void setIsEndOfStory(bool endOfStory);
     bool getIsImportant() const { return isImportant; }
     void setImportant(bool important);
+
+    /// Shows as much as that. The parts that are left out are hidden: they take no press, and none of their
+    /// texts has the keyboard.
+    void setDetail(const NodeDetail &wanted);
 
     /// Takes over the description and the type of `source`, which stays the caller's. Reports no change.
     void copyDataFrom(const NodeData *source);
@@ -125,6 +127,7 @@ private:
     void pickUp();
     void drag(QPointF way);
     void updateHeaderPath();
+    void paintPicture(QPainter &painter) const;
 
     QString nodeName;
     QRectF rect{0, 0, 231.0, 196.0}; // item coordinates
@@ -150,6 +153,7 @@ private:
     bool isImportant = false;
     int index = 0;
     int prevIndex = -1;
+    NodeDetail detail;
 
     bool isPressed = false;  // and not moved since
     quint64 dragNumber = 0;  // of the drag that has picked it up last

@@ -6,6 +6,7 @@
 
 NodeData::NodeData(int dataType, QGraphicsItem *parent, TextMaking making) : type(dataType)
 {
+    setFlag(ItemHasNoContents);
     setParentItem(parent);
     if (type != 0)
         return;

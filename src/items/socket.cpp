@@ -1,5 +1,7 @@
 #include "items/socket.h"
 
+#include "items/detail.h"
+
 #include <QGraphicsSceneMouseEvent>
 #include <QPainter>
 
@@ -22,9 +24,7 @@ QPointF Socket::sceneCentre() const { return scenePos() + boundingRect().center(
 
 void Socket::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *)
 {
-    painter->setPen(Qt::NoPen);
-    painter->setBrush(fillColor());
-    painter->drawRoundedRect(rect, cornerRadius, cornerRadius, Qt::AbsoluteSize);
+    Detail::fillRoundedRect(*painter, rect, cornerRadius, fillColor());
 }
 
 // The press stays accepted, so this socket holds the mouse and the node below neither moves nor is selected.

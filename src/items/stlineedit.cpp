@@ -1,5 +1,6 @@
 #include "items/stlineedit.h"
 
+#include "items/detail.h"
 #include "items/resizeobserver.h"
 #include "items/textediting.h"
 #include "items/textmeasure.h"
@@ -94,6 +95,7 @@ void STLineEdit::setMeasuredText(const QString &text, const QRectF &place)
 void STLineEdit::keepUnmade(const QString &text, const QRectF &newRect)
 {
     unmadeText = text.isNull() ? QStringLiteral("") : text;
+    bars.forget();
     setRect(newRect);
     if (textListener)
         textListener();
@@ -103,6 +105,7 @@ QString STLineEdit::getText() const { return made ? TextEditing::exactText(*this
 
 void STLineEdit::textChanged()
 {
+    bars.forget();
     updateRect();
     if (textListener)
         textListener();
@@ -160,10 +163,17 @@ void STLineEdit::paint(QPainter *painter, const QStyleOptionGraphicsItem *option
 {
     make();
     const QStyleOptionGraphicsItem unframed = TextEditing::withoutFocusFrame(*option);
-    painter->setPen(Qt::NoPen);
-    painter->setBrush(backgroundColor);
-    painter->drawRoundedRect(boundingRect(), panelRadius, panelRadius);
+    Detail::fillRoundedRect(*painter, boundingRect(), panelRadius, backgroundColor);
     QGraphicsTextItem::paint(painter, &unframed, widget);
+}
+
+void STLineEdit::paintGreeked(QPainter &painter, double ground)
+{
+    QColor color = backgroundColor;
+    color.setAlphaF(float(ground));
+    painter.fillRect(rect, color);
+    bars.paint(painter, getText(), textFont(),
+               rect.adjusted(documentMargin, documentMargin, -documentMargin, -documentMargin), textColor);
 }
 
 void STLineEdit::mousePressEvent(QGraphicsSceneMouseEvent *event)

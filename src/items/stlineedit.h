@@ -1,5 +1,6 @@
 #pragma once
 
+#include "items/greekedtext.h"
 #include "items/textmaking.h"
 
 #include <QColor>
@@ -27,7 +28,9 @@ public:
     /// Calls `listener` after every change of the text, whether there is a document yet or not.
     void onTextChanged(std::function<void()> listener) { textListener = std::move(listener); }
     QString getText() const;
-    QColor getBackgroundColor() const { return backgroundColor; }
+    /// Paints what it looks like where it is too small to be read, in item coordinates, with so much of its
+    /// ground (from 0 to 1); makes nothing.
+    void paintGreeked(QPainter &painter, double ground);
 
     /// Replaces the text; any text but the placeholder ends the placeholder's display.
     void setText(const QString &text);
@@ -60,6 +63,7 @@ private:
     double width;
     bool made = false;
     QString unmadeText; // until it is made
+    GreekedText bars;
     std::function<void()> textListener;
     QString placeholder;
     bool placeholderShown = false;

@@ -90,6 +90,7 @@ void STNodeName::setAvailableWidth(double width)
 
 void STNodeName::updateShortText()
 {
+    bars.forget();
     const QString text = getTitle();
     const double room = availableWidth - 2 * documentMargin;
     const QFontMetricsF metrics(titleFont());
@@ -145,6 +146,13 @@ void STNodeName::paint(QPainter *painter, const QStyleOptionGraphicsItem *option
     painter->setPen(defaultTextColor());
     painter->drawText(QPointF(documentMargin, documentMargin + QFontMetricsF(titleFont()).ascent()),
                       shortText);
+}
+
+void STNodeName::paintGreeked(QPainter &painter)
+{
+    bars.paint(painter, isShortened() ? shortText : getTitle(), titleFont(),
+               boundingRect().adjusted(documentMargin, documentMargin, -documentMargin, -documentMargin),
+               textColor);
 }
 
 void STNodeName::mousePressEvent(QGraphicsSceneMouseEvent *event)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "items/greekedtext.h"
 #include "items/textmaking.h"
 
 #include <QColor>
@@ -22,6 +23,9 @@ public:
 
     /// The width in item coordinates that the title may cover while it is not being edited.
     void setAvailableWidth(double width);
+
+    /// Paints what it looks like where it is too small to be read, in item coordinates; makes nothing.
+    void paintGreeked(QPainter &painter);
 
     QRectF boundingRect() const override;
     QPainterPath shape() const override;
@@ -47,5 +51,6 @@ private:
     bool made = false;
     QString unmadeTitle; // until it is made
     QSizeF unmadeSize;
+    GreekedText bars;
     bool editing = false; // has the focus, with the outline to match
 };

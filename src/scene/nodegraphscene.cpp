@@ -10,6 +10,7 @@
 #include <QGraphicsRectItem>
 #include <QGraphicsView>
 #include <QMetaMethod>
+#include <QPainter>
 #include <QPointer>
 
 #include <cmath>
@@ -53,6 +54,23 @@ void NodegraphScene::createSelectionRect()
     selectionRect->setBrush(selectionColor);
     // A veil over the nodes that answers nothing: presses go through to what lies below.
     selectionRect->setAcceptedMouseButtons(Qt::NoButton);
+}
+
+// The items are painted after this. Only the frames of the view count: a picture that is painted for
+// something else changes nothing on the screen.
+void NodegraphScene::drawBackground(QPainter *painter, const QRectF &rect)
+{
+    const QList<QGraphicsView *> all = views();
+    if (!all.isEmpty() && painter->device() == all.first()->viewport())
+        adaptDetail();
+    QGraphicsScene::drawBackground(painter, rect);
+}
+
+void NodegraphScene::adaptDetail()
+{
+    const QList<QGraphicsView *> all = views();
+    if (!all.isEmpty())
+        detail.apply(*all.first(), nodes);
 }
 
 void NodegraphScene::sl_addEventNode()

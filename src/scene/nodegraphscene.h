@@ -3,6 +3,7 @@
 #include "items/connectionline.h"
 #include "items/node.h"
 #include "items/socket.h"
+#include "scene/canvasdetail.h"
 #include "scene/nodeindexmap.h"
 
 #include <QColor>
@@ -41,10 +42,6 @@ public:
     const std::vector<Node *> &getSelectedNodes() const { return selectedNodes; }
     /// The chain from the first event to the end of the story.
     const std::vector<Node *> &getStory() const;
-    /// The line that follows the mouse, null while none is dragged.
-    const ConnectionLine *getDragLine() const { return dragLine; }
-    /// The rubber band; its rectangle is empty while there is none.
-    const QGraphicsRectItem &getSelectionRect() const { return *selectionRect; }
     /// The node that last reported itself pressed, null when there is none.
     Node *currentNode() const { return currentNode_; }
     /// The node that carries the mark, null when there is none.
@@ -72,6 +69,9 @@ public:
     /// Deletes the selected nodes, or if none are selected `node`, or if that is null the current node; one
     /// undo command each.
     void deleteSelectedNodes(Node *node);
+
+    /// Shows as much of the events as suits its view now, which else happens with the next frame.
+    void adaptDetail();
 
     /// Computes the story anew and publishes it.
     void updateStory();
@@ -120,6 +120,7 @@ public slots:
     void frameSelectedNodes();
 
 protected:
+    void drawBackground(QPainter *painter, const QRectF &rect) override;
     void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;
@@ -190,5 +191,6 @@ private:
     quint64 nextArrival = 0;
     std::vector<QGraphicsItem *> leaving; // taken out at the end of a mass removal
     int massRemovals = 0;
+    CanvasDetail detail;
     bool mouseSeen = false; // lastMousePos means something
 };

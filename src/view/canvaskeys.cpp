@@ -127,11 +127,23 @@ void CanvasKeys::bringIntoSight(const Node *node)
     view->ensureVisible(node, margin, margin);
 }
 
+/// Nobody writes in an event of which only a picture is shown.
+void CanvasKeys::comeClose(const Node *node)
+{
+    view->resetTransform();
+    view->setZoomDivisor(1.0);
+    makeRoomFor(*view, node->sceneBoundingRect());
+    view->centerOn(node->sceneBoundingRect().center());
+    view->nodegraphScene()->adaptDetail();
+}
+
 /// First the title, then the description, and so on in turn. What is there is treated as a click does: a
 /// title is selected, ready to be typed over, and what asks for a description goes.
 void CanvasKeys::edit(Node *node)
 {
     QGraphicsTextItem *text = node->getNameItem();
+    if (!text->isVisible())
+        comeClose(node);
     if (text->hasFocus() && node->getData() && node->getData()->eventContent()) {
         STLineEdit *description = node->getData()->eventContent()->getDescriptionItem();
         description->removePlaceholder();

@@ -30,6 +30,7 @@ private:
     void makeCurrent(Node *node);
     void bringIntoSight(const Node *node);
     void edit(Node *node);
+    void comeClose(const Node *node);
 
     NodegraphView *view;
 };

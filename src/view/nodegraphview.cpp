@@ -3,7 +3,6 @@
 #include "scene/nodegraphscene.h"
 #include "scene/viewroom.h"
 #include "view/canvaskeys.h"
-#include "view/overview.h"
 
 #include <QContextMenuEvent>
 #include <QDebug>
@@ -11,8 +10,6 @@
 #include <QGestureEvent>
 #include <QGuiApplication>
 #include <QMouseEvent>
-#include <QPaintEvent>
-#include <QPainter>
 #include <QPinchGesture>
 #include <QScrollBar>
 #include <QTimer>
@@ -184,21 +181,6 @@ void NodegraphView::mouseReleaseEvent(QMouseEvent *event)
     if (event->button() == Qt::LeftButton)
         leftIsHeld = false;
     QGraphicsView::mouseReleaseEvent(event);
-}
-
-void NodegraphView::paintEvent(QPaintEvent *event)
-{
-    const double scale = std::abs(transform().m11());
-    if (scene() != nodegraphScene_ || !Overview::isMeantFor(scale)) {
-        QGraphicsView::paintEvent(event);
-        return;
-    }
-    const QRectF exposed = mapToScene(event->rect()).boundingRect();
-    QPainter painter(viewport());
-    painter.setRenderHints(renderHints());
-    painter.setWorldTransform(viewportTransform());
-    drawBackground(&painter, exposed);
-    Overview::paint(painter, *nodegraphScene_, exposed, scale);
 }
 
 bool NodegraphView::event(QEvent *event)

@@ -42,7 +42,6 @@ public slots:
     void sl_frameOnSelectedNodes(QRectF bounds);
 
 protected:
-    void paintEvent(QPaintEvent *event) override;
     bool event(QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;

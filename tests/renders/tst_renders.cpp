@@ -245,7 +245,7 @@ void tst_Renders::zoomedCanvasLooksAsBefore_data()
     QTest::newRow("canvas-at-100") << 1.0;
     QTest::newRow("canvas-at-50") << 0.5;
     QTest::newRow("canvas-at-20") << 0.2;
-    QTest::newRow("canvas-at-19") << 0.19; // painted in its own way from here on
+    QTest::newRow("canvas-at-19") << 0.19;
     QTest::newRow("canvas-at-5") << 0.05;
 }
 
