@@ -66,6 +66,10 @@ void NodegraphScene::drawBackground(QPainter *painter, const QRectF &rect)
     QGraphicsScene::drawBackground(painter, rect);
 }
 
+// The texts are nobody's stops on the way through the window: a Tab would land in the one that was written in
+// last, or in any, and each further one would be written there.
+bool NodegraphScene::focusNextPrevChild(bool) { return false; }
+
 void NodegraphScene::adaptDetail()
 {
     const QList<QGraphicsView *> all = views();

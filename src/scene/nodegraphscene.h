@@ -121,6 +121,7 @@ public slots:
 
 protected:
     void drawBackground(QPainter *painter, const QRectF &rect) override;
+    bool focusNextPrevChild(bool next) override;
     void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;
