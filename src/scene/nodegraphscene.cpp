@@ -3,10 +3,12 @@
 #include "commands/addnodecommand.h"
 #include "items/nodedata.h"
 #include "scene/massremoval.h"
+#include "scene/textfocus.h"
 #include "scene/viewroom.h"
 
 #include <QBrush>
 #include <QDebug>
+#include <QFocusEvent>
 #include <QGraphicsRectItem>
 #include <QGraphicsView>
 #include <QMetaMethod>
@@ -87,7 +89,7 @@ void NodegraphScene::sl_addEventNode()
     Node *added = nodes.back();
     // The first event of a canvas has nothing to attach to; as the current node it starts the chain.
     if (wasEmpty) {
-        currentNode_ = added;
+        setCurrentNode(added);
         added->setSelected(true);
     }
     bringIntoSight(added);
@@ -118,6 +120,7 @@ QPointF NodegraphScene::pointerPosition() const
 
 void NodegraphScene::createNode(QPointF pos, int index, int type, const NodeData *data, const QString &name)
 {
+    leaveTextsBut(*this, nullptr); // the keys that follow are not meant for what was written before
     attachToCurrentNode(buildNode(pos, index, type, data, name));
     updateStory();
 }
@@ -178,7 +181,7 @@ void NodegraphScene::attachToCurrentNode(Node *newNode)
         if (current == endOfStoryNode_)
             setEndOfStory(newNode);
         current->setSelected(false);
-        currentNode_ = newNode;
+        setCurrentNode(newNode);
         newNode->setSelected(true);
     }
     Node *only = newNode ? newNode : currentNode_;
@@ -188,9 +191,29 @@ void NodegraphScene::attachToCurrentNode(Node *newNode)
 
 Node *NodegraphScene::findNodeByIndex(int index) const { return nodesByIndex.first(index); }
 
-void NodegraphScene::sl_selectCurrentNode(Node *node) { currentNode_ = node; }
+/// The only one to say which node is current. None is current as soon as the mouse is pressed, and the press
+/// itself decides about the keyboard.
+void NodegraphScene::setCurrentNode(Node *node)
+{
+    currentNode_ = node;
+    if (node)
+        leaveTextsBut(*this, node);
+}
 
-void NodegraphScene::sl_deselectCurrentNode() { currentNode_ = nullptr; }
+void NodegraphScene::sl_selectCurrentNode(Node *node) { setCurrentNode(node); }
+
+void NodegraphScene::sl_deselectCurrentNode() { setCurrentNode(nullptr); }
+
+// By Tab the framework would go back to the text that was edited last, whatever has become of its event, and
+// the next Tab would be written into it.
+void NodegraphScene::focusInEvent(QFocusEvent *event)
+{
+    const bool isByTab = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    QFocusEvent entered(event->type(), isByTab ? Qt::OtherFocusReason : event->reason());
+    QGraphicsScene::focusInEvent(&entered);
+    if (isByTab)
+        setFocusItem(nullptr);
+}
 
 void NodegraphScene::selectAll()
 {
@@ -259,7 +282,7 @@ void NodegraphScene::clear()
     endDrag();
     rubberBandActive = false;
     nodeCounter = 0;
-    currentNode_ = nullptr;
+    setCurrentNode(nullptr);
     QGraphicsScene::clear();
     createSelectionRect();
 }

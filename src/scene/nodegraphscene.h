@@ -125,6 +125,7 @@ protected:
     void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
 
 private:
     class MassRemoval;
@@ -137,6 +138,7 @@ private:
     void wireNode(Node *node);
     int freeIndex(int wanted, const Node *node) const;
     void attachToCurrentNode(Node *newNode);
+    void setCurrentNode(Node *node);
     void forgetNode(Node *node);
     void createSelectionRect();
     void removeAllNodes();

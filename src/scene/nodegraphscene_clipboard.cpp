@@ -3,6 +3,7 @@
 #include "commands/addnodecommand.h"
 #include "items/nodedata.h"
 #include "scene/massremoval.h"
+#include "scene/textfocus.h"
 
 #include <QDebug>
 
@@ -32,10 +33,14 @@ void NodegraphScene::cutNodes()
         setNodeShown(node, false);
 }
 
-/// Hides or shows a node; a line is seen while both its ends are.
+/// Hides or shows a node; a line is seen while both its ends are. A hidden node is disabled as well: the
+/// framework would remember whichever of its texts asks for the keyboard, and give it that once it is shown.
 void NodegraphScene::setNodeShown(Node *node, bool shown)
 {
+    if (!shown)
+        leaveTextOf(*this, *node);
     node->setVisible(shown);
+    node->setEnabled(shown);
     if (ConnectionLine *line = node->getInLine())
         line->setVisible(shown && node->prevNode()->isVisible());
     for (const Node *downstream : node->nextNodes()) {

@@ -15,7 +15,7 @@ void NodegraphScene::deleteSelectedNodes(Node *node)
         node = currentNode_;
         if (!node && selectedNodes.empty())
             return;
-        currentNode_ = nullptr;
+        setCurrentNode(nullptr);
     }
     if (selectedNodes.empty()) {
         pushDelNodeCommand(node);
@@ -66,7 +66,7 @@ void NodegraphScene::forgetNode(Node *node)
     }
     nodesByIndex.remove(node);
     if (currentNode_ == node)
-        currentNode_ = nullptr;
+        setCurrentNode(nullptr);
     if (endOfStoryNode_ == node)
         endOfStoryNode_ = nullptr;
     if (dragSocket && dragSocket->parentItem() == node)

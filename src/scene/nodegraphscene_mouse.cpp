@@ -32,7 +32,7 @@ Node *nodeOf(const Socket *socket) { return socket ? dynamic_cast<Node *>(socket
 void NodegraphScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
 {
     endDrag(); // a second button during a drag leaves nothing of the first behind
-    currentNode_ = nullptr;
+    setCurrentNode(nullptr);
     if (event->button() == Qt::LeftButton) {
         rubberBandActive = !itemAt(event->scenePos(), QTransform());
         if (rubberBandActive) {

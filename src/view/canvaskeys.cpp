@@ -59,10 +59,11 @@ bool CanvasKeys::press(const QKeyEvent &event)
     const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
     Node *edited = editedNode();
     if (event.key() == Qt::Key_F2 && modifiers == Qt::NoModifier) {
-        Node *node = edited ? edited : scene->currentNode();
-        if (node)
-            edit(node);
-        return node != nullptr;
+        Node *node = scene->currentNode() ? scene->currentNode() : edited; // a press on a text leaves none
+        if (!node || !node->isVisible())
+            return false;
+        edit(node);
+        return true;
     }
     if (edited) {
         if (event.key() != Qt::Key_Escape)
