@@ -157,12 +157,36 @@ void STNodeName::paintGreeked(QPainter &painter)
 
 void STNodeName::mousePressEvent(QGraphicsSceneMouseEvent *event)
 {
+    hand.begin();
+    dragStart = QTextCursor();
     QGraphicsTextItem::mousePressEvent(event);
     if (toPlainText().isEmpty())
         return;
     QTextCursor all = textCursor();
+    dragStart = all;
     all.select(QTextCursor::Document);
     setTextCursor(all);
+}
+
+// The framework takes every move for a drag, which would end the selection of all.
+void STNodeName::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
+{
+    if (event->buttons() & Qt::LeftButton) {
+        if (!hand.isDragged(*event))
+            return;
+        if (!dragStart.isNull())
+            setTextCursor(dragStart);
+        dragStart = QTextCursor();
+    }
+    QGraphicsTextItem::mouseMoveEvent(event);
+}
+
+// The second of two quick presses: the framework has selected a word.
+void STNodeName::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event)
+{
+    hand.begin();
+    dragStart = QTextCursor();
+    QGraphicsTextItem::mouseDoubleClickEvent(event);
 }
 
 bool STNodeName::sceneEvent(QEvent *event)

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "items/greekedtext.h"
+#include "items/clickordrag.h"
 #include "items/textmaking.h"
 
 #include <QColor>
 #include <QGraphicsTextItem>
+#include <QTextCursor>
 
 /// A node's title, edited in place. Owned by its node, its parent item.
 ///
@@ -34,6 +36,8 @@ public:
 
 protected:
     void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
+    void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
+    void mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event) override;
     bool sceneEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
@@ -53,4 +57,7 @@ private:
     QSizeF unmadeSize;
     GreekedText bars;
     bool editing = false; // has the focus, with the outline to match
+
+    ClickOrDrag hand;
+    QTextCursor dragStart; // where the press has put the cursor before all was selected; null if it has not
 };
