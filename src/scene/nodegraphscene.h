@@ -151,6 +151,7 @@ private:
     void wireLine(ConnectionLine *line, Node *downstream, Node *upstream);
     void removeInputLine(Node *node);
 
+    QGraphicsItem *itemUnder(const QGraphicsSceneMouseEvent &event) const;
     void beginDrag(const QPointF &start, const QPointF &end, Socket *source);
     void removeDragLine();
     void endDrag();

@@ -4,6 +4,7 @@
 
 #include <QGraphicsRectItem>
 #include <QGraphicsSceneMouseEvent>
+#include <QGraphicsView>
 #include <QPainterPath>
 #include <QSet>
 
@@ -34,7 +35,7 @@ void NodegraphScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
     endDrag(); // a second button during a drag leaves nothing of the first behind
     setCurrentNode(nullptr);
     if (event->button() == Qt::LeftButton) {
-        rubberBandActive = !itemAt(event->scenePos(), QTransform());
+        rubberBandActive = !itemUnder(*event);
         if (rubberBandActive) {
             selectedNodes.clear();
             rubberBandOrigin = event->scenePos();
@@ -62,13 +63,25 @@ void NodegraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
 void NodegraphScene::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
 {
     removeDragLine(); // first, so that it cannot be what lies under the mouse
-    if (auto *socket = dynamic_cast<Socket *>(itemAt(event->scenePos(), QTransform())))
+    if (auto *socket = dynamic_cast<Socket *>(itemUnder(*event)))
         sl_manualNodeConnect(socket);
     endDrag();
     rubberBandActive = false;
     selectionRect->setRect(QRectF());
     settleMovedLines();
     QGraphicsScene::mouseReleaseEvent(event);
+}
+
+/// The topmost item that the mouse is on, null on the empty canvas. As the framework looks for whoever gets
+/// the event: with a pixel of the view, not with a point, which is beside what the pixel only touches.
+QGraphicsItem *NodegraphScene::itemUnder(const QGraphicsSceneMouseEvent &event) const
+{
+    const QWidget *viewport = event.widget();
+    const auto *view = viewport ? qobject_cast<const QGraphicsView *>(viewport->parentWidget()) : nullptr;
+    if (!view)
+        return itemAt(event.scenePos(), QTransform());
+    const QList<QGraphicsItem *> hit = view->items(viewport->mapFromGlobal(event.screenPos()));
+    return hit.isEmpty() ? nullptr : hit.constFirst();
 }
 
 /// While nodes are dragged their lines are one step behind; when they are dropped every line must be exact.
