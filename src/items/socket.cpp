@@ -2,6 +2,7 @@
 
 #include "items/detail.h"
 
+#include <QGraphicsSceneDragDropEvent>
 #include <QGraphicsSceneMouseEvent>
 #include <QPainter>
 
@@ -42,3 +43,6 @@ void Socket::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
         emit s_clickReleasedHere();
     QGraphicsItem::mouseReleaseEvent(event);
 }
+
+// By default a drop is taken, and whoever dragged a text here would delete it over there.
+void Socket::dragEnterEvent(QGraphicsSceneDragDropEvent *event) { event->ignore(); }

@@ -6,8 +6,10 @@
 #include "items/textmeasure.h"
 
 #include <QFocusEvent>
+#include <QGraphicsSceneDragDropEvent>
 #include <QGraphicsSceneMouseEvent>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QPainter>
 #include <QTextDocument>
 
@@ -195,6 +197,13 @@ void STLineEdit::keyPressEvent(QKeyEvent *event)
     if (!TextEditing::redoByKey(*this, event))
         QGraphicsTextItem::keyPressEvent(event);
     updateRect();
+}
+
+void STLineEdit::dropEvent(QGraphicsSceneDragDropEvent *event)
+{
+    if (event->mimeData() && !event->mimeData()->text().isEmpty())
+        removePlaceholder();
+    QGraphicsTextItem::dropEvent(event);
 }
 
 void STLineEdit::focusOutEvent(QFocusEvent *event)

@@ -52,6 +52,7 @@ protected:
     void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
     bool sceneEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void dropEvent(QGraphicsSceneDragDropEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
