@@ -54,8 +54,8 @@ void MainWindow::addNodeGraphTab()
     auto *view = new NodegraphView(nullptr);
     view->setAccessibleName(tr("Graph of events"));
     ui->Nodegraph->addTab(view, tr("Story %1").arg(views.size() + 1));
-    ui->Nodegraph->setTabsClosable(true);
     views.push_back(view);
+    putCloseButtonsOnTabs();
 
     NodegraphScene *scene = view->nodegraphScene();
     OverViewerScene *panel = overviewerScene;
@@ -72,6 +72,14 @@ void MainWindow::addNodeGraphTab()
 
     if (view == currentView())
         view->setFocus(); // the keys that go about the canvas work from the start
+}
+
+/// Each button makes Qt place those of all tabs anew, so that a thousand would take minutes to come. A
+/// document of so many tabs goes without them; Ctrl+W closes the current one all the same.
+void MainWindow::putCloseButtonsOnTabs()
+{
+    constexpr std::size_t most = 250;
+    ui->Nodegraph->setTabsClosable(views.size() <= most);
 }
 
 void MainWindow::showStoryOf(NodegraphScene *scene)

@@ -84,6 +84,7 @@ private:
     NodegraphView *currentView() const;
     NodegraphView *viewAt(int tabIndex) const;
 
+    void putCloseButtonsOnTabs();
     void showStoryOf(NodegraphScene *scene);
     void hideStoryOf(NodegraphScene *scene);
 

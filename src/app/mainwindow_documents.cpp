@@ -2,6 +2,7 @@
 
 #include "app/documentstream.h"
 #include "app/durablefile.h"
+#include "app/tabsaside.h"
 #include "overviewer/overviewerscene.h"
 #include "scene/nodegraphscene.h"
 #include "ui_mainwindow.h"
@@ -25,47 +26,12 @@ namespace {
 
 constexpr QMessageBox::StandardButtons answers = QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
 
-/// Moves behind a text as reading it does: an odd length is given up, one beyond the end takes what is left.
-void skipText(QDataStream &stream)
-{
-    constexpr quint32 nullText = 0xFFFFFFFF;
-    quint32 length = 0;
-    stream >> length;
-    if (length != nullText && length % 2 == 0)
-        stream.skipRawData(static_cast<int>(qMin<qint64>(length, stream.device()->bytesAvailable())));
-}
-
-/// How many tabs there are up to the last one with an event; leaves the file where it is.
-qint64 tabsWithEvents(QFile &file)
-{
-    constexpr int numbersOfANode = 2 * 8 + 4 * 4; // bytes: its place, two indices and two marks
-    const qint64 place = file.pos();
-    DocumentStream stream(&file);
-    qint64 last = 0;
-    for (qint64 tab = 1; !stream.atEnd(); ++tab) {
-        qint32 nodes = 0;
-        stream >> nodes;
-        if (nodes > 0)
-            last = tab;
-        for (qint32 i = 0; i < nodes && !stream.atEnd(); ++i) {
-            skipText(stream); // the tag
-            skipText(stream);
-            stream.skipRawData(numbersOfANode);
-            skipText(stream);
-        }
-    }
-    file.seek(place);
-    return last;
-}
-
 /// Every tab takes four bytes at least; a count beyond that is damage, and the empty tabs would never end.
-/// Nor do they in a file of many thousand empty ones: Qt lays all tabs out anew for each that comes.
-qint64 mostTabsOf(QFile &file)
+qint64 mostTabsOf(const QFile &file)
 {
-    constexpr qint64 many = 100;
+    constexpr qint64 bytesOfATab = 4;
     constexpr qint64 spare = 16;
-    const qint64 most = file.size() / 4 + spare;
-    return most <= many ? most : qMin(most, qMax(many, tabsWithEvents(file) + spare));
+    return file.size() / bytesOfATab + spare;
 }
 
 } // namespace
@@ -127,9 +93,11 @@ void MainWindow::clearTabs()
         hideStoryOf(view->nodegraphScene());
         view->nodegraphScene()->clear();
     }
+    const TabsAside aside(ui->Nodegraph, ui->Nodegraph->count());
     while (ui->Nodegraph->count() > 0) {
-        QWidget *page = ui->Nodegraph->widget(0);
-        ui->Nodegraph->removeTab(0);
+        const int place = aside.nextToGo();
+        QWidget *page = ui->Nodegraph->widget(place);
+        ui->Nodegraph->removeTab(place);
         delete page;
     }
     views.clear();
@@ -170,9 +138,11 @@ void MainWindow::readDocument(QFile &file)
                    << mostTabs;
         count = static_cast<qint32>(mostTabs);
     }
+    TabsAside aside(ui->Nodegraph, count);
     for (qint32 i = 0; i < count; ++i) {
         qInfo() << "Adding tabs";
         addNodeGraphTab();
+        aside.tabWasAdded();
     }
     const std::vector<NodegraphView *> opened = views;
     for (NodegraphView *view : opened) {
@@ -203,6 +173,7 @@ void MainWindow::closeTab(int index)
     // By the view, not by the number: tabs may have been dragged, and `views` keeps the order of creation.
     ui->Nodegraph->removeTab(ui->Nodegraph->indexOf(closing));
     std::erase(views, closing.data());
+    putCloseButtonsOnTabs();
     closing->deleteLater(); // the close button that was pressed belongs to this tab
     if (NodegraphView *view = currentView()) {
         view->nodegraphScene()->updateStory();

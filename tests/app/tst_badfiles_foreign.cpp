@@ -14,6 +14,7 @@
 namespace {
 
 constexpr int large = 100'000;
+constexpr int ofManyTabs = 8'000; // where the first four bytes ask for more tabs than the file can hold
 
 QByteArray picture()
 {
@@ -67,7 +68,7 @@ private slots:
     void randomBytesOfEverySize();
     void whatCannotBeReadChangesNothing_data();
     void whatCannotBeReadChangesNothing();
-    void thousandsOfEmptyTabsAreCutDown();
+    void thousandsOfEmptyTabsAreOpened();
     void pipeIsNotWaitedFor();
     void badFileAfterBadFileLeavesNothingBehind();
 
@@ -118,9 +119,9 @@ void tst_BadFilesForeign::largeForeignFile_data()
         for (const quint32 seed : {1U, 2U, 3U})
             row(kind + "random bytes " + QByteArray::number(seed), withTabs(tabs, randomBytes(seed, large)));
     }
-    row("text", prose(large));
-    row("program", readFile(QCoreApplication::applicationFilePath()).left(large));
-    row("archive", QByteArray::fromHex("504B0304") + randomBytes(7, large - 4));
+    row("text", prose(ofManyTabs));
+    row("program", readFile(QCoreApplication::applicationFilePath()).left(ofManyTabs));
+    row("archive", QByteArray::fromHex("504B0304") + randomBytes(7, ofManyTabs - 4));
 }
 
 void tst_BadFilesForeign::randomBytesOfEverySize()
@@ -185,24 +186,16 @@ void tst_BadFilesForeign::whatCannotBeReadChangesNothing()
     QCOMPARE(window.getCurrentFilePath(), document);
 }
 
-// They would take hours: a tab bar lays all its tabs out for each one that comes.
-void tst_BadFilesForeign::thousandsOfEmptyTabsAreCutDown()
+// They took hours: a tab bar lays all its tabs out for each one that comes.
+void tst_BadFilesForeign::thousandsOfEmptyTabsAreOpened()
 {
-    const QByteArray good = documentBytes({{{QStringLiteral("good"), QPointF(1, 2), 0, -1, true}}});
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("tabs.scene"));
-    QVERIFY(writeFile(path, intBytes(20000) + QByteArray(80000, '\0')));
+    constexpr int many = 2000;
+    const std::vector<Record> good{{QStringLiteral("good"), QPointF(1, 2), 0, -1, true}};
+    std::vector<std::vector<Record>> tabs(many);
+    tabs.at(120) = good;
     FileOpener opener;
-    opener.window().loadFrom(path);
-    QCOMPARE(opener.takeWarnings(),
-             QStringList{
-                 QStringLiteral("Damaged scene file: \"%1\" cannot hold 20000 tabs, opening 100").arg(path)});
-    QCOMPARE(opener.window().getViews().size(), std::size_t(100));
-    // The last tab with an event is kept, however many come before it.
-    QVERIFY(writeFile(path, intBytes(20000) + QByteArray(480, '\0') + good.mid(4) + QByteArray(80000, '\0')));
-    opener.window().loadFrom(path);
-    QCOMPARE(opener.takeWarnings().size(), 1);
-    QCOMPARE(opener.window().getViews().size(), std::size_t(120 + 1 + 16));
+    QCOMPARE(opener.check(documentBytes(tabs)), QString());
+    QCOMPARE(opener.window().getViews().size(), std::size_t(many));
     QCOMPARE(opener.window().getViews().at(120)->nodegraphScene()->getNodes().size(), std::size_t(1));
 }
 

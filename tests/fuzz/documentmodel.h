@@ -48,9 +48,8 @@ struct Document
 };
 
 constexpr int mostBlankEvents = 1000;
-constexpr std::size_t spareTabs = 16;
-constexpr std::size_t manyTabs = 100;
-inline qint64 mostTabs(qint64 fileSize) { return fileSize / 4 + qint64(spareTabs); }
+constexpr qint64 spareTabs = 16;
+inline qint64 mostTabs(qint64 fileSize) { return fileSize / 4 + spareTabs; }
 
 /// Takes bytes from front to back; past the end there are zeros and empty texts.
 class Bytes
@@ -235,16 +234,8 @@ inline Document read(const QByteArray &source)
     Document document;
     document.storedCount = bytes.whole();
     const qint64 most = mostTabs(source.size());
-    std::size_t withEvents = 0; // tabs up to the last one that has any
-    for (qint64 i = 0; i < std::min<qint64>(document.storedCount, most); ++i) {
+    for (qint64 i = 0; i < std::min<qint64>(document.storedCount, most); ++i)
         document.tabs.push_back(TabReader(bytes).read());
-        if (!document.tabs.back().events.empty())
-            withEvents = document.tabs.size();
-    }
-    // Many tabs are made only for events that are there, since a tab takes far more than its four bytes.
-    const std::size_t bound = std::max(manyTabs, withEvents + spareTabs);
-    if (most > qint64(manyTabs) && document.tabs.size() > bound)
-        document.tabs.resize(bound);
     document.cutOff = qint64(document.tabs.size()) < document.storedCount;
     return document;
 }

@@ -1,0 +1,114 @@
+#include "app/windowsupport.h"
+#include "support/testsupport.h"
+
+// Documents of more tabs than anybody makes by hand.
+
+class tst_MainWindowManyTabs : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        failOnWarningsOfTheProgram();
+        window = std::make_unique<MainWindow>();
+        window->show();
+        QVERIFY(QTest::qWaitForWindowActive(window.get()));
+    }
+    void cleanup()
+    {
+        window.reset();
+        flushDeferredDeletes();
+    }
+
+    void emptyTabsBehindAnEventAreKept_data() { addCounts(); }
+    void emptyTabsBehindAnEventAreKept();
+    void openedTabsAreShownAsFewAre_data() { addCounts(); }
+    void openedTabsAreShownAsFewAre();
+    void newLeavesNoneOfThem_data() { addCounts(); }
+    void newLeavesNoneOfThem();
+    void closeButtonsStandOnUpTo250Tabs();
+
+private:
+    static void addCounts()
+    {
+        QTest::addColumn<int>("count");
+        QTest::newRow("just many") << 101;
+        QTest::newRow("more") << 150;
+        QTest::newRow("without close buttons") << 400;
+    }
+    /// Opens that many tabs, of which the first one has an event; their bytes.
+    QByteArray open(int count)
+    {
+        std::vector<std::vector<Record>> tabs(static_cast<std::size_t>(count));
+        tabs.front().push_back({QStringLiteral("Dawn"), QPointF(1, 2), 0, -1, true});
+        const QByteArray bytes = documentBytes(tabs);
+        writeFile(file(), bytes);
+        window->loadFrom(file());
+        return bytes;
+    }
+    QString file() const { return folder.filePath(QStringLiteral("many.scene")); }
+
+    PrivateHome home;
+    QTemporaryDir folder;
+    std::unique_ptr<MainWindow> window;
+};
+
+// Those beyond the hundredth were called damage and left out when no event stood in them, and saving lost
+// them.
+void tst_MainWindowManyTabs::emptyTabsBehindAnEventAreKept()
+{
+    QFETCH(const int, count);
+    const QByteArray bytes = open(count); // a warning would fail the test
+    QCOMPARE(tabsOf(*window)->count(), count);
+    QCOMPARE(window->getViews().size(), std::size_t(count));
+    QCOMPARE(titlesOf(sceneOf(*window, 0)), QStringList{QStringLiteral("Dawn")});
+    QVERIFY(QFile::remove(file()));
+    window->sl_saveFile();
+    QCOMPARE(readFile(file()).toHex(), bytes.toHex());
+}
+
+void tst_MainWindowManyTabs::openedTabsAreShownAsFewAre()
+{
+    QFETCH(const int, count);
+    open(count);
+    const QTabWidget *tabs = tabsOf(*window);
+    QVERIFY(tabs->isVisible());
+    for (int i = 0; i < count; ++i)
+        QVERIFY(tabs->isTabVisible(i));
+    QCOMPARE(tabs->currentIndex(), 0);
+    QCOMPARE(tabTitles(*window).back(), QStringLiteral("Story %1").arg(count));
+    QCOMPARE(QApplication::focusWidget(), window->getViews().front());
+    QCOMPARE(panelTexts(*window).size(), 1);
+}
+
+void tst_MainWindowManyTabs::newLeavesNoneOfThem()
+{
+    QFETCH(const int, count);
+    open(count);
+    tabsOf(*window)->setCurrentIndex(count - 1);
+    window->clearTabs();
+    QCOMPARE(tabsOf(*window)->count(), 0);
+    QVERIFY(tabsOf(*window)->isVisible());
+    window->addNodeGraphTab();
+    QCOMPARE(tabTitles(*window), QStringList{QStringLiteral("Story 1")});
+    QVERIFY(tabsOf(*window)->isTabVisible(0));
+    QVERIFY(tabsOf(*window)->tabsClosable());
+    QCOMPARE(QApplication::focusWidget(), window->getViews().front());
+}
+
+void tst_MainWindowManyTabs::closeButtonsStandOnUpTo250Tabs()
+{
+    open(250);
+    QVERIFY(tabsOf(*window)->tabsClosable());
+    window->addNodeGraphTab();
+    QVERIFY(!tabsOf(*window)->tabsClosable());
+    const DialogAnswers answers({press(QMessageBox::No)});
+    QTest::keyClick(window->getViews().front(), Qt::Key_W, Qt::ControlModifier);
+    QCOMPARE(answers.problem(), QString());
+    QCOMPARE(tabsOf(*window)->count(), 250);
+    QVERIFY(tabsOf(*window)->tabsClosable());
+}
+
+QTEST_MAIN(tst_MainWindowManyTabs)
+#include "tst_mainwindow_manytabs.moc"
