@@ -38,6 +38,7 @@ const std::vector<Hands::Action> &Hands::actions()
         {"press", 140, &Hands::press},
         {"hover", 16, &Hands::hover},
         {"wheel", 6, &Hands::wheel},
+        {"zoom", 12, &Hands::zoom},
         {"pan", 8, &Hands::pan},
         {"type title", 20, &Hands::typeTitle},
         {"type description", 26, &Hands::typeDescription},

@@ -103,7 +103,9 @@ private:
     void dragOn();
     void release();
     void hover();
+    void turnWheel(int delta);
     void wheel();
+    void zoom();
     void pan();
 
     // Texts

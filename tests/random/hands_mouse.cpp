@@ -9,6 +9,11 @@
 
 namespace {
 
+constexpr double farthest = 0.03;
+constexpr double nearest = 2.0;
+
+double scaleOf(const QGraphicsView *view) { return view->transform().m11(); }
+
 QPointF middleOf(const QGraphicsItem *item) { return item->mapToScene(item->boundingRect().center()); }
 
 } // namespace
@@ -195,18 +200,43 @@ Step Hands::letGo()
     return step;
 }
 
+void Hands::turnWheel(int delta)
+{
+    QWheelEvent event(mousePos, view()->viewport()->mapToGlobal(mousePos), QPoint(), QPoint(0, delta),
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(view()->viewport(), &event);
+}
+
 void Hands::wheel()
 {
     if (!view())
         return;
-    const QPoint turn(0, choices.oneIn(2) ? 120 : -120);
-    QWheelEvent event(mousePos, view()->viewport()->mapToGlobal(mousePos), QPoint(), turn, Qt::NoButton,
-                      Qt::NoModifier, Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(view()->viewport(), &event);
-    // Far away or very near nothing is left to point at.
-    const double scale = view()->transform().m11();
-    if (scale < 0.3 || scale > 2.0)
+    turnWheel(choices.oneIn(2) ? 120 : -120);
+    // Further away or nearer than that nothing is left to point at.
+    if (scaleOf(view()) < farthest || scaleOf(view()) > nearest)
         window.zoom_100();
+}
+
+/// To a scale of which half are far away, by wheel or by commands, and stays there.
+void Hands::zoom()
+{
+    if (!view())
+        return;
+    static const std::vector<double> scales{farthest, 0.05, 0.08, 0.13, 0.17, 0.21, 0.3, 0.6, 1.0, nearest};
+    const double wanted = choices.anyOf(scales);
+    const bool byWheel = choices.oneIn(2);
+    say(QStringLiteral("to %1").arg(wanted));
+    constexpr int mostTurns = 30;
+    constexpr double oneStep = 1.25; // of the commands
+    for (int i = 0; i < mostTurns; ++i) {
+        const double ratio = wanted / scaleOf(view());
+        if (ratio > 1 / oneStep && ratio < oneStep)
+            break;
+        if (byWheel)
+            turnWheel(ratio > 1 ? 240 : -240);
+        else
+            command(ratio > 1 ? "actionZoom_In" : "actionZoom_Out", 0);
+    }
 }
 
 /// With the right button, also while the left one is held: that ends a connection's drag.
