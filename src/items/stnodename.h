@@ -1,7 +1,7 @@
 #pragma once
 
-#include "items/greekedtext.h"
 #include "items/clickordrag.h"
+#include "items/greekedtext.h"
 #include "items/textmaking.h"
 
 #include <QColor>
