@@ -87,7 +87,7 @@ void tst_Drops::whatTakesNoTextRefusesIt()
         {QStringLiteral("output"), outputOf(stage.dusk)},
         {QStringLiteral("fed input"), inputOf(stage.noon)},
         {QStringLiteral("body"), bodyOf(stage.dusk)},
-        {QStringLiteral("header"), stage.dusk->mapToScene(stage.dusk->headerRect().width() - 20, 17)},
+        {QStringLiteral("header"), stage.dusk->mapToScene(stage.dusk->boundingRect().width() - 20, 17)},
         {QStringLiteral("line"), nearEnd(stage.noon->getInLine(), SocketType::input)},
         {QStringLiteral("canvas"), QPointF(520, 20)}};
     const QPoint pos = stage.view()->mapFromScene(places.value(place));
