@@ -17,6 +17,8 @@
 namespace {
 constexpr int focusAlpha = 38;
 constexpr double focusRadius = 5.0;
+constexpr int placeAlpha = 200; // of the line where a title could be
+constexpr double placeWidth = 1.5;
 constexpr double documentMargin = 4.0; // what a document has by itself
 constexpr double unlimited = -1.0;     // a title is not wrapped
 
@@ -105,18 +107,27 @@ void STNodeName::updateShortText()
     else if (room > 0 && textSize().width() > availableWidth)
         shortened = metrics.elidedText(text, Qt::ElideRight, room);
     setToolTip(shortened.isNull() ? QString() : asToolTip(text)); // the hidden end may have changed alone
-    if (shortened == shortText && shortened.isNull() == shortText.isNull())
+    const bool blank = room > 0 && shortened.isNull() && text.trimmed().isEmpty();
+    if (shortened == shortText && shortened.isNull() == shortText.isNull() && blank == isBlank)
         return;
     prepareGeometryChange();
     shortText = shortened;
+    isBlank = blank;
     update();
 }
 
 QRectF STNodeName::boundingRect() const
 {
     if (isShortened())
-        return {0, 0, availableWidth, QFontMetricsF(titleFont()).height() + 2 * documentMargin};
-    return made ? QGraphicsTextItem::boundingRect() : QRectF(QPointF(), unmadeSize);
+        return headerPlace();
+    const QRectF text = made ? QGraphicsTextItem::boundingRect() : QRectF(QPointF(), unmadeSize);
+    return isBlank ? text | headerPlace() : text;
+}
+
+/// One line over all the width that the header has for a title.
+QRectF STNodeName::headerPlace() const
+{
+    return {0, 0, availableWidth, QFontMetricsF(titleFont()).height() + 2 * documentMargin};
 }
 
 QPainterPath STNodeName::shape() const
@@ -132,12 +143,7 @@ void STNodeName::paint(QPainter *painter, const QStyleOptionGraphicsItem *option
 {
     make();
     const QStyleOptionGraphicsItem unframed = TextEditing::withoutFocusFrame(*option);
-    if (hasFocus()) {
-        focusColor.setAlpha(focusAlpha);
-        painter->setPen(Qt::NoPen);
-        painter->setBrush(focusColor);
-        painter->drawRoundedRect(boundingRect(), focusRadius, focusRadius);
-    }
+    paintBelow(painter);
     if (!isShortened()) {
         QGraphicsTextItem::paint(painter, &unframed, widget);
         return;
@@ -153,6 +159,24 @@ void STNodeName::paintGreeked(QPainter &painter)
     bars.paint(painter, isShortened() ? shortText : getTitle(), titleFont(),
                boundingRect().adjusted(documentMargin, documentMargin, -documentMargin, -documentMargin),
                textColor);
+}
+
+/// While it is being edited, the panel; all of a title that is too long for the header is shown then,
+/// whatever lies below it.
+void STNodeName::paintBelow(QPainter *painter)
+{
+    if (hasFocus()) {
+        focusColor.setAlpha(focusAlpha);
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(shortText.isNull() ? focusColor : groundColor);
+        painter->drawRoundedRect(boundingRect(), focusRadius, focusRadius);
+    } else if (isBlank) {
+        QColor lineColor = textColor;
+        lineColor.setAlpha(placeAlpha);
+        painter->setPen(QPen(lineColor, placeWidth));
+        const QRectF place = headerPlace().adjusted(0, 0, 0, -documentMargin);
+        painter->drawLine(place.bottomLeft(), place.bottomRight());
+    }
 }
 
 void STNodeName::mousePressEvent(QGraphicsSceneMouseEvent *event)

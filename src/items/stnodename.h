@@ -10,7 +10,8 @@
 
 /// A node's title, edited in place. Owned by its node, its parent item.
 ///
-/// While it is not being edited, a title that is longer than the header shows its beginning and an ellipsis.
+/// While it is not being edited, a title that is longer than the header shows its beginning and an ellipsis,
+/// and one without a letter still takes the width of the header, with a line to show where it is.
 class STNodeName : public QGraphicsTextItem
 {
     Q_OBJECT
@@ -44,14 +45,18 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
+    QRectF headerPlace() const;
+    void paintBelow(QPainter *painter);
     bool isShortened() const { return !editing && !shortText.isNull(); }
     void updateShortText();
     QSizeF textSize() const;
 
     QColor focusColor{QStringLiteral("#FFFFFF")};
+    QColor groundColor{QStringLiteral("#6642B3")}; // dark enough for the text, wherever it hangs over
     QColor textColor{QStringLiteral("#F5F5F5")};
     double availableWidth = 0.0; // 0 until the node has laid itself out: no limit
     QString shortText;           // what fits of a title that is too long; null when all of it fits
+    bool isBlank = false;        // no letter is seen of it
     bool made = false;
     QString unmadeTitle; // until it is made
     QSizeF unmadeSize;
