@@ -108,6 +108,7 @@ void NodegraphView::contextMenuEvent(QContextMenuEvent *event)
 void NodegraphView::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::RightButton) {
+        isPanning = true;
         panAnchor = event->position().toPoint();
         setCursor(Qt::ClosedHandCursor);
         return;
@@ -120,6 +121,7 @@ void NodegraphView::mouseMoveEvent(QMouseEvent *event)
 {
     const QPoint position = event->position().toPoint();
     watchLeftButton(*event);
+    watchRightButton(event->buttons());
     emit lastMousePos(mapToScene(position));
     if (event->buttons() & Qt::RightButton)
         pan(position);
@@ -162,6 +164,20 @@ void NodegraphView::watchLeftButton(const QMouseEvent &move)
     QGraphicsView::mouseReleaseEvent(&release);
 }
 
+/// The same for the right button, whose anchor would shift every zoom from then on.
+void NodegraphView::watchRightButton(Qt::MouseButtons held)
+{
+    if (isPanning && !(held & Qt::RightButton))
+        endPan();
+}
+
+void NodegraphView::endPan()
+{
+    isPanning = false;
+    setCursor(Qt::ArrowCursor);
+    panAnchor = QPointF();
+}
+
 void NodegraphView::pan(const QPoint &position)
 {
     const QPointF distance = mapToScene(position) - mapToScene(panAnchor.toPoint());
@@ -174,10 +190,8 @@ void NodegraphView::pan(const QPoint &position)
 
 void NodegraphView::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (event->button() == Qt::RightButton) {
-        setCursor(Qt::ArrowCursor);
-        panAnchor = QPointF();
-    }
+    if (event->button() == Qt::RightButton)
+        endPan();
     if (event->button() == Qt::LeftButton)
         leftIsHeld = false;
     QGraphicsView::mouseReleaseEvent(event);
@@ -194,6 +208,7 @@ bool NodegraphView::event(QEvent *event)
         // The layouts around a page that is shown for the first time settle after this event.
         QTimer::singleShot(0, this, &NodegraphView::frameAgain);
     } else if (event->type() == QEvent::Enter) {
+        watchRightButton(QGuiApplication::mouseButtons());
         noteRestingMouse(static_cast<QEnterEvent *>(event)->globalPosition());
     }
     return handled;

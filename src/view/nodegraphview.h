@@ -59,6 +59,8 @@ private:
     void noteRestingMouse(const QPointF &globalPos);
     void noteLeftPress(const QMouseEvent &press);
     void watchLeftButton(const QMouseEvent &move);
+    void watchRightButton(Qt::MouseButtons held);
+    void endPan();
 
     double zoomDivisor = 1.0; // reciprocal of the zoom by wheel and pinch since it was last set
     QPointF panAnchor;        // viewport coordinates, (0, 0) while nobody pans
@@ -66,6 +68,7 @@ private:
     NodegraphScene *nodegraphScene_ = nullptr;
     QUndoStack *undoStack_ = nullptr;
 
+    bool isPanning = false; // since the right button went down
     bool leftIsHeld = false;
     QPointF heldAt; // viewport coordinates: where the mouse was last with the left button held
 
