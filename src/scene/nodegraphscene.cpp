@@ -92,21 +92,14 @@ void NodegraphScene::sl_addEventNode()
         setCurrentNode(added);
         added->setSelected(true);
     }
-    bringIntoSight(added);
+    showInViews(added->sceneBoundingRect());
 }
 
-/// Scrolls just enough to show the node whole; nothing moves if it already is.
-void NodegraphScene::bringIntoSight(const Node *node) const
+void NodegraphScene::showInViews(const QRectF &area) const
 {
-    const QRectF body = node->sceneBoundingRect();
     const QList<QGraphicsView *> all = views();
-    for (QGraphicsView *view : all) {
-        makeRoomFor(*view, body);
-        const QRectF shown = view->mapToScene(view->viewport()->rect()).boundingRect();
-        // A view scrolls by whole pixels; without a margin it may stop a fraction short.
-        if (!shown.contains(body))
-            view->ensureVisible(body, 1, 1);
-    }
+    for (QGraphicsView *view : all)
+        bringIntoSight(*view, area);
 }
 
 /// Where the user points: the mouse, or the middle of what is shown until the mouse has been here.

@@ -143,7 +143,7 @@ private:
     void createSelectionRect();
     void removeAllNodes();
     QPointF pointerPosition() const;
-    void bringIntoSight(const Node *node) const;
+    void showInViews(const QRectF &area) const;
 
     void handOut(std::unique_ptr<QUndoCommand> command);
     void pushDelNodeCommand(Node *node);
@@ -169,6 +169,8 @@ private:
     void connectDuplicates(const std::vector<Node *> &sources, const Duplicates &duplicates);
     Node *endAfterPaste(Node *formerEnd, const std::vector<Node *> &sources,
                         const Duplicates &duplicates) const;
+    QPointF pasteOffset(const QPointF &reference) const;
+    void showPasted(const std::vector<Node *> &sources, const Duplicates &duplicates) const;
     void deleteSources(const std::vector<Node *> &sources);
 
     std::vector<Node *> nodes;

@@ -4,6 +4,7 @@
 #include "items/nodedata.h"
 #include "scene/massremoval.h"
 #include "scene/textfocus.h"
+#include "scene/viewroom.h"
 
 #include <QDebug>
 
@@ -81,8 +82,7 @@ void NodegraphScene::pasteNodes()
     const Node *reference = clipboardNodes.empty() ? currentNode_ : clipboardNodes.front();
     if (!reference)
         return;
-    const QPointF distance = pointerPosition() - reference->scenePos();
-    const QPointF offset(std::trunc(distance.x()), std::trunc(distance.y()));
+    const QPointF offset = pasteOffset(reference->scenePos());
     qInfo() << "Pasting";
 
     const std::vector<Node *> sources = clipboardNodes;
@@ -93,7 +93,8 @@ void NodegraphScene::pasteNodes()
         Node *duplicate = duplicateNode(source, source == end);
         if (!duplicate)
             continue;
-        duplicate->moveBy(offset.x(), offset.y());
+        duplicate->setPos(duplicate->pos() + offset);
+        duplicate->setPos(duplicate->pos() + wayIntoReach(duplicate->sceneBoundingRect()));
         duplicate->updateLines();
         duplicates[source] = duplicate;
     }
@@ -101,7 +102,33 @@ void NodegraphScene::pasteNodes()
     if (Node *newEnd = endAfterPaste(end, sources, duplicates); newEnd && newEnd != endOfStoryNode_)
         setEndOfStory(newEnd);
     deleteSources(sources);
+    showPasted(sources, duplicates);
     clipboardNodes.clear();
+}
+
+/// From where the remembered nodes are to where they are pasted: the one at `reference` comes to the mouse,
+/// or as near as it can if all of them are to be within reach.
+QPointF NodegraphScene::pasteOffset(const QPointF &reference) const
+{
+    const QPointF distance = pointerPosition() - reference;
+    const QPointF offset(std::trunc(distance.x()), std::trunc(distance.y()));
+    QRectF outline;
+    for (const Node *source : clipboardNodes)
+        outline |= source->sceneBoundingRect();
+    return offset + wayIntoReach(outline.translated(offset));
+}
+
+/// All of them if that is possible, the first one at any rate.
+void NodegraphScene::showPasted(const std::vector<Node *> &sources, const Duplicates &duplicates) const
+{
+    QRectF outline;
+    for (const auto &[source, duplicate] : duplicates)
+        outline |= duplicate->sceneBoundingRect();
+    if (duplicates.empty())
+        return;
+    showInViews(outline);
+    if (const auto first = duplicates.find(sources.front()); first != duplicates.end())
+        showInViews(first->second->sceneBoundingRect());
 }
 
 /// Joins the duplicates as their sources are joined among themselves, and in no other way.

@@ -18,7 +18,6 @@
 namespace {
 
 constexpr double sidewaysCost = 2.0; // a node that is off to a side counts as so much further away
-constexpr int margin = 50;           // pixels around a node that was brought into sight
 
 /// Null if the key is no arrow.
 QPoint directionOf(int key)
@@ -122,11 +121,7 @@ void CanvasKeys::makeCurrent(Node *node)
     bringIntoSight(node);
 }
 
-void CanvasKeys::bringIntoSight(const Node *node)
-{
-    makeRoomFor(*view, node->sceneBoundingRect()); // it may have been dragged over the canvas's edge
-    view->ensureVisible(node, margin, margin);
-}
+void CanvasKeys::bringIntoSight(const Node *node) { ::bringIntoSight(*view, node->sceneBoundingRect()); }
 
 /// Nobody writes in an event of which only a picture is shown.
 void CanvasKeys::comeClose(const Node *node)

@@ -285,9 +285,10 @@ void tst_NodegraphSceneAdding::addedEventIsScrolledIntoSight()
     const QRectF before = shown.inSight();
     const Node *node = addLoose(
         shown.scene, before.topLeft() + QPointF(mouse.x() * before.width(), mouse.y() * before.height()));
-    const QRectF rect = node->sceneBoundingRect();
+    const double around = 50 / scale; // a piece of canvas
+    const QRectF rect = node->sceneBoundingRect().adjusted(-around, -around, around, around);
     const QRectF after = shown.inSight();
-    QVERIFY(after.contains(rect));
+    QVERIFY(after.contains(node->sceneBoundingRect()));
 
     // Just enough: what was missing, rounded up to the next pixels.
     const auto missing = [](double low, double high, double from, double to) {
@@ -307,9 +308,10 @@ void tst_NodegraphSceneAdding::addedEventInSightScrollsNothing()
     const QRectF before = shown.inSight();
     const QRectF body = addLoose(shown.scene, QPointF(50000, 50000))->boundingRect();
     QCOMPARE(shown.inSight(), before);
-    addLoose(shown.scene, before.topLeft()); // touches two edges from inside
+    const QPointF around(50, 50);
+    addLoose(shown.scene, before.topLeft() + around); // just far enough from two edges
     QCOMPARE(shown.inSight(), before);
-    addLoose(shown.scene, before.bottomRight() - body.bottomRight());
+    addLoose(shown.scene, before.bottomRight() - around - body.bottomRight());
     QCOMPARE(shown.inSight(), before);
 }
 
