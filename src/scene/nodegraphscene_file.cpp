@@ -12,6 +12,7 @@ namespace {
 constexpr double framingMargin = 50;
 constexpr int firstScreen = 100;     // events whose texts are made while they are read
 constexpr int mostBlankNodes = 1000; // made for records that a damaged file announces but does not hold
+constexpr int mostNamedRefusals = 20;
 
 /// The name of the file that is being read, empty if it is none.
 QString fileNameOf(const QDataStream &stream)
@@ -19,6 +20,43 @@ QString fileNameOf(const QDataStream &stream)
     const auto *file = qobject_cast<const QFileDevice *>(stream.device());
     return file ? file->fileName() : QString();
 }
+
+/// How an event is called in the log.
+QString shortTitle(const Node *node)
+{
+    constexpr qsizetype most = 40;
+    const QString title = node->getTitle();
+    return title.size() <= most ? title : title.first(most - 1) + QChar(u'\u2026');
+}
+
+/// Tells of the connections of a file that would close a cycle: of each one, and when there are many of the
+/// others by their number.
+class Refusals
+{
+public:
+    explicit Refusals(const QString &file) : fileName(file) {}
+    ~Refusals()
+    {
+        if (count > mostNamedRefusals)
+            qWarning() << "Damaged scene file:" << fileName << "has" << count - mostNamedRefusals
+                       << "more connections that close a cycle, left out";
+    }
+    Refusals(const Refusals &) = delete;
+    Refusals &operator=(const Refusals &) = delete;
+
+    void tell(const Node *downstream, const Node *upstream)
+    {
+        if (++count > mostNamedRefusals)
+            return;
+        qWarning() << "Damaged scene file:" << fileName << "has a connection that closes a cycle, left out:"
+                   << "event" << downstream->getIndex() << shortTitle(downstream) << "fed by event"
+                   << upstream->getIndex() << shortTitle(upstream);
+    }
+
+private:
+    QString fileName;
+    int count = 0;
+};
 
 } // namespace
 
@@ -82,7 +120,7 @@ std::vector<Node *> NodegraphScene::readRecords(QDataStream &stream, int count)
 
 void NodegraphScene::restoreConnections(const std::vector<Node *> &loaded, const QString &fileName)
 {
-    int refused = 0;
+    Refusals refusals(fileName);
     std::vector<Node *> unfed; // not reset at once: a node that two records were read into is listed twice
     QHash<int, Node *> firstWithIndex;
     for (Node *node : loaded) {
@@ -99,15 +137,12 @@ void NodegraphScene::restoreConnections(const std::vector<Node *> &loaded, const
         if (!isFound || isRefused || downstream != node)
             unfed.push_back(node);
         if (isRefused)
-            ++refused;
+            refusals.tell(downstream, findNodeByIndex(upstreamIndex));
         else if (isFound)
             handOut(std::make_unique<ConnectNodesCommand>(this, node->getIndex(), upstreamIndex));
         else
             qInfo() << "CouldntFind outNode";
     }
-    if (refused > 0)
-        qWarning() << "Damaged scene file:" << fileName << "has" << refused
-                   << "connections that close a cycle, left out";
     // What is saved later is what is shown then.
     for (Node *node : unfed) {
         if (!node->hasInput())

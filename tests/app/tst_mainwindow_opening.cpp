@@ -317,13 +317,12 @@ void tst_MainWindowOpening::truncatedFileLeavesWhatWasRead()
     QVERIFY(writeFile(file, threeTabs().left(length)));
     MainWindow window;
     // Past the end every number reads as 0, so the event seems to feed itself.
-    if (refused > 0)
+    for (int i = 0; i < refused; ++i)
         QTest::ignoreMessage(
             QtWarningMsg,
-            qPrintable(
-                QStringLiteral("Damaged scene file: \"%1\" has %2 connections that close a cycle, left out")
-                    .arg(file)
-                    .arg(refused)));
+            qPrintable(QStringLiteral("Damaged scene file: \"%1\" has a connection that closes a cycle, left "
+                                      "out: event 0 \"%2\" fed by event 0 \"%2\"")
+                           .arg(file, first.at(0))));
     QCOMPARE(openFile(window, file), QString());
 
     QCOMPARE(tabTitles(window),

@@ -45,10 +45,18 @@ struct NoProgressLog
     NoProgressLog &operator=(const NoProgressLog &) = delete;
 };
 
+/// The first twenty connections that close a cycle are named one by one, the others are counted.
 inline void expectRefusals(int count)
 {
-    QTest::ignoreMessage(
-        QtWarningMsg,
-        qPrintable(QStringLiteral("Damaged scene file: \"\" has %1 connections that close a cycle, left out")
-                       .arg(count)));
+    constexpr int mostNamed = 20;
+    for (int i = 0; i < qMin(count, mostNamed); ++i)
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral(
+                                               "^Damaged scene file: \"\" has a connection that "
+                                               "closes a cycle, left out: event -?\\d+ \".*\" fed "
+                                               "by event -?\\d+ \".*\"$")));
+    if (count > mostNamed)
+        QTest::ignoreMessage(QtWarningMsg,
+                             qPrintable(QStringLiteral("Damaged scene file: \"\" has %1 more "
+                                                       "connections that close a cycle, left out")
+                                            .arg(count - mostNamed)));
 }
