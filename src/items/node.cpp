@@ -26,6 +26,10 @@ constexpr double dataZ = 2.0;
 constexpr double nameZ = 3.0;
 constexpr double socketZ = 3.0;
 
+constexpr double endMarkHeight = 5.0; // below the text, above the edge
+constexpr double endMarkGap = 3.0;
+constexpr double leastEndMark = 2.0; // pixels
+
 /// A place that no graph can have would make every line and rectangle that it touches meaningless.
 double finiteCoordinate(double stored, int index)
 {
@@ -203,6 +207,7 @@ void Node::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *)
     Detail::fillRoundedRect(*painter, rect, cornerRadius, bodyColor());
     if (detail.parts != NodeDetail::Parts::all)
         paintPicture(*painter);
+    paintEndMark(painter);
 }
 
 /// What the hidden parts look like.
@@ -231,6 +236,20 @@ void Node::setDetail(const NodeDetail &wanted)
     for (Socket *socket : {inSocket, outSocket})
         socket->setVisible(detail.parts != NodeDetail::Parts::none);
     update();
+}
+
+/// The bar along the lower edge that says whatever the body's colour does not say: importance and selection
+/// cover that of the end. The body is all around it, so that it has to stand out from bodies only.
+void Node::paintEndMark(QPainter *painter) const
+{
+    if (!isEndOfStory)
+        return;
+    const double scale = Detail::scaleOf(*painter);
+    const double leastHeight = scale > 0 ? leastEndMark / scale : 0;
+    QRectF bar(cornerRadius, 0, rect.width() - 2.0 * cornerRadius,
+               qBound(endMarkHeight, leastHeight, rect.height() / 4));
+    bar.moveBottom(rect.height() - endMarkGap);
+    painter->fillRect(bar, endMarkColor);
 }
 
 void Node::mousePressEvent(QGraphicsSceneMouseEvent *event)

@@ -128,6 +128,7 @@ private:
     void drag(QPointF way);
     void updateHeaderPath();
     void paintPicture(QPainter &painter) const;
+    void paintEndMark(QPainter *painter) const;
 
     QString nodeName;
     QRectF rect{0, 0, 231.0, 196.0}; // item coordinates
@@ -139,6 +140,7 @@ private:
     QColor headerColor{QStringLiteral("#8556E9")};
     QColor endOfStoryColor{QStringLiteral("#D6B4FC")};
     QColor importantColor{QStringLiteral("#ADD8E6")};
+    QColor endMarkColor{QStringLiteral("#6A1FD0")};
     QGraphicsPathItem *headerItem = nullptr;
     STNodeName *nameItem = nullptr;
     NodeData *data = nullptr;
