@@ -2,6 +2,7 @@
 
 #include "overviewer/overviewerscene.h"
 #include "overviewer/panelfitter.h"
+#include "overviewer/panelkeys.h"
 #include "scene/nodegraphscene.h"
 #include "ui_mainwindow.h"
 #include "view/nodegraphview.h"
@@ -45,6 +46,7 @@ void MainWindow::setupOverviewer()
     ui->OverviewerLayout->addWidget(panel);
     connect(ui->F1_button, SIGNAL(clicked(bool)), scene, SLOT(sl_setFilter_important(bool)));
     new PanelFitter(panel);
+    new PanelKeys(panel);
     makeAccessible(panel);
     connect(panel, &QObject::destroyed, scene, [scene] { delete scene; });
 }

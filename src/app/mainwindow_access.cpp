@@ -17,6 +17,9 @@ void MainWindow::makeAccessible(QGraphicsView *panel)
     ui->Nodegraph->setAccessibleName(tr("Stories"));
     panel->setAccessibleName(tr("Events of the story"));
 
+    // As the tool buttons: a click leaves the keyboard where somebody writes.
+    ui->F1_button->setFocusPolicy(Qt::TabFocus);
+
     // Their sizes are fixed, whatever the desktop's font is.
     new TextFitter(ui->AddNodeGraph_tool_button);
     new TextFitter(ui->F1_button);

@@ -14,20 +14,23 @@ void takePlainTextOnly(QGraphicsTextItem &item)
         part->setProperty("acceptRichText", false);
 }
 
-bool claimKeys(QEvent *event)
+bool isEditingKey(const QKeyEvent &key)
 {
-    if (event->type() != QEvent::ShortcutOverride)
-        return false;
-    auto *key = static_cast<QKeyEvent *>(event);
     constexpr QKeySequence::StandardKey editing[] = {
         QKeySequence::Undo,  QKeySequence::Redo,      QKeySequence::Copy,   QKeySequence::Cut,
         QKeySequence::Paste, QKeySequence::SelectAll, QKeySequence::Delete, QKeySequence::Backspace};
-    bool edits = key->modifiers() == Qt::ControlModifier && key->key() == Qt::Key_Y;
+    bool edits = key.modifiers() == Qt::ControlModifier && key.key() == Qt::Key_Y;
     for (const QKeySequence::StandardKey sequence : editing)
-        edits = edits || key->matches(sequence);
-    if (edits)
-        event->accept();
+        edits = edits || key.matches(sequence);
     return edits;
+}
+
+bool claimKeys(QEvent *event)
+{
+    if (event->type() != QEvent::ShortcutOverride || !isEditingKey(*static_cast<QKeyEvent *>(event)))
+        return false;
+    event->accept();
+    return true;
 }
 
 bool redoByKey(QGraphicsTextItem &item, QKeyEvent *event)

@@ -11,6 +11,8 @@ namespace TextEditing {
 
 /// Makes whatever is pasted or dropped into the item arrive as plain text: only that is saved.
 void takePlainTextOnly(QGraphicsTextItem &item);
+/// Whether the key edits a text wherever one has the keyboard: undo, copy, delete and the like.
+bool isEditingKey(const QKeyEvent &key);
 /// Keeps the keys that edit a text from the shortcuts of the window, which would change the graph instead.
 /// True if the event was such a key; it is then accepted and needs no more handling.
 bool claimKeys(QEvent *event);

@@ -4,6 +4,7 @@
 
 #include <QBrush>
 #include <QDebug>
+#include <QFocusEvent>
 #include <QGraphicsSceneMouseEvent>
 
 #include <algorithm>
@@ -24,6 +25,9 @@ OverViewerScene::OverViewerScene()
     rebuildOvNodes();
 }
 
+// The entries go with the base, when nobody can look at the panel any more.
+OverViewerScene::~OverViewerScene() { disconnect(this, &QGraphicsScene::focusItemChanged, nullptr, nullptr); }
+
 void OverViewerScene::rebuildOvNodes()
 {
     clearOvNodes();
@@ -33,13 +37,17 @@ void OverViewerScene::rebuildOvNodes()
     }
     qInfo() << "No of ovnodes now: " << ovNodes.size();
     layoutOvNodes();
+    keyboard.resume();
 }
 
 void OverViewerScene::addOvNode(Node *node)
 {
     auto *entry = new OvNode(node, TextMaking::whenNeeded);
-    if (ovNodes.size() < firstScreen)
+    if (keyboard.isAwaitedBy(node))
+        keyboard.giveBackTo(entry);
+    else if (ovNodes.size() < firstScreen)
         entry->make();
+    entryMark.noteEntry(entry, node);
     addItem(entry);
     ovNodes.push_back(entry);
     currentOvNode = entry;
@@ -50,6 +58,8 @@ void OverViewerScene::addOvNode(Node *node)
 /// them. No edit of an entry changes the story, so none of their own handlers is running.
 void OverViewerScene::clearOvNodes()
 {
+    keyboard.takeAside();
+    entryMark.forgetEntries();
     takeInNewItems(*this); // several stories may come before the event loop runs
     currentOvNode = nullptr;
     ovNodes.clear();
@@ -78,10 +88,44 @@ void OverViewerScene::drawBackground(QPainter *painter, const QRectF &rect)
 bool OverViewerScene::event(QEvent *event)
 {
     if (event->type() == QEvent::GraphicsSceneMousePress) {
+        keyboard.giveUp();
         const double y = static_cast<QGraphicsSceneMouseEvent *>(event)->scenePos().y();
         makeEntriesIn(y, y);
     }
     return QGraphicsScene::event(event);
+}
+
+void OverViewerScene::focusInEvent(QFocusEvent *event)
+{
+    QGraphicsScene::focusInEvent(event);
+    keyboard.resume();
+}
+
+void OverViewerScene::focusOutEvent(QFocusEvent *event)
+{
+    QGraphicsScene::focusOutEvent(event);
+    keyboard.panelLeft(event->reason());
+}
+
+void OverViewerScene::drawForeground(QPainter *painter, const QRectF &rect)
+{
+    QGraphicsScene::drawForeground(painter, rect);
+    entryMark.paint(*painter);
+}
+
+OvNode *OverViewerScene::writtenEntry() const
+{
+    for (QGraphicsItem *item = focusItem(); item; item = item->parentItem()) {
+        if (auto *entry = dynamic_cast<OvNode *>(item))
+            return entry;
+    }
+    return nullptr;
+}
+
+void OverViewerScene::endWriting()
+{
+    setFocusItem(nullptr);
+    keyboard.giveUp();
 }
 
 int OverViewerScene::layoutOvNodes()

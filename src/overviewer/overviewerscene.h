@@ -2,6 +2,8 @@
 
 #include "items/node.h"
 #include "overviewer/ovnode.h"
+#include "overviewer/panelfocus.h"
+#include "overviewer/panelmark.h"
 
 #include <QColor>
 #include <QGraphicsScene>
@@ -11,13 +13,15 @@
 /// The side panel: lists the story that it was last given, one entry an event, top to bottom.
 ///
 /// One panel serves all tabs; it shows the story of the scene that published last. Owns its entries, not the
-/// nodes. Its scene rectangle is exactly that of its entries.
+/// nodes. Its scene rectangle is exactly that of its entries. The keyboard stays with the event whose text it
+/// is in, as long as that is listed.
 class OverViewerScene : public QGraphicsScene
 {
     Q_OBJECT
 
 public:
     OverViewerScene();
+    ~OverViewerScene() override;
 
     /// The entries shown, top first.
     const std::vector<OvNode *> &getOvNodes() const { return ovNodes; }
@@ -27,6 +31,12 @@ public:
     OvNode *findOvNode(int index);
     /// Empties the panel if it shows the story of `graph`, which is about to go.
     void forgetScene(const QGraphicsScene *graph);
+
+    /// The entry whose text has the keyboard, null if there is none.
+    OvNode *writtenEntry() const;
+    /// No text has the keyboard any more, and none waits for it.
+    void endWriting();
+    PanelMark &mark() { return entryMark; }
 
 signals:
     /// An entry was edited: its EventData, which stays the entry's, and the index of its node.
@@ -42,7 +52,12 @@ public slots:
 
 protected:
     bool event(QEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+    /// No text is reached by Tab, which would be taken by it from then on.
+    bool focusNextPrevChild(bool) override { return false; }
     void drawBackground(QPainter *painter, const QRectF &rect) override;
+    void drawForeground(QPainter *painter, const QRectF &rect) override;
 
 private:
     void rebuildOvNodes();
@@ -56,4 +71,6 @@ private:
     int spacing = 5; // scene units
     OvNode *currentOvNode = nullptr;
     bool showImportantOnly = false;
+    PanelMark entryMark;
+    PanelFocus keyboard{*this};
 };

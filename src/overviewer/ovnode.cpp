@@ -26,9 +26,14 @@ OvNode::OvNode(Node *shownNode, TextMaking making)
 EventData *OvNode::createEventData(TextMaking making)
 {
     auto *event = new EventData(nullptr, making);
-    connect(event, SIGNAL(s_isChanged()), this, SLOT(sl_nodeChanged()));
-    eventData = event;
+    wireContent(event);
     return event;
+}
+
+void OvNode::wireContent(EventData *content)
+{
+    connect(content, SIGNAL(s_isChanged()), this, SLOT(sl_nodeChanged()));
+    eventData = content;
 }
 
 void OvNode::make()
@@ -38,6 +43,30 @@ void OvNode::make()
     EventData *event = createEventData(TextMaking::whenNeeded);
     event->setMeasuredDescription(unmadeText, unmadeOutline);
     event->setParentItem(this);
+    unmadeText = QString();
+}
+
+EventData *OvNode::releaseContent()
+{
+    auto *content = dynamic_cast<EventData *>(eventData);
+    if (!content)
+        return nullptr;
+    unmadeText = content->getDescription();
+    unmadeOutline = content->boundingRect();
+    content->disconnect(this);
+    content->setParentItem(nullptr);
+    if (scene())
+        scene()->removeItem(content);
+    eventData = nullptr;
+    return content;
+}
+
+void OvNode::adopt(EventData *content)
+{
+    wireContent(content);
+    content->setParentItem(this);
+    if (content->getDescription() != unmadeText) // or its undo history and its cursor would be lost
+        content->setDescription(unmadeText);
     unmadeText = QString();
 }
 

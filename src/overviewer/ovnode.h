@@ -2,6 +2,7 @@
 
 #include "items/resizeobserver.h"
 #include "items/textmaking.h"
+#include "overviewer/listedevent.h"
 
 #include <QGraphicsItem>
 #include <QObject>
@@ -25,10 +26,20 @@ public:
     /// Makes the entry's content if it is still missing. A panel of thousands of entries is made anew for
     /// every edit, and few of them are ever on screen: the others are a text and the size of the node's own.
     void make();
+    /// Takes the content out, to be adopted by another entry: of the caller's then, and in no scene. Null if
+    /// it was never made.
+    EventData *releaseContent();
+    /// Takes over a content that was another entry's, instead of making one. Its text becomes the node's, in
+    /// case it is not. Only while this entry is in no scene.
+    void adopt(EventData *content);
     /// Takes the description from the node again, without reporting a change.
     void updateFromNode();
 
+    /// The event that is shown. Only while the entry is listed, for the node may go after that.
+    ListedEvent shownEvent() const { return ListedEvent(node); }
     int getIndex() const { return index; }
+    /// Scene coordinate of the upper edge.
+    double top() const { return y() + boundingRect().top(); }
     void setIndex(int newIndex) { index = newIndex; }
     void setImportant(bool important) { isImportant = important; }
     /// The entry's own content, an EventData; owned by the entry. Null for a node that is no event.
@@ -50,6 +61,7 @@ private:
     EventData *nodeContent() const;
     void layoutPanel();
     EventData *createEventData(TextMaking making);
+    void wireContent(EventData *content);
 
     Node *node;
     QGraphicsItem *eventData = nullptr;

@@ -37,6 +37,7 @@ private:
 
     Texts textsBefore; // of those that stay
     QString noonText;
+    int noonIndex = -1;
     bool noonIsGone = false;
     bool wasUndone = false;
 };
@@ -136,8 +137,10 @@ inline void WorstMoment::leave(const QString &way)
 inline void WorstMoment::noteTexts()
 {
     textsBefore = otherTexts();
-    if (isThere(noon))
+    if (isThere(noon)) {
         noonText = textOf(noon);
+        noonIndex = noon->getIndex();
+    }
 }
 
 inline void WorstMoment::noteEdit(const QGraphicsTextItem *text)
@@ -154,6 +157,11 @@ inline void WorstMoment::noteEdit(const QGraphicsTextItem *text)
         else
             textsBefore[node->getIndex()] = textOf(node);
     }
+    // Noon comes back as another node, and the keyboard with it.
+    const Node *again =
+        noonIsGone && tabIsThere() ? itsView->nodegraphScene()->findNodeByIndex(noonIndex) : nullptr;
+    if (again && text && descriptionOf(again) == text)
+        noonText = textOf(again);
 }
 
 inline void WorstMoment::go(const QString &way)
