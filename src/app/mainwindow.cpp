@@ -3,6 +3,7 @@
 #include "overviewer/overviewerscene.h"
 #include "overviewer/panelfitter.h"
 #include "overviewer/panelkeys.h"
+#include "overviewer/panelplace.h"
 #include "scene/nodegraphscene.h"
 #include "ui_mainwindow.h"
 #include "view/nodegraphview.h"
@@ -46,6 +47,7 @@ void MainWindow::setupOverviewer()
     ui->OverviewerLayout->addWidget(panel);
     connect(ui->F1_button, SIGNAL(clicked(bool)), scene, SLOT(sl_setFilter_important(bool)));
     new PanelFitter(panel);
+    new PanelPlace(panel);
     new PanelKeys(panel);
     makeAccessible(panel);
     connect(panel, &QObject::destroyed, scene, [scene] { delete scene; });

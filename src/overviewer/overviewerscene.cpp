@@ -1,6 +1,7 @@
 #include "overviewer/overviewerscene.h"
 
 #include "items/newitems.h"
+#include "overviewer/panelobserver.h"
 
 #include <QBrush>
 #include <QDebug>
@@ -31,6 +32,8 @@ OverViewerScene::~OverViewerScene() { disconnect(this, &QGraphicsScene::focusIte
 void OverViewerScene::rebuildOvNodes()
 {
     clearOvNodes();
+    if (!storyNodes.empty())
+        listedGraph = storyNodes.front()->scene();
     for (Node *node : storyNodes) {
         if (!showImportantOnly || node->getIsImportant())
             addOvNode(node);
@@ -58,6 +61,8 @@ void OverViewerScene::addOvNode(Node *node)
 /// them. No edit of an entry changes the story, so none of their own handlers is running.
 void OverViewerScene::clearOvNodes()
 {
+    if (observer)
+        observer->aboutToPlaceEntries();
     keyboard.takeAside();
     entryMark.forgetEntries();
     takeInNewItems(*this); // several stories may come before the event loop runs
@@ -130,6 +135,8 @@ void OverViewerScene::endWriting()
 
 int OverViewerScene::layoutOvNodes()
 {
+    if (observer)
+        observer->aboutToPlaceEntries();
     int y = 0;
     QRectF covered;
     for (OvNode *entry : ovNodes) {
@@ -139,8 +146,12 @@ int OverViewerScene::layoutOvNodes()
         y = static_cast<int>(spacing + outline.height() + y);
     }
     setSceneRect(covered.isNull() ? emptyPanel : covered);
+    if (observer)
+        observer->entriesPlaced();
     return y;
 }
+
+const QGraphicsScene *OverViewerScene::shownGraph() const { return ovNodes.empty() ? nullptr : listedGraph; }
 
 OvNode *OverViewerScene::findOvNode(int index)
 {

@@ -7,8 +7,11 @@
 
 #include <QColor>
 #include <QGraphicsScene>
+#include <QPointer>
 
 #include <vector>
+
+class PanelObserver;
 
 /// The side panel: lists the story that it was last given, one entry an event, top to bottom.
 ///
@@ -25,6 +28,10 @@ public:
 
     /// The entries shown, top first.
     const std::vector<OvNode *> &getOvNodes() const { return ovNodes; }
+    /// The scene whose story it is; null while there are no entries.
+    const QGraphicsScene *shownGraph() const;
+    /// The gap between two entries, in scene units.
+    int getSpacing() const { return spacing; }
     /// Stacks the entries; returns the y after the last one.
     int layoutOvNodes();
     /// The first entry with that index, null if there is none.
@@ -37,6 +44,8 @@ public:
     /// No text has the keyboard any more, and none waits for it.
     void endWriting();
     PanelMark &mark() { return entryMark; }
+    /// Tells that one, which may be null, when entries move.
+    void setObserver(PanelObserver *newObserver) { observer = newObserver; }
 
 signals:
     /// An entry was edited: its EventData, which stays the entry's, and the index of its node.
@@ -67,10 +76,12 @@ private:
 
     std::vector<Node *> storyNodes; // not owned; refreshed or emptied before any of them goes
     std::vector<OvNode *> ovNodes;
+    QPointer<const QGraphicsScene> listedGraph; // of the entries, or of the last ones if there are none
     QColor backgroundColor{QStringLiteral("#EAEAEA")};
     int spacing = 5; // scene units
     OvNode *currentOvNode = nullptr;
     bool showImportantOnly = false;
     PanelMark entryMark;
+    PanelObserver *observer = nullptr; // not owned
     PanelFocus keyboard{*this};
 };
