@@ -58,6 +58,8 @@ private slots:
 
     void tabComesAndGoes_data();
     void tabComesAndGoes();
+    void tabLeavesTheCanvas_data() { tabComesAndGoes_data(); }
+    void tabLeavesTheCanvas();
     void markIsSeenWhileThePanelHasTheKeyboard();
     void markStandsOut();
     void keysGoAboutTheEntries_data();
@@ -97,6 +99,23 @@ void tst_PanelKeys::tabComesAndGoes()
         w.key(modifiers ? Qt::Key_Backtab : Qt::Key_Tab, modifiers);
         QVERIFY(!w.view.hasFocus());
     }
+    QCOMPARE(w.document(), before);
+}
+
+// The canvas kept the next one in the text that was left last.
+void tst_PanelKeys::tabLeavesTheCanvas()
+{
+    QFETCH(const Qt::KeyboardModifiers, modifiers);
+    PanelWindow w(3);
+    QVERIFY(w.isReady());
+    w.key(Qt::Key_F2);
+    w.type(u"abc"_s);
+    w.key(Qt::Key_Escape);
+    const QByteArray before = w.document();
+    w.key(modifiers ? Qt::Key_Backtab : Qt::Key_Tab, modifiers);
+    QVERIFY(!w.window.getViews().front()->hasFocus());
+    QVERIFY(reachPanel(w, modifiers));
+    QCOMPARE(w.scene.focusItem(), nullptr);
     QCOMPARE(w.document(), before);
 }
 
