@@ -11,10 +11,11 @@
 class WorstMoment : public WorstStage
 {
 public:
-    /// Each moment together with each way in which a node goes, as rows.
+    /// Each moment together with each way in which a node goes, as rows. Each is seen at one of the scales,
+    /// and each scale with all moments and all ways.
     static void waysAsRows(const std::vector<const char *> &moments);
 
-    /// Lets Noon go. What must hold at once is checked.
+    /// Lets Noon go while its tab is shown at the row's scale. What must hold at once is checked.
     void go(const QString &way);
     /// What the texts are now is what they must stay.
     void noteTexts();
@@ -62,9 +63,14 @@ inline void WorstMoment::waysAsRows(const std::vector<const char *> &moments)
                                        "its tab closed"};
     QTest::addColumn<QString>("moment");
     QTest::addColumn<QString>("way");
+    QTest::addColumn<double>("scale");
+    // From far away a canvas may be painted in another manner.
+    static constexpr double scales[] = {0.13, 1.0, 0.05};
+    std::size_t row = 0;
     for (const char *moment : moments) {
         for (const char *way : ways)
-            QTest::addRow("%s: %s", moment, way) << QString::fromLatin1(moment) << QString::fromLatin1(way);
+            QTest::addRow("%s: %s", moment, way) << QString::fromLatin1(moment) << QString::fromLatin1(way)
+                                                 << scales[row++ % std::size(scales)];
     }
 }
 
@@ -171,7 +177,11 @@ inline void WorstMoment::go(const QString &way)
     const bool byKey = way == QLatin1String("Del") || way.startsWith(QLatin1String("Ctrl+"));
     const bool keyIsTaken =
         QApplication::activeModalWidget() || QApplication::activePopupWidget() || editedText();
+    QFETCH(const double, scale);
+    const SeenAt seen(view(), scale);
+    look();
     leave(way);
+    look();
     noonIsGone = !isThere(noon);
     if (byKey && keyIsTaken) {
         // The key did what it does in a text, a menu or a dialog.
@@ -223,18 +233,22 @@ inline void WorstMoment::undoAndRedo() const
     const int now = history.index();
     const bool hasNewEdit = dusk->hasInput();
     bool noonIsBack = hasText(noonText);
+    QFETCH(const double, scale);
+    const SeenAt seen(view(), scale);
     while (history.canUndo()) {
         trigger("actionUndo");
         QApplication::processEvents(); // paints
         noonIsBack = noonIsBack || hasText(noonText);
         QCOMPARE(otherTexts(), textsBefore);
     }
+    look();
     while (history.canRedo()) {
         trigger("actionRedo");
         QApplication::processEvents();
         noonIsBack = noonIsBack || hasText(noonText);
         QCOMPARE(otherTexts(), textsBefore);
     }
+    look();
     // An edit that was made after the undoing, by letting go of a line over Dusk, has taken its place.
     QVERIFY(noonIsBack || (wasUndone && hasNewEdit));
     while (history.index() > now)
