@@ -4,6 +4,7 @@
 #include "overviewer/panelfitter.h"
 #include "overviewer/panelkeys.h"
 #include "overviewer/panelplace.h"
+#include "overviewer/panelviewport.h"
 #include "scene/nodegraphscene.h"
 #include "ui_mainwindow.h"
 #include "view/nodegraphview.h"
@@ -39,10 +40,11 @@ void MainWindow::setupOverviewer()
     auto *panel = new QGraphicsView;
     auto *scene = new OverViewerScene;
     overviewerScene = scene;
+    panel->setViewport(new PanelViewport);
     panel->setScene(scene);
     panel->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     panel->setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
-    // The pen that the outlines of important entries are drawn with; the dock's white would not show.
+    // The colour of the outlines of important entries; the dock's white would not show.
     panel->setStyleSheet(QStringLiteral("QGraphicsView { color: rgb(0, 0, 192); }"));
     ui->OverviewerLayout->addWidget(panel);
     connect(ui->F1_button, SIGNAL(clicked(bool)), scene, SLOT(sl_setFilter_important(bool)));

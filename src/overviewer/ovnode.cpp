@@ -8,10 +8,21 @@
 #include <QBrush>
 #include <QPainter>
 #include <QPen>
+#include <QStyleOptionGraphicsItem>
 
 namespace {
 constexpr double outlineRadius = 15.0;
 constexpr double outlineWidth = 10.0;
+
+/// How far within an edge a line has to run to stay inside of it, in the painter's units, if its width is one
+/// on the screen. Any other line runs along the edge itself.
+double halfOfScreenLine(const QPainter &painter)
+{
+    const QPen pen = painter.pen();
+    const double scale = QStyleOptionGraphicsItem::levelOfDetailFromTransform(painter.deviceTransform());
+    return pen.isCosmetic() && pen.style() != Qt::NoPen && scale > 0 ? pen.widthF() / 2 / scale : 0;
+}
+
 } // namespace
 
 OvNode::OvNode(Node *shownNode, TextMaking making)
@@ -112,7 +123,10 @@ void OvNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget 
     if (!isImportant || !content)
         return;
     // The node's rectangle, not the entry's own; both hold the same text and so have the same size.
-    painter->drawRoundedRect(content->boundingRect(), outlineRadius, outlineRadius, Qt::AbsoluteSize);
+    // The panel's own line lies inside wholly: the panel ends where its entries end.
+    const double half = halfOfScreenLine(*painter);
+    painter->drawRoundedRect(content->boundingRect().adjusted(half, half, -half, -half), outlineRadius,
+                             outlineRadius, Qt::AbsoluteSize);
 
     // For whoever paints with this painter next; the outline itself is drawn with what the painter had.
     painter->setPen(QPen(QBrush(Qt::blue), outlineWidth, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
