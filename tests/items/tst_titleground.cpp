@@ -37,7 +37,7 @@ struct TitleStage : ShownScene
         release(pos);
     }
     /// A place in the header close to its right edge.
-    QPointF headerEnd() const { return node->mapToScene(node->headerRect().width() - 20, 17); }
+    QPointF headerEnd() const { return node->mapToScene(node->boundingRect().width() - 20, 17); }
     Painted look(const QRectF &part) { return ::painted(::painted(scene, part)); }
     /// What the header is painted in where no title stands.
     QColor header() { return colorAt(scene, node->mapToScene(QPointF(5, 20))); }
@@ -141,7 +141,7 @@ void tst_TitleGround::emptyTitleIsClickedAnywhereInTheHeader()
 {
     QFETCH(double, along);
     TitleStage stage{QString()};
-    const double room = stage.node->headerRect().width() - 30;
+    const double room = stage.node->boundingRect().width() - 30;
     stage.click(stage.title->mapToScene(QPointF(along * room, 14)));
     QVERIFY(stage.title->hasFocus());
     QTest::keyClicks(&stage.view, QStringLiteral("Rain"));
@@ -163,7 +163,7 @@ void tst_TitleGround::placeOfAnEmptyTitleIsSeen()
     QFETCH(bool, isSeen);
     TitleStage stage(text);
     const auto signAt = [&stage](double along) {
-        const double x = along * (stage.node->headerRect().width() - 30);
+        const double x = along * (stage.node->boundingRect().width() - 30);
         return contrast(stage.look(QRectF(stage.title->mapToScene(QPointF(x, 1)), QSizeF(3, 29))).text,
                         stage.header()) >= discernible;
     };
