@@ -16,10 +16,13 @@ namespace {
 
 /// A picture of the window's size, of which only `parts` are painted. They keep their places: somewhere else
 /// curves would be rounded otherwise.
-QImage paintedAnew(QWidget &window, const QRegion &parts)
+const QImage &paintedAnew(QWidget &window, const QRegion &parts)
 {
-    // The format of the screen: letters are smoothed otherwise on a picture that has transparency.
-    QImage picture(window.size(), QImage::Format_RGB32);
+    // Kept for the next time: new memory for each picture takes as long as painting it. The format is that of
+    // the screen: letters are smoothed otherwise on a picture that has transparency.
+    static QImage picture;
+    if (picture.size() != window.size())
+        picture = QImage(window.size(), QImage::Format_RGB32);
     picture.fill(Qt::black);
     QPainter painter(&picture);
     // A widget's own painter begins with it, one that is handed over by another with none; a text from right
@@ -122,7 +125,7 @@ QString ScreenWatch::fault(QWidget &window, Extent extent)
     if (screen.size() != window.size() * window.devicePixelRatio())
         return QStringLiteral("the screen is read as something else than the window");
     const QRegion parts = extent == Extent::window ? QRegion(window.rect()) : canvasesOf(window);
-    const QImage anew = paintedAnew(window, parts);
+    const QImage &anew = paintedAnew(window, parts);
     for (const QRect &part : parts) {
         const Difference found = difference(screen, anew, part);
         if (found.pixels == 0)
