@@ -213,6 +213,13 @@ QRect Desktop::geometry(int window) const
             number("Height")};
 }
 
+bool Desktop::resize(int window, const QSize &size) const
+{
+    return run(QStringLiteral("xdotool"),
+               {QStringLiteral("windowsize"), QStringLiteral("--sync"), QString::number(window),
+                QString::number(size.width()), QString::number(size.height())});
+}
+
 bool Desktop::click(QPoint point) const
 {
     return run(QStringLiteral("xdotool"), QStringList{QStringLiteral("mousemove")} + coordinates(point) +

@@ -43,6 +43,8 @@ public:
     QList<int> windowsOfClass(const QString &name) const;
     /// Where the contents of a window are on the screen; empty for 0.
     QRect geometry(int window) const;
+    /// Gives a window's contents another size than they have, and waits until they have it.
+    bool resize(int window, const QSize &size) const;
 
     /// Each returns whether the event could be sent. Points are those of the screen.
     bool click(QPoint point) const;

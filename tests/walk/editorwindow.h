@@ -49,6 +49,8 @@ public:
     bool measure();
     /// The window's contents without the frame that the window manager adds.
     QRect outline() const { return window; }
+    /// Where the canvas of the current tab is.
+    QRect canvasArea() const { return canvas; }
 
     /// The events whose headers and sockets are in sight, from left to right.
     QList<EventBox> events() const;

@@ -65,7 +65,42 @@ SavedEvent readEvent(Bytes &bytes)
     return event;
 }
 
+template <typename Unsigned>
+void append(QByteArray &bytes, Unsigned value)
+{
+    for (int shift = int(sizeof(value)) * 8 - 8; shift >= 0; shift -= 8)
+        bytes += static_cast<char>(value >> shift & 0xFFU);
+}
+
+void append(QByteArray &bytes, int number) { append(bytes, static_cast<std::uint32_t>(number)); }
+
+void append(QByteArray &bytes, const QString &text)
+{
+    append(bytes, int(text.size()) * 2);
+    for (const QChar unit : text)
+        append(bytes, static_cast<std::uint16_t>(unit.unicode()));
+}
+
 } // namespace
+
+QByteArray encodeScene(const SavedScene &scene)
+{
+    QByteArray bytes;
+    append(bytes, int(scene.tabs.size()));
+    for (const QList<SavedEvent> &tab : scene.tabs) {
+        append(bytes, int(tab.size()));
+        for (const SavedEvent &event : tab) {
+            append(bytes, event.tag);
+            append(bytes, event.title);
+            append(bytes, std::bit_cast<std::uint64_t>(event.x));
+            append(bytes, std::bit_cast<std::uint64_t>(event.y));
+            for (const int number : {event.index, event.upstream, event.endOfStory, event.important})
+                append(bytes, number);
+            append(bytes, event.description);
+        }
+    }
+    return bytes;
+}
 
 SavedScene decodeScene(const QByteArray &source)
 {

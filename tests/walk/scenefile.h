@@ -25,6 +25,8 @@ struct SavedScene
 };
 
 SavedScene decodeScene(const QByteArray &bytes);
+/// The way back, for a story that nobody has to write by hand first.
+QByteArray encodeScene(const SavedScene &scene);
 /// An unreadable file is a problem as well.
 SavedScene readScene(const QString &path);
 QByteArray bytesOf(const QString &path);

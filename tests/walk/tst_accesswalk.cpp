@@ -87,6 +87,7 @@ void tst_AccessWalk::storyIsWrittenWithoutAMouse()
     QVERIFY(window.comesToShowEntries(1));
     QVERIFY(window.key(QStringLiteral("ctrl+t")));
     QVERIFY(window.comesToShowTabs(2));
+    STEP(walk.checkScreen());
     // Saved by menu.
     STEP(chooseByArrows(0, 3));
     QVERIFY(window.giveFile(QStringLiteral("Save Scene"), path));

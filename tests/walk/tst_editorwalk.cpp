@@ -102,6 +102,7 @@ void tst_EditorWalk::writeTheTale()
     }
     QVERIFY(window.clickEmptyCanvas());
     QVERIFY(eventually([this] { return haveTaleHeights(window.entries()); }));
+    STEP(walk.checkScreen());
 }
 
 /// Puts the boxes like stairs: the second one a bit below the first, the third below the second.
@@ -121,6 +122,7 @@ void tst_EditorWalk::layOutTheBoxes()
     QVERIFY(window.clickEmptyCanvas());
     QVERIFY(window.key(QStringLiteral("ctrl+f")));
     QCOMPARE(window.framedEvents(3).size(), 3);
+    STEP(walk.checkScreen());
 }
 
 void tst_EditorWalk::markTheMiddleEvent()
@@ -131,6 +133,7 @@ void tst_EditorWalk::markTheMiddleEvent()
     QVERIFY(window.key(QStringLiteral("ctrl+i")));
     QVERIFY(window.clickEmptyCanvas());
     QVERIFY(window.comesToShowBodyColour(boxes.at(1), importantColour));
+    STEP(walk.checkScreen());
 }
 
 /// Takes the line between the first two boxes off at its input and draws it anew from the output.
@@ -152,6 +155,7 @@ void tst_EditorWalk::joinAnew()
         const QList<EventBox> seen = window.events();
         return seen.size() == 3 && seen.at(0).outputFeeds && seen.at(1).inputFed;
     }));
+    STEP(walk.checkScreen());
 }
 
 void tst_EditorWalk::undoAndRedo()
@@ -161,6 +165,7 @@ void tst_EditorWalk::undoAndRedo()
     QVERIFY(window.comesToShowEntries(2));
     QVERIFY(window.key(QStringLiteral("ctrl+y")));
     QVERIFY(eventually([this] { return haveTaleHeights(window.entries()); }));
+    STEP(walk.checkScreen());
 }
 
 void tst_EditorWalk::checkSavedTale(const QString &path)
@@ -197,6 +202,7 @@ void tst_EditorWalk::openAgain(const QString &path)
     }
     QVERIFY(window.comesToShowBodyColour(boxes.at(1), importantColour));
     QCOMPARE(window.tabs().size(), 1);
+    STEP(walk.checkScreen());
 }
 
 void tst_EditorWalk::storyIsWrittenSavedAndOpenedAgain()
@@ -275,6 +281,7 @@ void tst_EditorWalk::tabsAreMadeAndClosedByEachAnswer()
     QVERIFY(desktop.keepScreenshot(QStringLiteral("tabs.png"), window.outline()));
     QVERIFY(window.chooseTab(0));
     QVERIFY(window.comesToShowEntries(1));
+    STEP(walk.checkScreen());
 
     // Cancel keeps the tab, No closes it.
     QVERIFY(window.pressCloseButton(1));

@@ -137,6 +137,7 @@ void tst_KeyWalk::keysEditTheTextThatHasTheFocus()
         QCOMPARE(toText(walk.savedAgain(path)), toText(scene));
     }
     QCOMPARE(walk.logged(graphCommands), commands);
+    STEP(walk.checkScreen());
     QCOMPARE(window.events().size(), 3);
     QCOMPARE(window.entries().size(), 3);
 
@@ -210,6 +211,7 @@ void tst_KeyWalk::deleteAndUndo()
     QCOMPARE(walk.savedAgain(path).tabs.value(0).size(), 2);
     QVERIFY(window.key(QStringLiteral("ctrl+z")));
     QCOMPARE(toText(walk.savedAgain(path)), toText(scene));
+    STEP(walk.checkScreen());
 }
 
 /// Takes the last event by copy or cut, and puts it down further below.

@@ -141,6 +141,7 @@ void tst_MenuWalk::editByMenu()
     QCOMPARE(toText(walk.savedAgain(path)), toText(scene));
     QVERIFY(window.clickEmptyCanvas());
     STEP(showsBodies({plainColour, plainColour, endColour}));
+    STEP(walk.checkScreen());
 }
 
 /// Moves the last event, once after Copy and once after Cut, and undoes it.
@@ -202,6 +203,7 @@ void tst_MenuWalk::markByMenu()
     QCOMPARE(toText(walk.savedAgain(path)), toText(scene));
     QVERIFY(window.clickEmptyCanvas());
     STEP(showsBodies({importantColour, endColour, plainColour}));
+    STEP(walk.checkScreen());
 }
 
 void tst_MenuWalk::viewShowsTheStoryLargerAndSmaller()
@@ -221,6 +223,7 @@ void tst_MenuWalk::viewShowsTheStoryLargerAndSmaller()
     for (const Step &step : steps) {
         QVERIFY(choose(Menu::view, step.entry));
         QVERIFY2(window.comesToShowScale(step.scale), qPrintable(QString::number(step.scale)));
+        STEP(walk.checkScreen());
     }
     QVERIFY(choose(Menu::view, Frame));
     QCOMPARE(window.framedEvents(1).size(), 1);
@@ -349,6 +352,7 @@ void tst_MenuWalk::buttonsAddAndFilter()
     QVERIFY(window.comesToShowEntries(1));
     QVERIFY(window.pressFilterButton());
     QVERIFY(window.comesToShowEntries(3));
+    STEP(walk.checkScreen());
 
     QVERIFY(window.pressTabButton());
     QVERIFY(window.comesToShowTabs(2));

@@ -109,6 +109,7 @@ void tst_MouseWalk::wheelZoomsAroundTheMouse()
     STEP(turnWheel(0, 0, 4));
     STEP(turnWheel(120, 84, -1));
     QVERIFY(window.comesToShowScale(1.0));
+    STEP(walk.checkScreen());
     STEP(walk.end());
 }
 
@@ -152,6 +153,7 @@ void tst_MouseWalk::rightButtonMovesTheCanvas()
     QVERIFY(comesToShowEvent(left, 0));
     QCOMPARE(desktop.windowsOfClass(QStringLiteral("fablegrid")).size(), windows); // no menu came up
     QVERIFY(window.comesToShowBodyColour(window.events().at(0), endColour));
+    STEP(walk.checkScreen());
     STEP(walk.end());
 }
 
@@ -207,6 +209,7 @@ void tst_MouseWalk::bandSelectsAndAGroupMovesWithItsLines()
     QVERIFY(window.clickEmptyCanvas());
     QVERIFY(window.comesToShowBodyColour(moved.at(0), plainColour));
     QVERIFY(window.comesToShowBodyColour(moved.at(1), plainColour));
+    STEP(walk.checkScreen());
     STEP(walk.end());
 }
 
@@ -255,10 +258,12 @@ void tst_MouseWalk::onlyAClickOnTheLineItselfTakesItOff()
         return seen.size() == 2 && !seen.at(0).outputFeeds && !seen.at(1).inputFed;
     }));
     QVERIFY(!lineIsAt(desktop.screenshot(), onLine));
+    STEP(walk.checkScreen());
     QCOMPARE(walk.logged({QStringLiteral("Disconnected node  1")}), 1);
     QVERIFY(window.key(QStringLiteral("ctrl+z")));
     QVERIFY(window.comesToShowEntries(2));
     QVERIFY(comesToShowLine(boxes.at(0), boxes.at(1)));
+    STEP(walk.checkScreen());
     STEP(walk.end());
 }
 

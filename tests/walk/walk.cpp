@@ -1,5 +1,7 @@
 #include "walk/walk.h"
 
+#include "walk/screencheck.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -24,6 +26,12 @@ void Walk::checkLog() const
 {
     QVERIFY(!program->logLines().isEmpty());
     QCOMPARE(program->strangeLines(), QStringList());
+}
+
+void Walk::checkScreen() const
+{
+    const QString fault = ScreenCheck(desktop, window).fault();
+    QVERIFY2(fault.isEmpty(), qPrintable(fault));
 }
 
 void Walk::tidyUp()

@@ -37,6 +37,9 @@ public:
     void end(const QString &answerKeys = QStringLiteral("alt+n"));
     /// The program has told something, and nothing odd.
     void checkLog() const;
+    /// What stands on the screen is what the window paints when it has to paint everything anew. A tab is
+    /// open, nothing is held by the mouse, and no menu or dialog is in front.
+    void checkScreen() const;
     /// To be called by cleanup(): ends the program, after a failure with what is known of it.
     void tidyUp();
 
