@@ -47,6 +47,9 @@ void MainWindow::setupOverviewer()
     // The colour of the outlines of important entries; the dock's white would not show.
     panel->setStyleSheet(QStringLiteral("QGraphicsView { color: rgb(0, 0, 192); }"));
     ui->OverviewerLayout->addWidget(panel);
+    // The face that the style gives a pressed button is a shade of the other one.
+    ui->Filter_bar->setStyleSheet(
+        QStringLiteral("QPushButton:checked, QPushButton:pressed { background-color: rgb(30, 88, 160); }"));
     connect(ui->F1_button, SIGNAL(clicked(bool)), scene, SLOT(sl_setFilter_important(bool)));
     new PanelFitter(panel);
     new PanelPlace(panel);

@@ -81,7 +81,6 @@ private slots:
     void entryUnderThePointerStandsOut();
     void button_data();
     void button();
-    void filterButtonShowsThatItIsDown();
     void dockTitle();
     void question();
     void fileDialog_data();
@@ -212,15 +211,6 @@ void tst_Legibility::button()
     shown->setChecked(down);
     const Painted colours = paintedIn(shown, shown->rect());
     QVERIFY2(isReadable(colours), qPrintable(told(colours)));
-}
-
-void tst_Legibility::filterButtonShowsThatItIsDown()
-{
-    QAbstractButton *filter = buttonOf(*window, "F1_button");
-    const QColor up = paintedIn(filter, filter->rect()).background;
-    filter->click();
-    const QColor down = paintedIn(filter, filter->rect()).background;
-    QVERIFY2(contrast(up, down) >= 1.2, qPrintable(up.name() + down.name()));
 }
 
 void tst_Legibility::dockTitle()
