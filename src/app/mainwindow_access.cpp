@@ -24,6 +24,10 @@ void MainWindow::makeAccessible(QGraphicsView *panel)
     new TextFitter(ui->AddNodeGraph_tool_button);
     new TextFitter(ui->F1_button);
 
+    // On most keyboards the plus needs Shift, and the key without it is the equals sign. The menu shows the
+    // first.
+    ui->actionZoom_In->setShortcuts({ui->actionZoom_In->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Equal)});
+
     // What there is a button for, and no menu entry.
     auto *newTab = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_T), this);
     connect(newTab, &QShortcut::activated, this, &MainWindow::addNodeGraphTab);

@@ -6,6 +6,7 @@
 #include <QGraphicsView>
 #include <QMenu>
 #include <QMenuBar>
+#include <QSignalSpy>
 #include <QToolButton>
 
 // The window without a mouse, without sight, and with letters that are larger than usual.
@@ -43,6 +44,8 @@ private slots:
     void tabsAreSwitchedByKey();
     void tabsComeAndGoByKey();
     void filterIsSwitchedByKey();
+    void plusKeyZoomsInWithAndWithoutShift_data();
+    void plusKeyZoomsInWithAndWithoutShift();
     void fixedButtonsShowTheirWholeText_data();
     void fixedButtonsShowTheirWholeText();
     void fontThatBecomesSmallerAgainIsTaken();
@@ -218,6 +221,29 @@ void tst_MainWindowAccess::filterIsSwitchedByKey()
     QCOMPARE(panelTexts(*window), QStringList());
     QTest::keyClick(window.get(), Qt::Key_L, Qt::ControlModifier);
     QCOMPARE(panelTexts(*window).size(), 1);
+}
+
+void tst_MainWindowAccess::plusKeyZoomsInWithAndWithoutShift_data()
+{
+    QTest::addColumn<Qt::Key>("key");
+    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+    QTest::newRow("plus") << Qt::Key_Plus << Qt::KeyboardModifiers(Qt::ControlModifier);
+    QTest::newRow("the same key without Shift")
+        << Qt::Key_Equal << Qt::KeyboardModifiers(Qt::ControlModifier);
+    QTest::newRow("plus of the number pad") << Qt::Key_Plus << (Qt::ControlModifier | Qt::KeypadModifier);
+}
+
+void tst_MainWindowAccess::plusKeyZoomsInWithAndWithoutShift()
+{
+    QFETCH(const Qt::Key, key);
+    QFETCH(const Qt::KeyboardModifiers, modifiers);
+    NodegraphView *view = window->getViews().front();
+    const double before = view->transform().m11();
+    QSignalSpy zooms(actionOf(*window, "actionZoom_In"), &QAction::triggered);
+    QTest::keyClick(view, key, modifiers);
+    QCOMPARE(zooms.count(), 1);
+    QVERIFY(view->transform().m11() > before);
+    QCOMPARE(actionOf(*window, "actionZoom_In")->shortcut(), QKeySequence(QStringLiteral("Ctrl++")));
 }
 
 void tst_MainWindowAccess::fixedButtonsShowTheirWholeText_data()
