@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QColor>
+#include <QIcon>
 
 QPalette applicationPalette()
 {
@@ -44,8 +45,19 @@ QString applicationStyleSheet()
         "QMenu::separator { height: 1px; margin: 4px 8px; background: rgb(110, 110, 110); }");
 }
 
+/// Qt has the question's icon as a picture of 32 pixels only, which is blurred on a fine screen. The
+/// desktop's own theme goes first; without one Qt asks no theme at all.
+static void offerIcons()
+{
+    const QString name = QStringLiteral("fablegrid");
+    QIcon::setFallbackThemeName(name);
+    if (QIcon::themeName().isEmpty())
+        QIcon::setThemeName(name);
+}
+
 void dressApplication()
 {
+    offerIcons();
     QApplication::setPalette(applicationPalette());
     qApp->setStyleSheet(applicationStyleSheet());
 }

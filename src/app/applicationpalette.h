@@ -14,5 +14,6 @@ QPalette applicationPalette();
 /// The grey that they give it is one step from the menu's own, which nobody sees.
 QString applicationStyleSheet();
 
-/// Gives the application, which must exist, the palette and the style sheet above.
+/// Gives the application, which must exist, the palette and the style sheet above, and the icons that it
+/// brings along for desktops without a theme.
 void dressApplication();

@@ -14,6 +14,11 @@ render "Logo/logo - Square (Fill) - App 1.svg" 1024 1024 "Logo/logo - Square (Fi
 render "Logo/logo - Fill Clipped 4.svg" 646 696 "Logo/logo - Fill Clipped 4.png"
 render "Icons/Add Node.svg" 1024 1024 "Icons/Add Node.png"
 
+# The sizes that Theme/index.theme names.
+for size in 32 48 64 72 96 144; do
+    render Theme/dialog-question.svg "$size" "$size" "Theme/dialog-question-$size.png"
+done
+
 sizes=$(mktemp -d)
 trap 'rm -rf "$sizes"' EXIT
 bitmaps=()
