@@ -14,13 +14,12 @@ const QColor endColour(QStringLiteral("#D6B4FC"));
 const QColor importantColour(QStringLiteral("#ADD8E6"));
 
 constexpr int columns = 12;
-constexpr int rows = 2;
-constexpr int events = columns * rows;
+constexpr int events = 2 * columns;
 constexpr double columnStep = 555.0;
 constexpr double rowStep = 900.0;
 constexpr double boxWidth = 455.0;
 
-/// A chain that runs in rows from left to right; its last event is the end.
+/// A chain that runs in two rows from left to right; its last event is the end.
 SavedScene longStory()
 {
     SavedScene scene;
@@ -30,7 +29,7 @@ SavedScene longStory()
         event.tag = QStringLiteral("Event");
         event.title = QStringLiteral("Part %1").arg(i);
         event.x = columnStep * (i % columns);
-        event.y = rowStep * (i / columns);
+        event.y = i < columns ? 0 : rowStep;
         event.index = i;
         event.upstream = i - 1;
         event.endOfStory = i == events - 1 ? 1 : 0;
