@@ -138,7 +138,7 @@ void tst_NodegraphSceneMouse::draggedGroupsLinesFollowOneStepBehind()
     Node *companion = addLoose(shown.scene, QPointF(20, 600));
     shown.scene.connectNodes(companion, outside);
     shown.scene.deselectAll();
-    shown.press(QPointF(10, 890)); // from below the companion to the grabbed node
+    shown.press(QPointF(10, 860)); // from below the companion to the grabbed node
     shown.move(bodyOf(grabbed));
     shown.release(bodyOf(grabbed));
     QCOMPARE(shown.scene.getSelectedNodes().size(), std::size_t(2));
@@ -206,7 +206,7 @@ void tst_NodegraphSceneMouse::releasePutsLinesOfGroupOnSockets()
     shown.scene.connectNodes(companion, outside);
     shown.scene.connectNodes(grabbed, companion);
     shown.scene.deselectAll();
-    shown.press(QPointF(10, 890));
+    shown.press(QPointF(10, 860));
     shown.move(bodyOf(grabbed));
     shown.release(bodyOf(grabbed));
     QVERIFY(grabbed->isSelected() && companion->isSelected() && !outside->isSelected());

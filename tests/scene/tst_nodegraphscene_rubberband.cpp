@@ -86,11 +86,11 @@ void tst_NodegraphScene_RubberBand::pressOnStrokeStartsNoRubberBand()
     const QPointF onStroke = strokeOf(downstream->getInLine(), 0.4);
 
     shown.press(onStroke);
-    shown.move(QPointF(10, 890));
+    shown.move(QPointF(10, 860));
     QVERIFY(rubberBandOf(shown.scene)->rect().isNull());
     QVERIFY(!downstream->hasInput());
     QCOMPARE(shown.scene.getSelectedNodes(), (std::vector<Node *>{upstream, downstream, third}));
-    shown.release(QPointF(10, 890));
+    shown.release(QPointF(10, 860));
 }
 
 void tst_NodegraphScene_RubberBand::rubberBandSpansFromPressToMouse_data()
