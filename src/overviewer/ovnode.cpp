@@ -18,7 +18,7 @@ constexpr double outlineWidth = 10.0;
 /// on the screen. Any other line runs along the edge itself.
 double halfOfScreenLine(const QPainter &painter)
 {
-    const QPen pen = painter.pen();
+    const QPen &pen = painter.pen();
     const double scale = QStyleOptionGraphicsItem::levelOfDetailFromTransform(painter.deviceTransform());
     return pen.isCosmetic() && pen.style() != Qt::NoPen && scale > 0 ? pen.widthF() / 2 / scale : 0;
 }
