@@ -42,6 +42,8 @@ void MainWindow::setupOverviewer()
     overviewerScene = scene;
     panel->setViewport(new PanelViewport);
     panel->setScene(scene);
+    panel->setViewportUpdateMode(
+        QGraphicsView::FullViewportUpdate); // at the seams of parts edges come out lighter
     panel->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     panel->setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
     // The colour of the outlines of important entries; the dock's white would not show.

@@ -68,6 +68,7 @@ void NodegraphScene::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
     endDrag();
     rubberBandActive = false;
     selectionRect->setRect(QRectF());
+    update(); // after a scroll or a zoom in its midst, the framework does not know where the band was painted
     settleMovedLines();
     QGraphicsScene::mouseReleaseEvent(event);
 }
