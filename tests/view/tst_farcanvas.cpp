@@ -1,6 +1,8 @@
+#include "support/screenwatch.h"
 #include "view/farcanvas.h"
 
 #include "items/connectionline.h"
+#include "items/socket.h"
 
 using namespace Qt::StringLiterals;
 
@@ -42,6 +44,8 @@ private slots:
     void lineStaysVisible();
     void hiddenEventsAreNotPainted();
     void changeIsShown();
+    void dragThatBeganOutOfTheWorldIsShown_data();
+    void dragThatBeganOutOfTheWorldIsShown();
 };
 
 void tst_FarCanvas::barsLookLikeTheirText_data()
@@ -194,6 +198,40 @@ void tst_FarCanvas::changeIsShown()
     QVERIFY(yellow());
     node->moveBy(0, -2000);
     QCOMPARE(canvas.at(canvas.bodyOf(node) + QPointF(0, 2000)), canvasColor);
+}
+
+void tst_FarCanvas::dragThatBeganOutOfTheWorldIsShown_data()
+{
+    QTest::addColumn<bool>("isLine");
+    QTest::newRow("rubber band") << false;
+    QTest::newRow("line") << true;
+}
+
+// Zoomed in, the place where it began is further away than whole numbers of pixels reach.
+void tst_FarCanvas::dragThatBeganOutOfTheWorldIsShown()
+{
+    QFETCH(const bool, isLine);
+    const FarCanvas canvas(1.0, 1);
+    Node *node = canvas.nodes.front();
+    if (isLine)
+        node->setPos(0, 1e300); // only a file has such places
+    constexpr double worldScale = 1e-9;
+    canvas.view->setTransform(QTransform::fromScale(worldScale, worldScale));
+    canvas.view->centerOn(QPointF());
+    canvas.frame();
+    if (isLine)
+        emit node->s_socketClick(SocketType::output, node->pos());
+    else
+        canvas.press(QPointF(20, 20), Qt::LeftButton);
+    canvas.view->setTransform(QTransform());
+    canvas.view->centerOn(QPointF());
+    for (const int x : {100, 300, 150}) {
+        canvas.move(QPointF(x, 200), Qt::LeftButton);
+        ScreenWatch::comeToRest();
+        QCOMPARE(ScreenWatch::fault(*canvas.view), QString());
+    }
+    canvas.release(QPointF(150, 200), Qt::LeftButton);
+    QCOMPARE(ScreenWatch::fault(*canvas.view), QString());
 }
 
 QTEST_MAIN(tst_FarCanvas)
