@@ -1,5 +1,6 @@
 #include "app/mainwindow.h"
 
+#include "app/tabsaside.h"
 #include "overviewer/overviewerscene.h"
 #include "overviewer/panelfitter.h"
 #include "overviewer/panelkeys.h"
@@ -25,6 +26,8 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent)
     connect(ui->AddNodeGraph_tool_button, &QAbstractButton::clicked, this, &MainWindow::addNodeGraphTab);
     connect(ui->Nodegraph, &QTabWidget::tabCloseRequested, this, &MainWindow::closeTab);
     connect(ui->Nodegraph, &QTabWidget::currentChanged, this, &MainWindow::currentTabChanged);
+    connect(ui->Nodegraph, &QTabWidget::currentChanged, ui->Nodegraph,
+            [tabs = ui->Nodegraph](int place) { TabsAside::bringCloseButton(*tabs, place); });
     connectCommands();
     startAutosave();
 }
@@ -66,7 +69,7 @@ void MainWindow::addNodeGraphTab()
     view->setAccessibleName(tr("Graph of events"));
     ui->Nodegraph->addTab(view, tr("Story %1").arg(views.size() + 1));
     views.push_back(view);
-    putCloseButtonsOnTabs();
+    ui->Nodegraph->setTabsClosable(true);
 
     NodegraphScene *scene = view->nodegraphScene();
     OverViewerScene *panel = overviewerScene;
@@ -83,14 +86,6 @@ void MainWindow::addNodeGraphTab()
 
     if (view == currentView())
         view->setFocus(); // the keys that go about the canvas work from the start
-}
-
-/// Each button makes Qt place those of all tabs anew, so that a thousand would take minutes to come. A
-/// document of so many tabs goes without them; Ctrl+W closes the current one all the same.
-void MainWindow::putCloseButtonsOnTabs()
-{
-    constexpr std::size_t most = 250;
-    ui->Nodegraph->setTabsClosable(views.size() <= most);
 }
 
 void MainWindow::showStoryOf(NodegraphScene *scene)

@@ -84,7 +84,6 @@ private:
     NodegraphView *currentView() const;
     NodegraphView *viewAt(int tabIndex) const;
 
-    void putCloseButtonsOnTabs();
     void showStoryOf(NodegraphScene *scene);
     void hideStoryOf(NodegraphScene *scene);
 

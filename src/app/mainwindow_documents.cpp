@@ -173,7 +173,6 @@ void MainWindow::closeTab(int index)
     // By the view, not by the number: tabs may have been dragged, and `views` keeps the order of creation.
     ui->Nodegraph->removeTab(ui->Nodegraph->indexOf(closing));
     std::erase(views, closing.data());
-    putCloseButtonsOnTabs();
     closing->deleteLater(); // the close button that was pressed belongs to this tab
     if (NodegraphView *view = currentView()) {
         view->nodegraphScene()->updateStory();

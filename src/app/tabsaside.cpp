@@ -1,10 +1,31 @@
 #include "app/tabsaside.h"
 
+#include <QStyle>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QVariant>
 
 namespace {
 constexpr qint64 many = 100;
+
+QTabBar::ButtonPosition closeSide(const QTabBar &bar)
+{
+    return QTabBar::ButtonPosition(
+        bar.style()->styleHint(QStyle::SH_TabBar_CloseButtonPosition, nullptr, &bar));
+}
+
+/// Until then it belongs to the tab's page, and goes with it.
+void keepCloseButtonBack(QTabWidget &tabWidget, int place)
+{
+    QTabBar *bar = tabWidget.tabBar();
+    QWidget *button = bar->tabButton(place, closeSide(*bar));
+    if (!button)
+        return;
+    bar->setTabButton(place, closeSide(*bar), nullptr);
+    button->setParent(tabWidget.widget(place));
+    bar->setTabData(place, QVariant::fromValue(button));
+}
+
 } // namespace
 
 TabsAside::TabsAside(QTabWidget *tabWidget, qint64 count) : tabs(count > many ? tabWidget : nullptr)
@@ -31,8 +52,11 @@ TabsAside::~TabsAside()
 // themselves. The first one stays: without a tab to be seen none would be current.
 void TabsAside::tabWasAdded()
 {
-    if (tabs && tabs->count() > 1)
-        tabs->setTabVisible(tabs->count() - 1, false);
+    if (!tabs || tabs->count() < 2)
+        return;
+    const int added = tabs->count() - 1;
+    keepCloseButtonBack(*tabs, added);
+    tabs->setTabVisible(added, false);
 }
 
 int TabsAside::nextToGo() const
@@ -41,4 +65,14 @@ int TabsAside::nextToGo() const
         return 0;
     const int last = tabs->count() - 1;
     return last > 0 && last == tabs->currentIndex() ? last - 1 : last;
+}
+
+void TabsAside::bringCloseButton(QTabWidget &tabWidget, int place)
+{
+    QTabBar *bar = tabWidget.tabBar();
+    auto *button = bar->tabData(place).value<QWidget *>();
+    if (!button)
+        return;
+    bar->setTabData(place, {});
+    bar->setTabButton(place, closeSide(*bar), button);
 }

@@ -6,6 +6,9 @@ class QTabWidget;
 
 /// Keeps a tab widget out of sight during its own lifetime if many tabs come or go in it: Qt lays all tabs
 /// out anew for each one, which takes minutes with a thousand. With few tabs it does nothing.
+///
+/// Close buttons are laid out anew as well, for each one that comes. Of many tabs that come together each gets
+/// its own when it is brought to the front for the first time.
 class TabsAside
 {
 public:
@@ -20,6 +23,9 @@ public:
     void tabWasAdded();
     /// Which tab is to go next when all go: of many not the current one, or another page would be brought up.
     int nextToGo() const;
+
+    /// Gives the tab at that place its close button if it was kept back; -1 is no tab.
+    static void bringCloseButton(QTabWidget &tabWidget, int place);
 
 private:
     QTabWidget *tabs; // null if they are few

@@ -1,6 +1,10 @@
 #include "app/windowsupport.h"
 #include "support/testsupport.h"
 
+#include <QAbstractButton>
+#include <QPointer>
+#include <QTabBar>
+
 // Documents of more tabs than anybody makes by hand.
 
 class tst_MainWindowManyTabs : public QObject
@@ -27,7 +31,9 @@ private slots:
     void openedTabsAreShownAsFewAre();
     void newLeavesNoneOfThem_data() { addCounts(); }
     void newLeavesNoneOfThem();
-    void closeButtonsStandOnUpTo250Tabs();
+    void eachTabInFrontHasItsCloseButton_data() { addCounts(); }
+    void eachTabInFrontHasItsCloseButton();
+    void closeButtonsKeptBackGoWithTheirTabs();
 
 private:
     static void addCounts()
@@ -35,7 +41,7 @@ private:
         QTest::addColumn<int>("count");
         QTest::newRow("just many") << 101;
         QTest::newRow("more") << 150;
-        QTest::newRow("without close buttons") << 400;
+        QTest::newRow("many more") << 400;
     }
     /// Opens that many tabs, of which the first one has an event; their bytes.
     QByteArray open(int count)
@@ -97,17 +103,44 @@ void tst_MainWindowManyTabs::newLeavesNoneOfThem()
     QCOMPARE(QApplication::focusWidget(), window->getViews().front());
 }
 
-void tst_MainWindowManyTabs::closeButtonsStandOnUpTo250Tabs()
+void tst_MainWindowManyTabs::eachTabInFrontHasItsCloseButton()
 {
-    open(250);
-    QVERIFY(tabsOf(*window)->tabsClosable());
-    window->addNodeGraphTab();
-    QVERIFY(!tabsOf(*window)->tabsClosable());
+    QFETCH(const int, count);
+    open(count);
+    QTabWidget *tabs = tabsOf(*window);
+    QVERIFY(tabs->tabsClosable());
+    for (const int place : {0, count / 2, count - 1, count / 2}) {
+        tabs->setCurrentIndex(place);
+        auto *button = qobject_cast<QAbstractButton *>(tabs->tabBar()->tabButton(place, QTabBar::RightSide));
+        QVERIFY(button && button->isVisible());
+        QVERIFY(tabs->tabBar()->tabRect(place).contains(button->geometry()));
+        const DialogAnswers answers({press(QMessageBox::Cancel)});
+        button->click();
+        QCOMPARE(answers.problem(), QString());
+        QCOMPARE(tabs->count(), count);
+    }
+    const QWidget *page = tabs->currentWidget();
     const DialogAnswers answers({press(QMessageBox::No)});
-    QTest::keyClick(window->getViews().front(), Qt::Key_W, Qt::ControlModifier);
+    qobject_cast<QAbstractButton *>(tabs->tabBar()->tabButton(count / 2, QTabBar::RightSide))->click();
     QCOMPARE(answers.problem(), QString());
-    QCOMPARE(tabsOf(*window)->count(), 250);
-    QVERIFY(tabsOf(*window)->tabsClosable());
+    QCOMPARE(tabs->count(), count - 1);
+    QCOMPARE(tabs->indexOf(page), -1);
+    // The one that is in front now, and one that comes by itself, have theirs as well.
+    QVERIFY(tabs->tabBar()->tabButton(tabs->currentIndex(), QTabBar::RightSide));
+    window->addNodeGraphTab();
+    QVERIFY(tabs->tabsClosable());
+    QVERIFY(tabs->tabBar()->tabButton(count - 1, QTabBar::RightSide));
+}
+
+void tst_MainWindowManyTabs::closeButtonsKeptBackGoWithTheirTabs()
+{
+    open(400);
+    const QPointer<QAbstractButton> button =
+        window->getViews().back()->findChild<QAbstractButton *>(QString(), Qt::FindDirectChildrenOnly);
+    QVERIFY(button && !button->isVisible());
+    window->clearTabs();
+    flushDeferredDeletes();
+    QVERIFY(!button);
 }
 
 QTEST_MAIN(tst_MainWindowManyTabs)
