@@ -1,6 +1,9 @@
 #include "app/mainwindow.h"
 
-#include "app/tabsaside.h"
+#include "app/autosavefolder.h"
+#include "app/keyboardaccess.h"
+#include "app/scenedocument.h"
+#include "app/storytabs.h"
 #include "overviewer/overviewerscene.h"
 #include "overviewer/panelfitter.h"
 #include "overviewer/panelkeys.h"
@@ -10,8 +13,20 @@
 #include "ui_mainwindow.h"
 #include "view/nodegraphview.h"
 
+#include <QCloseEvent>
+#include <QDebug>
+#include <QDesktopServices>
+#include <QFileDialog>
 #include <QGraphicsView>
+#include <QMessageBox>
+#include <QPointer>
 #include <QTimer>
+#include <QUndoStack>
+#include <QUrl>
+
+namespace {
+constexpr QMessageBox::StandardButtons answers = QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+} // namespace
 
 // The collection sits in a library, where nothing registers it by itself. Must stand outside any namespace.
 static void registerResources() { Q_INIT_RESOURCE(fablegrid); }
@@ -22,12 +37,12 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent)
     ui = std::make_unique<Ui::MainWindow>();
     ui->setupUi(this);
     setupOverviewer();
+    tabs = std::make_unique<StoryTabs>(ui->Nodegraph, overviewerScene);
+    sceneDocument = std::make_unique<SceneDocument>(*tabs);
     addNodeGraphTab();
     connect(ui->AddNodeGraph_tool_button, &QAbstractButton::clicked, this, &MainWindow::addNodeGraphTab);
     connect(ui->Nodegraph, &QTabWidget::tabCloseRequested, this, &MainWindow::closeTab);
     connect(ui->Nodegraph, &QTabWidget::currentChanged, this, &MainWindow::currentTabChanged);
-    connect(ui->Nodegraph, &QTabWidget::currentChanged, ui->Nodegraph,
-            [tabs = ui->Nodegraph](int place) { TabsAside::bringCloseButton(*tabs, place); });
     connectCommands();
     startAutosave();
 }
@@ -59,48 +74,11 @@ void MainWindow::setupOverviewer()
     new PanelFitter(panel);
     new PanelPlace(panel);
     new PanelKeys(panel);
-    makeAccessible(panel);
+    new KeyboardAccess(this, *ui, panel);
     connect(panel, &QObject::destroyed, scene, [scene] { delete scene; });
 }
 
-void MainWindow::addNodeGraphTab()
-{
-    auto *view = new NodegraphView(nullptr);
-    view->setAccessibleName(tr("Graph of events"));
-    ui->Nodegraph->addTab(view, tr("Story %1").arg(views.size() + 1));
-    views.push_back(view);
-    ui->Nodegraph->setTabsClosable(true);
-
-    NodegraphScene *scene = view->nodegraphScene();
-    OverViewerScene *panel = overviewerScene;
-    showStoryOf(scene);
-    connect(scene, SIGNAL(s_updateNode(Node*)), panel, SLOT(sl_updatedNode(Node*)));
-    connect(panel, SIGNAL(s_nodeChanged(QGraphicsItem*,int)), scene,
-                          SLOT(sl_ovNodeChanged(QGraphicsItem*,int)));
-    connect(scene, SIGNAL(s_nodeIndexChanged(Node*,int)), panel, SLOT(sl_nodeIndexChanged(Node*,int)));
-    connect(scene, SIGNAL(s_importanceChanged(Node*,bool)), panel, SLOT(sl_importanceChanged(Node*,bool)));
-
-    // The view does not own its scene; here the two are tied together. The panel lets go of the nodes first.
-    connect(view, &QObject::destroyed, panel, [panel, scene] { panel->forgetScene(scene); });
-    connect(view, &QObject::destroyed, scene, [scene] { delete scene; });
-
-    if (view == currentView())
-        view->setFocus(); // the keys that go about the canvas work from the start
-}
-
-void MainWindow::showStoryOf(NodegraphScene *scene)
-{
-    connect(scene, SIGNAL(s_updateStory(std::vector<Node*>)), overviewerScene,
-                          SLOT(sl_recieveNodes(std::vector<Node*>)), Qt::UniqueConnection);
-}
-
-/// Emptying or filling a graph of n events changes its story several times n times. The panel, which is made
-/// anew each time, is shown the last one only.
-void MainWindow::hideStoryOf(NodegraphScene *scene)
-{
-    disconnect(scene, SIGNAL(s_updateStory(std::vector<Node*>)), overviewerScene,
-                             SLOT(sl_recieveNodes(std::vector<Node*>)));
-}
+void MainWindow::addNodeGraphTab() { tabs->add(); }
 
 void MainWindow::connectCommands()
 {
@@ -136,12 +114,209 @@ void MainWindow::startAutosave()
     timer->start(autosaveInterval);
 }
 
-NodegraphView *MainWindow::currentView() const
+QString MainWindow::getCurrentFilePath() const { return sceneDocument->path(); }
+
+const std::vector<NodegraphView *> &MainWindow::getViews() const { return tabs->views(); }
+
+void MainWindow::saveTo(const QString &path) { sceneDocument->saveTo(path); }
+
+void MainWindow::loadFrom(const QString &path) { sceneDocument->loadFrom(path); }
+
+void MainWindow::clearTabs() { sceneDocument->clear(); }
+
+void MainWindow::autosave() { AutosaveFolder::keep(*sceneDocument); }
+
+QString MainWindow::askForSavePath()
 {
-    return dynamic_cast<NodegraphView *>(ui->Nodegraph->currentWidget());
+    return QFileDialog::getSaveFileName(this, tr("Save Scene"), QString(), tr("Scene Files (*.scene)"));
 }
 
-NodegraphView *MainWindow::viewAt(int tabIndex) const
+void MainWindow::sl_saveFile()
 {
-    return dynamic_cast<NodegraphView *>(ui->Nodegraph->widget(tabIndex));
+    if (sceneDocument->path().isEmpty())
+        sl_saveAsFile();
+    else
+        saveTo(sceneDocument->path());
+}
+
+void MainWindow::sl_saveAsFile()
+{
+    const QString path = askForSavePath();
+    if (path.isEmpty())
+        return;
+    sceneDocument->setPath(path);
+    saveTo(path);
+}
+
+void MainWindow::sl_loadFile()
+{
+    const QString path =
+        QFileDialog::getOpenFileName(this, tr("Load Scene"), QString(), tr("Scene Files (*.scene)"));
+    if (!path.isEmpty())
+        loadFrom(path);
+}
+
+void MainWindow::closeTab(int index)
+{
+    if (ui->Nodegraph->count() == 1)
+        return;
+    const QPointer<NodegraphView> closing = tabs->at(index);
+    const auto answer = QMessageBox::question(
+        this, tr("Save Changes"),
+        tr("This tab has unsaved changes. Do you want to save them before closing?"), answers);
+    if (answer == QMessageBox::Cancel)
+        return;
+    if (answer == QMessageBox::Yes)
+        sl_saveFile();
+    if (closing)
+        tabs->close(closing);
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    const auto answer = QMessageBox::question(
+        this, tr("Save Changes"),
+        tr("The file has unsaved changes. Do you want to save them before closing?"), answers);
+    if (answer == QMessageBox::Yes)
+        sl_saveFile();
+    event->setAccepted(answer != QMessageBox::Cancel);
+}
+
+void MainWindow::addEventNode()
+{
+    if (NodegraphView *view = tabs->current()) {
+        qInfo() << "Undoing"; // the same line as for undo, and for a change of tabs
+        view->nodegraphScene()->sl_addEventNode();
+    }
+}
+
+void MainWindow::currentTabChanged(int)
+{
+    qInfo() << "Undoing";
+    if (NodegraphView *view = tabs->current())
+        view->nodegraphScene()->updateStory();
+}
+
+void MainWindow::sl_undo()
+{
+    if (NodegraphView *view = tabs->current()) {
+        qInfo() << "Undoing";
+        view->undoStack()->undo();
+    }
+}
+
+void MainWindow::sl_redo()
+{
+    if (NodegraphView *view = tabs->current()) {
+        qInfo() << "Redoing";
+        view->undoStack()->redo();
+    }
+}
+
+void MainWindow::sl_copy()
+{
+    qInfo() << "Copy";
+    if (NodegraphView *view = tabs->current())
+        view->nodegraphScene()->copyNodes();
+}
+
+void MainWindow::sl_cut()
+{
+    qInfo() << "cut";
+    if (NodegraphView *view = tabs->current())
+        view->nodegraphScene()->cutNodes();
+}
+
+void MainWindow::sl_paste()
+{
+    qInfo() << "paste";
+    if (NodegraphView *view = tabs->current())
+        view->nodegraphScene()->pasteNodes();
+}
+
+void MainWindow::sl_selectAll()
+{
+    if (NodegraphView *view = tabs->current())
+        view->nodegraphScene()->selectAll();
+}
+
+void MainWindow::sl_deselectAll()
+{
+    if (NodegraphView *view = tabs->current())
+        view->nodegraphScene()->deselectAll();
+}
+
+void MainWindow::sl_delete()
+{
+    NodegraphView *view = tabs->current();
+    if (!view)
+        return;
+    NodegraphScene *scene = view->nodegraphScene();
+    const bool many = scene->getSelectedNodes().size() > 1;
+    if (many)
+        tabs->hideStoryOf(scene);
+    scene->deleteSelectedNodes(nullptr);
+    if (many) {
+        tabs->showStoryOf(scene);
+        overviewerScene->sl_recieveNodes(scene->getStory());
+    }
+}
+
+void MainWindow::sl_setEndOfStory()
+{
+    if (NodegraphView *view = tabs->current())
+        view->nodegraphScene()->setEndOfStoryNode();
+}
+
+void MainWindow::sl_setAsImportant()
+{
+    if (NodegraphView *view = tabs->current())
+        view->nodegraphScene()->toggleImportance(nullptr);
+}
+
+void MainWindow::sl_frame()
+{
+    if (NodegraphView *view = tabs->current()) {
+        view->nodegraphScene()->frameSelectedNodes();
+        view->setZoomDivisor(1.0);
+    }
+}
+
+void MainWindow::zoomIn()
+{
+    qInfo() << "ZoomingIn";
+    if (NodegraphView *view = tabs->current()) {
+        view->scale(1.2, 1.2);
+        view->setZoomDivisor(1.0);
+    }
+}
+
+void MainWindow::zoomOut()
+{
+    if (NodegraphView *view = tabs->current()) {
+        view->scale(0.8, 0.8);
+        view->setZoomDivisor(1.0);
+    }
+}
+
+void MainWindow::zoom_50() { setZoom(0.5); }
+
+void MainWindow::zoom_100() { setZoom(1.0); }
+
+void MainWindow::zoom_200() { setZoom(2.0); }
+
+void MainWindow::setZoom(double scale)
+{
+    if (NodegraphView *view = tabs->current()) {
+        view->resetTransform();
+        view->scale(scale, scale);
+        view->setZoomDivisor(1.0);
+    }
+}
+
+void MainWindow::helpSupport()
+{
+    const QUrl page(QStringLiteral("https://" FABLEGRID_DOCUMENTATION_HOST "/documentation"));
+    QDesktopServices::openUrl(page);
+    qInfo() << "Opening Support page";
 }

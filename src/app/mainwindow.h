@@ -9,8 +9,8 @@
 class NodegraphScene;
 class NodegraphView;
 class OverViewerScene;
-class QFile;
-class QGraphicsView;
+class SceneDocument;
+class StoryTabs;
 
 namespace Ui {
 class MainWindow;
@@ -38,9 +38,9 @@ public:
     void loadFrom(const QString &path);
 
     /// The document's path, empty while it has none.
-    QString getCurrentFilePath() const { return currentFilePath; }
+    QString getCurrentFilePath() const;
     /// The tabs' views in the order of their creation, which is the order in which they are saved.
-    const std::vector<NodegraphView *> &getViews() const { return views; }
+    const std::vector<NodegraphView *> &getViews() const;
     /// The panel; lives as long as this window.
     OverViewerScene *getOverviewerScene() const { return overviewerScene; }
 
@@ -78,23 +78,13 @@ protected:
 private:
     void setupOverviewer();
     void connectCommands();
-    void makeAccessible(QGraphicsView *panel);
     void startAutosave();
-    /// The current tab's view, null when there is no tab.
-    NodegraphView *currentView() const;
-    NodegraphView *viewAt(int tabIndex) const;
-
-    void showStoryOf(NodegraphScene *scene);
-    void hideStoryOf(NodegraphScene *scene);
-
     QString askForSavePath();
-    QByteArray document() const;
-    void readDocument(QFile &file);
     void setZoom(double scale);
 
     OverViewerScene *overviewerScene = nullptr; // goes with the panel's view
-    QString currentFilePath;
     std::unique_ptr<Ui::MainWindow> ui;
-    std::vector<NodegraphView *> views; // not owned: the tab widget owns them
-    int autosaveInterval = 60000;       // milliseconds
+    std::unique_ptr<StoryTabs> tabs;
+    std::unique_ptr<SceneDocument> sceneDocument;
+    int autosaveInterval = 60000; // milliseconds
 };

@@ -7,8 +7,8 @@ class QTabWidget;
 /// Keeps a tab widget out of sight during its own lifetime if many tabs come or go in it: Qt lays all tabs
 /// out anew for each one, which takes minutes with a thousand. With few tabs it does nothing.
 ///
-/// Close buttons are laid out anew as well, for each one that comes. Of many tabs that come together each gets
-/// its own when it is brought to the front for the first time.
+/// Close buttons are laid out anew as well, for each one that comes. Of many tabs that come together each
+/// gets its own when it is brought to the front for the first time.
 class TabsAside
 {
 public:

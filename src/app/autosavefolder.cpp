@@ -1,0 +1,42 @@
+#include "app/autosavefolder.h"
+
+#include "app/durablefile.h"
+#include "app/scenedocument.h"
+
+#include <QDateTime>
+#include <QDebug>
+#include <QDir>
+#include <QStandardPaths>
+
+namespace {
+
+/// Where the next copy goes; makes the folder if there is none.
+QString pathOfNextCopy()
+{
+    const QString documents =
+        QDir::toNativeSeparators(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    const QString folder = QStringLiteral("Fablegrid/Autosavedir");
+    const QDir parent(documents);
+    if (!parent.exists(folder))
+        parent.mkpath(folder);
+    const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd_hhmmss"));
+    return documents + QLatin1Char('/') + folder + QDir::separator() + QStringLiteral("Yarnsmith_") + stamp +
+           QStringLiteral("_autosaveVersion.scene");
+}
+
+} // namespace
+
+void AutosaveFolder::keep(const SceneDocument &document)
+{
+    const QString path = pathOfNextCopy();
+    DurableFile file(path);
+    if (!file.open()) {
+        qWarning() << "Failed to open autosave file for writing:" << path;
+        return;
+    }
+    if (const QString trouble = file.replaceBy(document.bytes()); !trouble.isEmpty()) {
+        qWarning() << "Failed to write autosave file:" << path << trouble;
+        return;
+    }
+    qInfo() << "Autosaved scene to:" << path;
+}

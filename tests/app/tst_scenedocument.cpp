@@ -1,0 +1,96 @@
+#include "app/storystage.h"
+
+// Whatever can go wrong with files is tried through the window; here is what the document itself answers for.
+
+class tst_SceneDocument : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { failOnWarningsOfTheProgram(); }
+
+    void noTabsAreFourBytes();
+    void whatIsSavedIsOpened();
+    void openedFileBecomesTheDocument();
+    void savingElsewhereLeavesThePath();
+    void fileThatCannotBeOpenedChangesNothing();
+    void openingListsTheStoryOnce();
+
+private:
+    QString file(const char *name) const { return folder.filePath(QString::fromLatin1(name)); }
+
+    QTemporaryDir folder;
+};
+
+void tst_SceneDocument::noTabsAreFourBytes()
+{
+    const StoryStage stage;
+    QCOMPARE(stage.document.bytes(), QByteArray(4, '\0'));
+    QVERIFY(stage.document.path().isEmpty());
+}
+
+void tst_SceneDocument::whatIsSavedIsOpened()
+{
+    StoryStage stage;
+    stage.tabs.add(2);
+    addChain(stage.scene(0), 3);
+    addChain(stage.scene(1), 1);
+    const QByteArray bytes = stage.document.bytes();
+    stage.document.saveTo(file("two.scene"));
+    QCOMPARE(readFile(file("two.scene")), bytes);
+    stage.document.clear();
+    QCOMPARE(stage.document.bytes(), QByteArray(4, '\0'));
+    stage.document.loadFrom(file("two.scene"));
+    QCOMPARE(stage.tabs.views().size(), std::size_t(2));
+    QCOMPARE(stage.document.bytes().toHex(), bytes.toHex());
+}
+
+void tst_SceneDocument::openedFileBecomesTheDocument()
+{
+    StoryStage stage;
+    stage.document.setPath(file("former.scene"));
+    writeFile(file("opened.scene"), documentBytes({{}}));
+    stage.document.loadFrom(file("opened.scene"));
+    QCOMPARE(stage.document.path(), file("opened.scene"));
+    stage.document.clear();
+    QVERIFY(stage.document.path().isEmpty());
+}
+
+void tst_SceneDocument::savingElsewhereLeavesThePath()
+{
+    StoryStage stage;
+    stage.document.setPath(file("here.scene"));
+    stage.document.saveTo(file("there.scene"));
+    QCOMPARE(stage.document.path(), file("here.scene"));
+    QVERIFY(QFile::exists(file("there.scene")));
+    QVERIFY(!QFile::exists(file("here.scene")));
+}
+
+void tst_SceneDocument::fileThatCannotBeOpenedChangesNothing()
+{
+    StoryStage stage;
+    stage.tabs.add();
+    addChain(stage.scene(0), 2);
+    stage.document.setPath(file("here.scene"));
+    const QByteArray bytes = stage.document.bytes();
+    QTest::ignoreMessage(QtWarningMsg, "Couldn't open file for reading.");
+    stage.document.loadFrom(file("nowhere.scene"));
+    QCOMPARE(stage.document.bytes(), bytes);
+    QCOMPARE(stage.document.path(), file("here.scene"));
+}
+
+void tst_SceneDocument::openingListsTheStoryOnce()
+{
+    StoryStage stage;
+    stage.tabs.add();
+    addChain(stage.scene(0), 50);
+    stage.document.saveTo(file("long.scene"));
+    LogCapture log;
+    stage.document.loadFrom(file("long.scene"));
+    QCOMPARE(stage.panel.getOvNodes().size(), std::size_t(50));
+    // Once for the emptied document, once for the opened one.
+    QCOMPARE(log.lines().filter(QStringLiteral("No of ovnodes now")).size(), 2);
+}
+
+QTEST_MAIN(tst_SceneDocument)
+#include "tst_scenedocument.moc"

@@ -1,0 +1,119 @@
+#include "app/storystage.h"
+
+class tst_StoryTabs : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { failOnWarningsOfTheProgram(); }
+
+    void tabsAreNumberedByHowManyThereAre();
+    void viewsKeepTheOrderOfTheirCreation();
+    void closedTabIsTakenAwayByItsView();
+    void closingTheOneInFrontShowsTheNextStory();
+    void closingAllEmptiesBarAndPanel();
+    void hiddenStoryIsNotListed();
+    void panelsEditsReachEveryTab();
+};
+
+void tst_StoryTabs::tabsAreNumberedByHowManyThereAre()
+{
+    StoryStage stage;
+    QVERIFY(!stage.tabs.current());
+    QVERIFY(!stage.tabs.at(0));
+    stage.tabs.add(3);
+    QCOMPARE(stage.bar->tabText(2), QStringLiteral("Story 3"));
+    QCOMPARE(stage.bar->currentIndex(), 0);
+    QCOMPARE(stage.tabs.current(), stage.tabs.views().front());
+    stage.tabs.close(stage.tabs.at(0));
+    stage.tabs.add();
+    QCOMPARE(stage.bar->tabText(1), QStringLiteral("Story 3"));
+    QCOMPARE(stage.bar->tabText(2), QStringLiteral("Story 3"));
+    QVERIFY(stage.bar->tabsClosable());
+}
+
+void tst_StoryTabs::viewsKeepTheOrderOfTheirCreation()
+{
+    StoryStage stage;
+    stage.tabs.add(3);
+    const std::vector<NodegraphView *> made = stage.tabs.views();
+    stage.bar->tabBar()->moveTab(0, 2);
+    QCOMPARE(stage.tabs.views(), made);
+    QCOMPARE(stage.tabs.at(2), made.at(0));
+    QCOMPARE(stage.tabs.at(0), made.at(1));
+}
+
+void tst_StoryTabs::closedTabIsTakenAwayByItsView()
+{
+    StoryStage stage;
+    stage.tabs.add(3);
+    stage.bar->tabBar()->moveTab(0, 2);
+    const QPointer<NodegraphView> closed = stage.tabs.at(2);
+    const QPointer<NodegraphScene> itsScene = closed->nodegraphScene();
+    stage.tabs.close(closed);
+    QCOMPARE(stage.tabs.views().size(), std::size_t(2));
+    QCOMPARE(stage.bar->indexOf(closed), -1);
+    QVERIFY(closed); // its own button may have been pressed
+    flushDeferredDeletes();
+    QVERIFY(!closed);
+    QVERIFY(!itsScene);
+}
+
+void tst_StoryTabs::closingTheOneInFrontShowsTheNextStory()
+{
+    StoryStage stage;
+    stage.tabs.add(2);
+    addChain(stage.scene(0), 1);
+    addChain(stage.scene(1), 3);
+    stage.scene(0).updateStory();
+    QCOMPARE(stage.panel.getOvNodes().size(), std::size_t(1));
+    stage.tabs.close(stage.tabs.current());
+    QCOMPARE(stage.panel.getOvNodes().size(), std::size_t(3));
+}
+
+void tst_StoryTabs::closingAllEmptiesBarAndPanel()
+{
+    StoryStage stage;
+    stage.tabs.add(2);
+    addChain(stage.scene(1), 3);
+    QCOMPARE(stage.panel.getOvNodes().size(), std::size_t(3));
+    const QPointer<NodegraphView> view = stage.tabs.views().back();
+    stage.tabs.closeAll();
+    QVERIFY(stage.tabs.views().empty());
+    QCOMPARE(stage.bar->count(), 0);
+    QVERIFY(stage.panel.getOvNodes().empty());
+    QVERIFY(!view);
+    QVERIFY(!stage.tabs.current());
+}
+
+void tst_StoryTabs::hiddenStoryIsNotListed()
+{
+    StoryStage stage;
+    stage.tabs.add();
+    stage.tabs.hideStoryOf(&stage.scene(0));
+    addChain(stage.scene(0), 2);
+    QVERIFY(stage.panel.getOvNodes().empty());
+    stage.tabs.showStoryOf(&stage.scene(0));
+    stage.tabs.showStoryOf(&stage.scene(0)); // told once all the same
+    LogCapture log;
+    stage.scene(0).updateStory();
+    QCOMPARE(log.lines().filter(QStringLiteral("No of ovnodes now")).size(), 1);
+    QCOMPARE(stage.panel.getOvNodes().size(), std::size_t(2));
+}
+
+// By the number of the event, whichever tab is in front.
+void tst_StoryTabs::panelsEditsReachEveryTab()
+{
+    StoryStage stage;
+    stage.tabs.add(2);
+    const std::vector<Node *> first = addChain(stage.scene(0), 1);
+    const std::vector<Node *> second = addChain(stage.scene(1), 1);
+    auto *entry = dynamic_cast<EventData *>(stage.panel.getOvNodes().front()->getEventData());
+    entry->setDescription(QStringLiteral("Low water"));
+    emit stage.panel.s_nodeChanged(entry, 0);
+    QCOMPARE(first.front()->getData()->eventContent()->getDescription(), QStringLiteral("Low water"));
+    QCOMPARE(second.front()->getData()->eventContent()->getDescription(), QStringLiteral("Low water"));
+}
+
+QTEST_MAIN(tst_StoryTabs)
+#include "tst_storytabs.moc"
