@@ -2,7 +2,6 @@
 
 #include "commands/addnodecommand.h"
 #include "items/nodedata.h"
-#include "scene/massremoval.h"
 #include "scene/textfocus.h"
 #include "scene/viewroom.h"
 
@@ -39,14 +38,17 @@ NodegraphScene::NodegraphScene()
 NodegraphScene::~NodegraphScene()
 {
     // The base would take the items out from the front.
-    massRemovals = 1;
+    std::vector<QGraphicsItem *> all;
     for (Node *node : nodes) {
-        takeOut(node);
+        all.push_back(node);
         if (ConnectionLine *line = node->getInLine())
-            takeOut(line);
+            all.push_back(line);
     }
-    const std::vector<QGraphicsItem *> all = leaving;
-    takeOutLeaving();
+    {
+        const MassRemoval::Together together(removal);
+        for (QGraphicsItem *item : all)
+            removal.takeOut(item);
+    }
     qDeleteAll(all);
 }
 
@@ -129,7 +131,7 @@ Node *NodegraphScene::buildNode(QPointF pos, int index, int type, const NodeData
                                 TextMaking making)
 {
     auto *node = new Node(type, making);
-    bringIn(node);
+    removal.bringIn(node);
     wireNode(node);
     node->placeAt(pos);
     if (!name.isEmpty())
@@ -254,7 +256,7 @@ void NodegraphScene::handOut(std::unique_ptr<QUndoCommand> command)
 
 void NodegraphScene::removeAllNodes()
 {
-    const MassRemoval together(*this);
+    const MassRemoval::Together together(removal);
     const std::vector<Node *> all = nodes;
     for (Node *node : all) {
         if (!isMember(node)) // the first deletion takes the whole selection with it

@@ -4,11 +4,11 @@
 #include "items/node.h"
 #include "items/socket.h"
 #include "scene/canvasdetail.h"
+#include "scene/massremoval.h"
 #include "scene/nodeindexmap.h"
 
 #include <QColor>
 #include <QGraphicsScene>
-#include <QHash>
 
 #include <map>
 #include <memory>
@@ -128,11 +128,6 @@ protected:
     void focusInEvent(QFocusEvent *event) override;
 
 private:
-    class MassRemoval;
-
-    void bringIn(QGraphicsItem *item);
-    void takeOut(QGraphicsItem *item);
-    void takeOutLeaving();
     Node *buildNode(QPointF pos, int index, int type, const NodeData *data, const QString &name,
                     TextMaking making = TextMaking::atOnce);
     void wireNode(Node *node);
@@ -193,10 +188,7 @@ private:
     Node *endOfStoryNode_ = nullptr;
 
     NodeIndexMap nodesByIndex;
-    QHash<const QGraphicsItem *, quint64> arrivals; // when nodes and lines came, for leaving in reverse
-    quint64 nextArrival = 0;
-    std::vector<QGraphicsItem *> leaving; // taken out at the end of a mass removal
-    int massRemovals = 0;
+    MassRemoval removal{*this};
     CanvasDetail detail;
     bool mouseSeen = false; // lastMousePos means something
 };

@@ -2,7 +2,6 @@
 
 #include "commands/addnodecommand.h"
 #include "items/nodedata.h"
-#include "scene/massremoval.h"
 #include "scene/textfocus.h"
 #include "scene/viewroom.h"
 
@@ -187,7 +186,7 @@ Node *NodegraphScene::endAfterPaste(Node *formerEnd, const std::vector<Node *> &
 /// The first deletion takes a whole selection with it, so a source may already be gone, or may stay.
 void NodegraphScene::deleteSources(const std::vector<Node *> &sources)
 {
-    const MassRemoval together(*this);
+    const MassRemoval::Together together(removal);
     for (Node *source : sources) {
         if (isMember(source))
             deleteSelectedNodes(source);

@@ -52,7 +52,7 @@ void NodegraphScene::connectNodes(Node *downstream, Node *upstream)
 
     auto *line =
         new ConnectionLine(downstream->getInSocket()->sceneCentre(), upstream->getOutSocket()->sceneCentre());
-    bringIn(line);
+    removal.bringIn(line);
     wireLine(line, downstream, upstream);
     downstream->setPrevIndex(upstream->getIndex());
     updateStory();
@@ -103,7 +103,7 @@ void NodegraphScene::removeInputLine(Node *node)
         if (auto *upstream = dynamic_cast<Node *>(socket->parentItem()))
             upstream->disconnect(line);
     }
-    takeOut(line);
+    removal.takeOut(line);
     line->deleteLater();
 }
 

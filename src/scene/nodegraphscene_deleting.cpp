@@ -1,11 +1,8 @@
 #include "scene/nodegraphscene.h"
 
 #include "commands/delnodecommand.h"
-#include "items/newitems.h"
-#include "scene/massremoval.h"
 
 #include <QDebug>
-#include <QPointer>
 
 #include <algorithm>
 
@@ -21,7 +18,7 @@ void NodegraphScene::deleteSelectedNodes(Node *node)
         pushDelNodeCommand(node);
         return;
     }
-    const MassRemoval together(*this);
+    const MassRemoval::Together together(removal);
     const std::vector<Node *> selection = selectedNodes;
     for (Node *selected : selection) {
         if (isMember(selected))
@@ -50,7 +47,7 @@ void NodegraphScene::deleteNode(Node *node)
     qInfo() << "Deleted node " << node->getIndex();
     forgetNode(node);
     node->disconnect(this);
-    takeOut(node);
+    removal.takeOut(node);
     node->deleteLater(); // its own press or key may have led here
     updateStory();
 }
@@ -71,33 +68,4 @@ void NodegraphScene::forgetNode(Node *node)
         endOfStoryNode_ = nullptr;
     if (dragSocket && dragSocket->parentItem() == node)
         endDrag();
-}
-
-void NodegraphScene::bringIn(QGraphicsItem *item)
-{
-    addItem(item);
-    arrivals.insert(item, nextArrival++);
-}
-
-void NodegraphScene::takeOut(QGraphicsItem *item)
-{
-    if (massRemovals > 0) {
-        leaving.push_back(item);
-        return;
-    }
-    arrivals.remove(item);
-    removeItem(item);
-}
-
-void NodegraphScene::takeOutLeaving()
-{
-    takeInNewItems(*this);
-    std::sort(leaving.begin(), leaving.end(), [this](const QGraphicsItem *a, const QGraphicsItem *b) {
-        return arrivals.value(a) > arrivals.value(b);
-    });
-    for (QGraphicsItem *item : leaving) {
-        arrivals.remove(item);
-        removeItem(item);
-    }
-    leaving.clear();
 }

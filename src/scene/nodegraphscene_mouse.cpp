@@ -53,8 +53,8 @@ void NodegraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
         selectionRect->setZValue(rubberBandZ);
         selectInRubberBand();
     }
-    // The framework repaints for a band or line only where it is and was in the view, and reckons that in whole
-    // numbers: at the scale of a damaged file's places it reckons wrongly.
+    // The framework repaints for a band or line only where it is and was in the view, and reckons that in
+    // whole numbers: at the scale of a damaged file's places it reckons wrongly.
     if (rubberBandActive || dragLine)
         update();
     for (Node *node : selectedNodes) {
