@@ -173,7 +173,7 @@ void NodegraphScene::attachToCurrentNode(Node *newNode)
         const double x = current->scenePos().x() + current->boundingRect().width() + attachGap;
         newNode->setPos(std::trunc(x), std::trunc(current->scenePos().y()));
         connectNodes(newNode, current);
-        if (current == endOfStoryNode_)
+        if (current == story.end())
             setEndOfStory(newNode);
         current->setSelected(false);
         setCurrentNode(newNode);

@@ -6,6 +6,7 @@
 #include "scene/canvasdetail.h"
 #include "scene/massremoval.h"
 #include "scene/nodeindexmap.h"
+#include "scene/storychain.h"
 
 #include <QColor>
 #include <QGraphicsScene>
@@ -41,11 +42,11 @@ public:
     /// What select all and the rubber band have collected; not the items' own selected state.
     const std::vector<Node *> &getSelectedNodes() const { return selectedNodes; }
     /// The chain from the first event to the end of the story.
-    const std::vector<Node *> &getStory() const;
+    const std::vector<Node *> &getStory() const { return story.nodes(); }
     /// The node that last reported itself pressed, null when there is none.
     Node *currentNode() const { return currentNode_; }
     /// The node that carries the mark, null when there is none.
-    Node *endOfStoryNode() const { return endOfStoryNode_; }
+    Node *endOfStoryNode() const { return story.end(); }
 
     /// Makes a node for the user: places it behind the current node, if there is one, connects it there and
     /// hands it the end-of-story mark. A taken index is replaced by the next free one from the counter. The
@@ -171,8 +172,7 @@ private:
     std::vector<Node *> nodes;
     std::vector<Node *> selectedNodes;
     std::vector<Node *> clipboardNodes;
-    mutable std::vector<Node *> story; // computed when somebody asks
-    mutable bool storyIsKnown = true;
+    StoryChain story;
     QColor backgroundColor;
     QColor selectionColor;
     QPointF lastMousePos;
@@ -185,7 +185,6 @@ private:
     bool cutPending = false;
     QGraphicsRectItem *selectionRect = nullptr;
     QPointF rubberBandOrigin;
-    Node *endOfStoryNode_ = nullptr;
 
     NodeIndexMap nodesByIndex;
     MassRemoval removal{*this};

@@ -85,7 +85,7 @@ void NodegraphScene::pasteNodes()
     qInfo() << "Pasting";
 
     const std::vector<Node *> sources = clipboardNodes;
-    Node *end = endOfStoryNode_; // before the duplicates attach themselves and take the mark along
+    Node *end = story.end(); // before the duplicates attach themselves and take the mark along
     Duplicates duplicates;
     for (Node *source : sources) {
         qInfo() << "Pasting node " << source->getIndex();
@@ -98,7 +98,7 @@ void NodegraphScene::pasteNodes()
         duplicates[source] = duplicate;
     }
     connectDuplicates(sources, duplicates);
-    if (Node *newEnd = endAfterPaste(end, sources, duplicates); newEnd && newEnd != endOfStoryNode_)
+    if (Node *newEnd = endAfterPaste(end, sources, duplicates); newEnd && newEnd != story.end())
         setEndOfStory(newEnd);
     deleteSources(sources);
     showPasted(sources, duplicates);
@@ -160,7 +160,7 @@ Node *NodegraphScene::endAfterPaste(Node *formerEnd, const std::vector<Node *> &
 {
     if (const auto found = duplicates.find(formerEnd); found != duplicates.end())
         return found->second;
-    if (!formerEnd || formerEnd == endOfStoryNode_)
+    if (!formerEnd || formerEnd == story.end())
         return formerEnd;
     std::set<const Node *> pasted;
     for (const auto &[source, duplicate] : duplicates)

@@ -37,8 +37,7 @@ void NodegraphScene::deleteNode(Node *node)
 {
     if (!node)
         return;
-    if (node == endOfStoryNode_)
-        endOfStoryNode_ = nullptr; // before the neighbours go, so that no story with this node is published
+    story.forget(node); // before the neighbours go, so that no story with this node is published
     const std::vector<Node *> downstream = node->nextNodes();
     for (Node *next : downstream)
         disconnectNode(next);
@@ -55,7 +54,6 @@ void NodegraphScene::deleteNode(Node *node)
 /// The one place where a dying node leaves everything that the scene remembers.
 void NodegraphScene::forgetNode(Node *node)
 {
-    storyIsKnown = false;
     for (std::vector<Node *> *list : {&nodes, &selectedNodes, &clipboardNodes}) {
         const auto found = std::find(list->begin(), list->end(), node);
         if (found != list->end())
@@ -64,8 +62,7 @@ void NodegraphScene::forgetNode(Node *node)
     nodesByIndex.remove(node);
     if (currentNode_ == node)
         setCurrentNode(nullptr);
-    if (endOfStoryNode_ == node)
-        endOfStoryNode_ = nullptr;
+    story.forget(node);
     if (dragSocket && dragSocket->parentItem() == node)
         endDrag();
 }

@@ -10,26 +10,13 @@
 
 void NodegraphScene::updateStory()
 {
-    storyIsKnown = false;
-    if (!endOfStoryNode_)
+    story.change();
+    if (!story.end())
         qInfo() << "No storyNode";
     // Emptying a graph changes its story with every event; if nobody listens it need not be known each time.
     static const QMetaMethod published = QMetaMethod::fromSignal(&NodegraphScene::s_updateStory);
     if (isSignalConnected(published))
         emit s_updateStory(getStory());
-}
-
-const std::vector<Node *> &NodegraphScene::getStory() const
-{
-    if (storyIsKnown)
-        return story;
-    storyIsKnown = true;
-    story.clear();
-    // No connection can close a cycle, so the walk ends.
-    for (Node *node = endOfStoryNode_; node; node = node->hasInput() ? node->prevNode() : nullptr)
-        story.push_back(node);
-    std::reverse(story.begin(), story.end());
-    return story;
 }
 
 void NodegraphScene::setEndOfStoryNode()
@@ -40,10 +27,7 @@ void NodegraphScene::setEndOfStoryNode()
 
 void NodegraphScene::setEndOfStory(Node *node)
 {
-    if (endOfStoryNode_)
-        endOfStoryNode_->setIsEndOfStory(false);
-    node->setIsEndOfStory(true);
-    endOfStoryNode_ = node;
+    story.setEnd(node);
     updateStory();
 }
 
