@@ -25,6 +25,7 @@ constexpr double attachGap = 100.0;
 } // namespace
 
 NodegraphScene::NodegraphScene()
+    : handOut([this](std::unique_ptr<QUndoCommand> command) { emitCommand(std::move(command)); })
 {
     qRegisterMetaType<std::vector<Node *>>("std::vector<Node*>");
     backgroundColor = QColor::fromString(QLatin1String("#606060"));
@@ -247,7 +248,7 @@ void NodegraphScene::sl_importanceChanged(Node *node, bool isImportant)
 }
 
 /// Passes an edit on to whoever runs it; without a listener it is dropped, for nobody would free it.
-void NodegraphScene::handOut(std::unique_ptr<QUndoCommand> command)
+void NodegraphScene::emitCommand(std::unique_ptr<QUndoCommand> command)
 {
     static const QMetaMethod added = QMetaMethod::fromSignal(&NodegraphScene::s_UndoCommandAdded);
     if (isSignalConnected(added))
@@ -274,7 +275,7 @@ void NodegraphScene::clear()
     selectedNodes.clear();
     selectionRect->setRect(QRectF());
     selectInRubberBand();
-    endDrag();
+    drag.end();
     rubberBandActive = false;
     nodeCounter = 0;
     setCurrentNode(nullptr);

@@ -4,6 +4,8 @@
 #include "items/node.h"
 #include "items/socket.h"
 #include "scene/canvasdetail.h"
+#include "scene/connectiondrag.h"
+#include "scene/handout.h"
 #include "scene/massremoval.h"
 #include "scene/nodeindexmap.h"
 #include "scene/storychain.h"
@@ -141,16 +143,12 @@ private:
     QPointF pointerPosition() const;
     void showInViews(const QRectF &area) const;
 
-    void handOut(std::unique_ptr<QUndoCommand> command);
+    void emitCommand(std::unique_ptr<QUndoCommand> command);
     void pushDelNodeCommand(Node *node);
-    void pushDisconnectCommand(const Node *node);
     void wireLine(ConnectionLine *line, Node *downstream, Node *upstream);
     void removeInputLine(Node *node);
 
     QGraphicsItem *itemUnder(const QGraphicsSceneMouseEvent &event) const;
-    void beginDrag(const QPointF &start, const QPointF &end, Socket *source);
-    void removeDragLine();
-    void endDrag();
     void selectInRubberBand();
     void settleMovedLines();
 
@@ -169,6 +167,8 @@ private:
     void showPasted(const std::vector<Node *> &sources, const Duplicates &duplicates) const;
     void deleteSources(const std::vector<Node *> &sources);
 
+    const HandOut handOut; // given to whoever makes edits in the scene's name
+
     std::vector<Node *> nodes;
     std::vector<Node *> selectedNodes;
     std::vector<Node *> clipboardNodes;
@@ -176,10 +176,7 @@ private:
     QColor backgroundColor;
     QColor selectionColor;
     QPointF lastMousePos;
-    Socket *dragSocket = nullptr;
-    ConnectionLine *dragLine = nullptr;
     Node *currentNode_ = nullptr;
-    bool lineDragActive = false;
     int nodeCounter = 0; // nodes wired since the last clear(); the source of new indices
     bool rubberBandActive = false;
     bool cutPending = false;
@@ -188,6 +185,7 @@ private:
 
     NodeIndexMap nodesByIndex;
     MassRemoval removal{*this};
+    ConnectionDrag drag{*this, handOut};
     CanvasDetail detail;
     bool mouseSeen = false; // lastMousePos means something
 };

@@ -1,7 +1,5 @@
 #include "scene/nodegraphscene.h"
 
-#include "commands/disconnectnodecommand.h"
-
 #include <QDebug>
 
 namespace {
@@ -105,9 +103,4 @@ void NodegraphScene::removeInputLine(Node *node)
     }
     removal.takeOut(line);
     line->deleteLater();
-}
-
-void NodegraphScene::pushDisconnectCommand(const Node *node)
-{
-    handOut(std::make_unique<DisconnectNodeCommand>(this, node->getIndex(), node->getPrevIndex()));
 }

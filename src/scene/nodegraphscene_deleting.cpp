@@ -63,6 +63,5 @@ void NodegraphScene::forgetNode(Node *node)
     if (currentNode_ == node)
         setCurrentNode(nullptr);
     story.forget(node);
-    if (dragSocket && dragSocket->parentItem() == node)
-        endDrag();
+    drag.forget(node);
 }

@@ -1,7 +1,5 @@
 #include "scene/nodegraphscene.h"
 
-#include "commands/connectnodescommand.h"
-
 #include <QGraphicsRectItem>
 #include <QGraphicsSceneMouseEvent>
 #include <QGraphicsView>
@@ -25,14 +23,11 @@ bool isTouched(const Node &node, const QRectF &band)
     return node.collidesWithPath(path);
 }
 
-/// The node a socket sits on, null if there is none.
-Node *nodeOf(const Socket *socket) { return socket ? dynamic_cast<Node *>(socket->parentItem()) : nullptr; }
-
 } // namespace
 
 void NodegraphScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
 {
-    endDrag(); // a second button during a drag leaves nothing of the first behind
+    drag.end(); // a second button during a drag leaves nothing of the first behind
     setCurrentNode(nullptr);
     if (event->button() == Qt::LeftButton) {
         rubberBandActive = !itemUnder(*event);
@@ -46,8 +41,8 @@ void NodegraphScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
 
 void NodegraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
 {
-    if (lineDragActive && dragLine)
-        dragLine->sl_setStart(lastMousePos);
+    if (drag.isByLine())
+        drag.moveTo(lastMousePos);
     if (rubberBandActive) {
         selectionRect->setRect(QRectF(rubberBandOrigin, event->scenePos()).normalized());
         selectionRect->setZValue(rubberBandZ);
@@ -55,7 +50,7 @@ void NodegraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
     }
     // The framework repaints for a band or line only where it is and was in the view, and reckons that in
     // whole numbers: at the scale of a damaged file's places it reckons wrongly.
-    if (rubberBandActive || dragLine)
+    if (rubberBandActive || drag.hasLine())
         update();
     for (Node *node : selectedNodes) {
         emit node->s_inSocketMove(node->getInSocket()->sceneCentre());
@@ -66,10 +61,10 @@ void NodegraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
 
 void NodegraphScene::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
 {
-    removeDragLine(); // first, so that it cannot be what lies under the mouse
+    drag.removeLine(); // first, so that it cannot be what lies under the mouse
     if (auto *socket = dynamic_cast<Socket *>(itemUnder(*event)))
         sl_manualNodeConnect(socket);
-    endDrag();
+    drag.end();
     rubberBandActive = false;
     selectionRect->setRect(QRectF());
     update(); // after a scroll or a zoom in its midst, the framework does not know where the band was painted
@@ -119,76 +114,15 @@ void NodegraphScene::selectInRubberBand()
 
 void NodegraphScene::sl_socketClick(int type, QPointF pos)
 {
-    auto *node = qobject_cast<Node *>(sender());
-    if (!node)
-        return;
-    if (type != SocketType::input) {
-        beginDrag(node->getInSocket()->sceneCentre(), pos, node->getOutSocket());
-        return;
-    }
-    if (node->hasInput())
-        pushDisconnectCommand(node);
-    beginDrag(node->getOutSocket()->sceneCentre(), pos, node->getInSocket());
+    if (const auto *node = qobject_cast<Node *>(sender()))
+        drag.pressSocket(*node, type, pos);
 }
 
-void NodegraphScene::sl_socketClickDrag()
-{
-    if (dragLine)
-        dragLine->sl_setStart(lastMousePos);
-}
+void NodegraphScene::sl_socketClickDrag() { drag.moveTo(lastMousePos); }
 
 void NodegraphScene::sl_connectionLineClicked(ConnectionLine *line, int type)
 {
-    Socket *input = line->inputSocket();
-    Socket *output = line->outputSocket();
-    const Node *fed = nodeOf(input);
-    if (fed && fed->hasInput())
-        pushDisconnectCommand(fed);
-    Socket *stays = type != SocketType::input ? input : output;
-    if (!stays)
-        return;
-    beginDrag(lastMousePos, stays->sceneCentre(), stays);
-    lineDragActive = true;
+    drag.grabLine(*line, type, lastMousePos);
 }
 
-/// Starts a new connection from `source`; whatever was being dragged is dropped.
-void NodegraphScene::beginDrag(const QPointF &start, const QPointF &end, Socket *source)
-{
-    endDrag();
-    dragLine = new ConnectionLine(start, end);
-    dragLine->setAcceptedMouseButtons(Qt::NoButton);
-    addItem(dragLine);
-    dragSocket = source;
-}
-
-void NodegraphScene::removeDragLine()
-{
-    if (dragLine) {
-        removeItem(dragLine);
-        delete dragLine; // it never takes a press, so no event handler of its own can be running
-        dragLine = nullptr;
-    }
-    lineDragActive = false;
-}
-
-void NodegraphScene::endDrag()
-{
-    removeDragLine();
-    dragSocket = nullptr;
-}
-
-void NodegraphScene::sl_manualNodeConnect(Socket *target)
-{
-    const Socket *source = dragSocket;
-    dragSocket = nullptr;
-    const Node *sourceNode = nodeOf(source);
-    const Node *targetNode = nodeOf(target);
-    if (!sourceNode || !targetNode || sourceNode == targetNode || source->getType() == target->getType())
-        return;
-    const bool fromOutput = source->getType() == SocketType::output;
-    const Node *downstream = fromOutput ? targetNode : sourceNode;
-    const Node *upstream = fromOutput ? sourceNode : targetNode;
-    if (wouldCloseCycle(downstream, upstream))
-        return;
-    handOut(std::make_unique<ConnectNodesCommand>(this, downstream->getIndex(), upstream->getIndex()));
-}
+void NodegraphScene::sl_manualNodeConnect(Socket *socket) { drag.dropOn(socket); }
