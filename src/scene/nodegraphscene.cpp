@@ -5,35 +5,37 @@
 #include "scene/textfocus.h"
 #include "scene/viewroom.h"
 
-#include <QBrush>
 #include <QDebug>
 #include <QFocusEvent>
-#include <QGraphicsRectItem>
 #include <QGraphicsView>
 #include <QMetaMethod>
 #include <QPainter>
-#include <QPointer>
 
 #include <cmath>
 
 namespace {
 
 constexpr double canvasSize = 99999;
-constexpr int veilAlpha = 28;
 constexpr double attachGap = 100.0;
+
+QColor backgroundColour() { return QColor::fromString(QLatin1String("#606060")); }
+
+QColor veilColour()
+{
+    QColor colour = QColor::fromString(QLatin1String("#FFFFFF"));
+    colour.setAlpha(28);
+    return colour;
+}
 
 } // namespace
 
 NodegraphScene::NodegraphScene()
-    : handOut([this](std::unique_ptr<QUndoCommand> command) { emitCommand(std::move(command)); })
+    : handOut([this](std::unique_ptr<QUndoCommand> command) { emitCommand(std::move(command)); }),
+      band(*this, veilColour())
 {
     qRegisterMetaType<std::vector<Node *>>("std::vector<Node*>");
-    backgroundColor = QColor::fromString(QLatin1String("#606060"));
-    selectionColor = QColor::fromString(QLatin1String("#FFFFFF"));
-    selectionColor.setAlpha(veilAlpha);
-    setBackgroundBrush(backgroundColor);
+    setBackgroundBrush(backgroundColour());
     setSceneRect(QRectF(0, 0, canvasSize, canvasSize));
-    createSelectionRect();
 }
 
 NodegraphScene::~NodegraphScene()
@@ -51,14 +53,6 @@ NodegraphScene::~NodegraphScene()
             removal.takeOut(item);
     }
     qDeleteAll(all);
-}
-
-void NodegraphScene::createSelectionRect()
-{
-    selectionRect = addRect(QRectF(), Qt::NoPen, QBrush());
-    selectionRect->setBrush(selectionColor);
-    // A veil over the nodes that answers nothing: presses go through to what lies below.
-    selectionRect->setAcceptedMouseButtons(Qt::NoButton);
 }
 
 // The items are painted after this. Only the frames of the view count: a picture that is painted for
@@ -273,12 +267,10 @@ void NodegraphScene::clear()
 {
     removeAllNodes();
     selectedNodes.clear();
-    selectionRect->setRect(QRectF());
-    selectInRubberBand();
+    band.end();
     drag.end();
-    rubberBandActive = false;
     nodeCounter = 0;
     setCurrentNode(nullptr);
     QGraphicsScene::clear();
-    createSelectionRect();
+    band.renew();
 }

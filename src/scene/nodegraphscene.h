@@ -8,9 +8,9 @@
 #include "scene/handout.h"
 #include "scene/massremoval.h"
 #include "scene/nodeindexmap.h"
+#include "scene/rubberband.h"
 #include "scene/storychain.h"
 
-#include <QColor>
 #include <QGraphicsScene>
 
 #include <map>
@@ -19,7 +19,6 @@
 
 class NodeData;
 class QDataStream;
-class QGraphicsRectItem;
 class QUndoCommand;
 
 Q_MOC_INCLUDE(<QUndoCommand>)
@@ -138,7 +137,6 @@ private:
     void attachToCurrentNode(Node *newNode);
     void setCurrentNode(Node *node);
     void forgetNode(Node *node);
-    void createSelectionRect();
     void removeAllNodes();
     QPointF pointerPosition() const;
     void showInViews(const QRectF &area) const;
@@ -149,7 +147,6 @@ private:
     void removeInputLine(Node *node);
 
     QGraphicsItem *itemUnder(const QGraphicsSceneMouseEvent &event) const;
-    void selectInRubberBand();
     void settleMovedLines();
 
     std::vector<Node *> readRecords(QDataStream &stream, int count);
@@ -173,19 +170,15 @@ private:
     std::vector<Node *> selectedNodes;
     std::vector<Node *> clipboardNodes;
     StoryChain story;
-    QColor backgroundColor;
-    QColor selectionColor;
     QPointF lastMousePos;
     Node *currentNode_ = nullptr;
     int nodeCounter = 0; // nodes wired since the last clear(); the source of new indices
-    bool rubberBandActive = false;
     bool cutPending = false;
-    QGraphicsRectItem *selectionRect = nullptr;
-    QPointF rubberBandOrigin;
 
     NodeIndexMap nodesByIndex;
     MassRemoval removal{*this};
     ConnectionDrag drag{*this, handOut};
+    RubberBand band;
     CanvasDetail detail;
     bool mouseSeen = false; // lastMousePos means something
 };

@@ -1,39 +1,18 @@
 #include "scene/nodegraphscene.h"
 
-#include <QGraphicsRectItem>
 #include <QGraphicsSceneMouseEvent>
 #include <QGraphicsView>
-#include <QPainterPath>
-#include <QSet>
-
-namespace {
-
-constexpr double rubberBandZ = 100.0;
-
-bool isTouched(const Node &node, const QRectF &band)
-{
-    const QRectF outline = node.boundingRect().translated(node.scenePos());
-    if (band.contains(outline))
-        return true;
-    if (!band.adjusted(-1, -1, 1, 1).intersects(outline))
-        return false;
-    // Edges count, and so does a band of no width.
-    QPainterPath path;
-    path.addRect(band.translated(-node.scenePos()));
-    return node.collidesWithPath(path);
-}
-
-} // namespace
 
 void NodegraphScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
 {
     drag.end(); // a second button during a drag leaves nothing of the first behind
     setCurrentNode(nullptr);
     if (event->button() == Qt::LeftButton) {
-        rubberBandActive = !itemUnder(*event);
-        if (rubberBandActive) {
+        if (itemUnder(*event)) {
+            band.stop();
+        } else {
             selectedNodes.clear();
-            rubberBandOrigin = event->scenePos();
+            band.begin(event->scenePos());
         }
     }
     QGraphicsScene::mousePressEvent(event);
@@ -43,14 +22,13 @@ void NodegraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
 {
     if (drag.isByLine())
         drag.moveTo(lastMousePos);
-    if (rubberBandActive) {
-        selectionRect->setRect(QRectF(rubberBandOrigin, event->scenePos()).normalized());
-        selectionRect->setZValue(rubberBandZ);
-        selectInRubberBand();
+    if (band.isActive()) {
+        band.stretchTo(event->scenePos());
+        band.catchFrom(nodes, selectedNodes);
     }
     // The framework repaints for a band or line only where it is and was in the view, and reckons that in
     // whole numbers: at the scale of a damaged file's places it reckons wrongly.
-    if (rubberBandActive || drag.hasLine())
+    if (band.isActive() || drag.hasLine())
         update();
     for (Node *node : selectedNodes) {
         emit node->s_inSocketMove(node->getInSocket()->sceneCentre());
@@ -65,8 +43,7 @@ void NodegraphScene::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
     if (auto *socket = dynamic_cast<Socket *>(itemUnder(*event)))
         sl_manualNodeConnect(socket);
     drag.end();
-    rubberBandActive = false;
-    selectionRect->setRect(QRectF());
+    band.end();
     update(); // after a scroll or a zoom in its midst, the framework does not know where the band was painted
     settleMovedLines();
     QGraphicsScene::mouseReleaseEvent(event);
@@ -91,25 +68,6 @@ void NodegraphScene::settleMovedLines()
 {
     for (Node *node : nodes)
         node->updateLines();
-}
-
-void NodegraphScene::selectInRubberBand()
-{
-    if (!selectionRect)
-        return;
-    QSet<const Node *> listed(selectedNodes.begin(), selectedNodes.end());
-    const QRectF band = selectionRect->rect();
-    // From the topmost one down. The framework's own search would look into each node's parts as well.
-    for (std::size_t i = nodes.size(); i-- > 0;) {
-        Node *node = nodes[i];
-        if (!node->isVisible() || !isTouched(*node, band))
-            continue;
-        node->setSelected(true);
-        if (!listed.contains(node)) {
-            listed.insert(node);
-            selectedNodes.push_back(node);
-        }
-    }
 }
 
 void NodegraphScene::sl_socketClick(int type, QPointF pos)
