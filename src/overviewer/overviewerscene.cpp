@@ -1,6 +1,5 @@
 #include "overviewer/overviewerscene.h"
 
-#include "items/newitems.h"
 #include "overviewer/panelobserver.h"
 
 #include <QBrush>
@@ -65,7 +64,7 @@ void OverViewerScene::clearOvNodes()
         observer->aboutToPlaceEntries();
     keyboard.takeAside();
     entryMark.forgetEntries();
-    takeInNewItems(*this); // several stories may come before the event loop runs
+    takeInNewItems(); // several stories may come before the event loop runs
     currentOvNode = nullptr;
     ovNodes.clear();
     clear();

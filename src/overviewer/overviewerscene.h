@@ -1,12 +1,12 @@
 #pragma once
 
 #include "items/node.h"
+#include "items/promptscene.h"
 #include "overviewer/ovnode.h"
 #include "overviewer/panelfocus.h"
 #include "overviewer/panelmark.h"
 
 #include <QColor>
-#include <QGraphicsScene>
 #include <QPointer>
 
 #include <vector>
@@ -18,7 +18,7 @@ class PanelObserver;
 /// One panel serves all tabs; it shows the story of the scene that published last. Owns its entries, not the
 /// nodes. Its scene rectangle is exactly that of its entries. The keyboard stays with the event whose text it
 /// is in, as long as that is listed.
-class OverViewerScene : public QGraphicsScene
+class OverViewerScene : public PromptScene
 {
     Q_OBJECT
 

@@ -1,8 +1,6 @@
 #include "scene/massremoval.h"
 
-#include "items/newitems.h"
-
-#include <QGraphicsScene>
+#include "items/promptscene.h"
 
 #include <algorithm>
 
@@ -36,7 +34,7 @@ void MassRemoval::takeOutNow(QGraphicsItem *item)
 
 void MassRemoval::takeOutLeaving()
 {
-    takeInNewItems(canvas);
+    canvas.takeInNewItems();
     std::sort(leaving.begin(), leaving.end(), [this](const QGraphicsItem *a, const QGraphicsItem *b) {
         return arrivals.value(a) > arrivals.value(b);
     });

@@ -5,7 +5,7 @@
 #include <vector>
 
 class QGraphicsItem;
-class QGraphicsScene;
+class PromptScene;
 
 /// Lets nodes and lines onto a canvas and off it again, and remembers in which order they came. Owned by the
 /// scene; whoever takes several away at once holds a Together meanwhile.
@@ -30,7 +30,7 @@ public:
     };
 
     /// `emptied` must outlive every call.
-    explicit MassRemoval(QGraphicsScene &emptied) : canvas(emptied) {}
+    explicit MassRemoval(PromptScene &emptied) : canvas(emptied) {}
 
     void bringIn(QGraphicsItem *item);
     /// Once taken out the item is the caller's, who must not destroy it while a Together lives.
@@ -40,7 +40,7 @@ private:
     void takeOutNow(QGraphicsItem *item);
     void takeOutLeaving();
 
-    QGraphicsScene &canvas;
+    PromptScene &canvas;
     QHash<const QGraphicsItem *, quint64> arrivals; // when they came
     quint64 nextArrival = 0;
     std::vector<QGraphicsItem *> leaving;

@@ -2,6 +2,7 @@
 
 #include "items/connectionline.h"
 #include "items/node.h"
+#include "items/promptscene.h"
 #include "items/socket.h"
 #include "scene/canvasdetail.h"
 #include "scene/connectiondrag.h"
@@ -10,8 +11,6 @@
 #include "scene/nodeindexmap.h"
 #include "scene/rubberband.h"
 #include "scene/storychain.h"
-
-#include <QGraphicsScene>
 
 #include <map>
 #include <memory>
@@ -30,7 +29,7 @@ Q_MOC_INCLUDE(<QDataStream>)
 /// s_UndoCommandAdded(); whoever pushes it on an undo stack makes it run, and it calls back into the
 /// primitive operations below. All positions are scene coordinates. Created without a parent; whoever makes
 /// the tab ties its life to the tab's view.
-class NodegraphScene : public QGraphicsScene
+class NodegraphScene : public PromptScene
 {
     Q_OBJECT
 

@@ -2,8 +2,8 @@
 
 #include "support/testsupport.h"
 
+#include "items/promptscene.h"
 #include <QGraphicsRectItem>
-#include <QGraphicsScene>
 
 #include <memory>
 
@@ -32,7 +32,7 @@ private:
 
 struct House
 {
-    QGraphicsScene canvas;
+    PromptScene canvas;
     MassRemoval removal{canvas};
     QStringList gone;
     std::vector<std::unique_ptr<Guest>> guests;
