@@ -1,6 +1,7 @@
 #include "items/stlineedit.h"
 
 #include "items/detail.h"
+#include "items/qtinternals.h"
 #include "items/resizeobserver.h"
 #include "items/textediting.h"
 #include "items/textmeasure.h"
@@ -47,7 +48,7 @@ void STLineEdit::make()
         return;
     made = true;
     setTextInteractionFlags(Qt::TextEditorInteraction);
-    TextEditing::takePlainTextOnly(*this);
+    QtInternals::takePlainTextOnly(*this);
     setFont(textFont());
     setDefaultTextColor(placeholderColor);
     document()->setTextWidth(width);

@@ -1,5 +1,6 @@
 #include "items/stnodename.h"
 
+#include "items/qtinternals.h"
 #include "items/textediting.h"
 #include "items/textmeasure.h"
 
@@ -55,7 +56,7 @@ void STNodeName::make()
     setFont(titleFont());
     setDefaultTextColor(textColor);
     setTextInteractionFlags(Qt::TextEditorInteraction);
-    TextEditing::takePlainTextOnly(*this);
+    QtInternals::takePlainTextOnly(*this);
     if (!unmadeTitle.isEmpty())
         setPlainText(unmadeTitle);
     unmadeTitle = QString();

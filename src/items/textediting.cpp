@@ -7,13 +7,6 @@
 
 namespace TextEditing {
 
-void takePlainTextOnly(QGraphicsTextItem &item)
-{
-    // The item's own control has the property; there is no other way to it than by its name.
-    for (QObject *part : item.children())
-        part->setProperty("acceptRichText", false);
-}
-
 bool isEditingKey(const QKeyEvent &key)
 {
     constexpr QKeySequence::StandardKey editing[] = {

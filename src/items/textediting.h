@@ -9,8 +9,6 @@ class QKeyEvent;
 /// What all texts that are edited in place have in common.
 namespace TextEditing {
 
-/// Makes whatever is pasted or dropped into the item arrive as plain text: only that is saved.
-void takePlainTextOnly(QGraphicsTextItem &item);
 /// Whether the key edits a text wherever one has the keyboard: undo, copy, delete and the like.
 bool isEditingKey(const QKeyEvent &key);
 /// Keeps the keys that edit a text from the shortcuts of the window, which would change the graph instead.
