@@ -81,9 +81,9 @@ void OvNode::adopt(EventData *content)
     unmadeText = QString();
 }
 
-QGraphicsItem *OvNode::getEventData() const
+QGraphicsItem *OvNode::getEventData()
 {
-    const_cast<OvNode *>(this)->make(); // the entry is the same for whoever looks
+    make();
     return eventData;
 }
 

@@ -43,7 +43,7 @@ public:
     void setIndex(int newIndex) { index = newIndex; }
     void setImportant(bool important) { isImportant = important; }
     /// The entry's own content, an EventData; owned by the entry. Null for a node that is no event.
-    QGraphicsItem *getEventData() const;
+    QGraphicsItem *getEventData();
 
     QRectF boundingRect() const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;

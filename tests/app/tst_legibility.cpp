@@ -402,7 +402,7 @@ void tst_Legibility::panelEntry()
 {
     NodegraphScene *scene = sceneOf(*window, 0);
     scene->setEndOfStory(addEvent(scene, QStringLiteral("A title"), QStringLiteral("What happens then")));
-    const OvNode *entry = window->getOverviewerScene()->getOvNodes().at(0);
+    OvNode *entry = window->getOverviewerScene()->getOvNodes().at(0);
     QGraphicsView *panel = window->getOverviewerScene()->views().at(0);
     const QRectF part = descriptionOf(entry)->sceneBoundingRect().adjusted(14, 14, -14, -14);
     const Painted colours =

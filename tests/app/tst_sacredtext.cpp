@@ -229,7 +229,7 @@ void tst_SacredText::isNotTouchedByAVisit()
     view()->resetTransform();
     view()->horizontalScrollBar()->setValue(0);
     view()->verticalScrollBar()->setValue(0);
-    const OvNode *entry = window->getOverviewerScene()->getOvNodes().front();
+    OvNode *entry = window->getOverviewerScene()->getOvNodes().front();
     for (QGraphicsTextItem *text : {static_cast<QGraphicsTextItem *>(node()->getNameItem()),
                                     static_cast<QGraphicsTextItem *>(descriptionOf(node())),
                                     static_cast<QGraphicsTextItem *>(descriptionOf(entry))}) {

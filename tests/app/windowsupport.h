@@ -362,7 +362,7 @@ inline STLineEdit *descriptionOf(const Node *node)
     return node->getData()->eventContent()->getDescriptionItem();
 }
 
-inline STLineEdit *descriptionOf(const OvNode *entry)
+inline STLineEdit *descriptionOf(OvNode *entry)
 {
     return dynamic_cast<EventData *>(entry->getEventData())->getDescriptionItem();
 }
@@ -381,7 +381,7 @@ inline Node *addEvent(NodegraphScene *scene, const QString &title, const QString
 inline QStringList panelTexts(const MainWindow &window)
 {
     QStringList texts;
-    for (const OvNode *entry : window.getOverviewerScene()->getOvNodes())
+    for (OvNode *entry : window.getOverviewerScene()->getOvNodes())
         texts << descriptionOf(entry)->toPlainText();
     return texts;
 }

@@ -47,7 +47,7 @@ struct Story
 
 inline STLineEdit *textOf(const Node *node) { return node->getData()->eventContent()->getDescriptionItem(); }
 
-inline STLineEdit *textOf(const OvNode *entry)
+inline STLineEdit *textOf(OvNode *entry)
 {
     return dynamic_cast<EventData *>(entry->getEventData())->getDescriptionItem();
 }
@@ -71,7 +71,7 @@ inline QList<int> indices(const OverViewerScene &panel)
 inline QStringList texts(const OverViewerScene &panel)
 {
     QStringList all;
-    for (const OvNode *entry : panel.getOvNodes())
+    for (OvNode *entry : panel.getOvNodes())
         all << textOf(entry)->toPlainText();
     return all;
 }

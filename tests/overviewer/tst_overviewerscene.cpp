@@ -144,7 +144,7 @@ void tst_OverviewerScene::entriesAreStacked()
 void tst_OverviewerScene::fractionsOfAHeightAreCutOff()
 {
     Story story(3);
-    for (const OvNode *entry : story.panel.getOvNodes())
+    for (OvNode *entry : story.panel.getOvNodes())
         textOf(entry)->setRect(QRectF(0, 0, 400, 100.75));
     QCOMPARE(story.panel.getOvNodes()[1]->pos(), QPointF(0, 125));
     QCOMPARE(story.panel.getOvNodes()[2]->pos(), QPointF(0, 250));

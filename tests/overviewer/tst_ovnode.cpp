@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-EventData *contentOf(const OvNode &entry) { return dynamic_cast<EventData *>(entry.getEventData()); }
+EventData *contentOf(OvNode &entry) { return dynamic_cast<EventData *>(entry.getEventData()); }
 
 STLineEdit *textOf(const Node &node) { return node.getData()->eventContent()->getDescriptionItem(); }
 
@@ -95,7 +95,7 @@ void tst_OvNode::copiesTheNode()
     Node node(0);
     node.setIndex(4);
     textOf(node)->setText(u"He leaves"_s);
-    const OvNode entry(&node);
+    OvNode entry(&node);
     QCOMPARE(entry.getIndex(), 4);
     QCOMPARE(entry.parent(), nullptr);
     QCOMPARE(entry.parentItem(), nullptr);
@@ -125,7 +125,7 @@ void tst_OvNode::keepsWhatItCopied()
 void tst_OvNode::outlineIsThatOfItsContent()
 {
     Node node(0);
-    const OvNode entry(&node);
+    OvNode entry(&node);
     QCOMPARE(entry.boundingRect(), contentOf(entry)->boundingRect());
     QCOMPARE(entry.boundingRect().left(), -10.0);
     QCOMPARE(entry.boundingRect().top(), -10.0);

@@ -49,7 +49,7 @@ const NodegraphView *currentView(const MainWindow &window)
     return dynamic_cast<const NodegraphView *>(tabs->currentWidget());
 }
 
-EventData *contentOf(const OvNode *entry) { return dynamic_cast<EventData *>(entry->getEventData()); }
+EventData *contentOf(OvNode *entry) { return dynamic_cast<EventData *>(entry->getEventData()); }
 
 } // namespace
 
@@ -74,7 +74,7 @@ void PanelWatch::follow(const MainWindow &window, const Step &step)
             followText(content, mayBeLoaded ? content->getDescription() : placeholder);
         }
     }
-    for (const OvNode *entry : window.getOverviewerScene()->getOvNodes())
+    for (OvNode *entry : window.getOverviewerScene()->getOvNodes())
         followText(contentOf(entry), placeholder);
     strayed = published != current && (strayed || step.effects & Effect::strays);
 }
@@ -121,7 +121,7 @@ QString PanelWatch::fault(const MainWindow &window, const Step &step)
             content->setProperty(seenNote, content->getDescription());
         }
     }
-    for (const OvNode *entry : entries)
+    for (OvNode *entry : entries)
         contentOf(entry)->setProperty(seenNote, contentOf(entry)->getDescription());
     return {};
 }

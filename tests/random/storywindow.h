@@ -35,4 +35,4 @@ inline OvNode *entry(const MainWindow &window, std::size_t place)
 {
     return window.getOverviewerScene()->getOvNodes().at(place);
 }
-inline EventData *contentOf(const OvNode *entry) { return dynamic_cast<EventData *>(entry->getEventData()); }
+inline EventData *contentOf(OvNode *entry) { return dynamic_cast<EventData *>(entry->getEventData()); }
