@@ -10,11 +10,6 @@
 
 namespace {
 
-struct Scene : PromptScene
-{
-    using PromptScene::takeInNewItems;
-};
-
 /// Counts how often the framework has told it that it is ready to be shown.
 struct Newcomer : QGraphicsWidget
 {
@@ -41,7 +36,7 @@ private slots:
 
 void tst_PromptScene::newItemsArePolishedAtOnceAndOnce()
 {
-    Scene scene;
+    PromptScene scene;
     auto *item = new Newcomer;
     scene.addItem(item);
     QCOMPARE(item->polished, 0);
@@ -55,7 +50,7 @@ void tst_PromptScene::newItemsArePolishedAtOnceAndOnce()
 // Posted calls that are delivered early also tell of changes and paint the views in the midst of them.
 void tst_PromptScene::changesWaitForTheEventLoop()
 {
-    Scene scene;
+    PromptScene scene;
     const QSignalSpy changes(&scene, &QGraphicsScene::changed);
     scene.addRect(0, 0, 10, 10);
     scene.update();

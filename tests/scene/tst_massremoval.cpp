@@ -1,8 +1,8 @@
 #include "scene/massremoval.h"
 
+#include "items/promptscene.h"
 #include "support/testsupport.h"
 
-#include "items/promptscene.h"
 #include <QGraphicsRectItem>
 
 #include <memory>
