@@ -79,24 +79,26 @@ void NodegraphScene::adaptDetail()
 void NodegraphScene::sl_addEventNode()
 {
     const bool wasEmpty = nodes.empty();
-    const std::size_t before = nodes.size();
-    handOut(std::make_unique<AddNodeCommand>(this, pointerPosition(), nodeCounter, 0, QString()));
-    if (nodes.size() == before)
+    Node *added = addNodeAt(pointerPosition(), 0, -1);
+    if (!added)
         return;
-    Node *added = nodes.back();
     // The first event of a canvas has nothing to attach to; as the current node it starts the chain.
     if (wasEmpty) {
         setCurrentNode(added);
         added->setSelected(true);
     }
-    showInViews(added->sceneBoundingRect());
+    bringIntoSight(*this, added->sceneBoundingRect());
 }
 
-void NodegraphScene::showInViews(const QRectF &area) const
+Node *NodegraphScene::addNodeAt(QPointF pos, int type, int index, int markFrom)
 {
-    const QList<QGraphicsView *> all = views();
-    for (QGraphicsView *view : all)
-        bringIntoSight(*view, area);
+    const std::size_t before = nodes.size();
+    auto command =
+        std::make_unique<AddNodeCommand>(this, pos, index == -1 ? nodeCounter : index, type, QString());
+    if (markFrom != -1)
+        command->willTakeMarkFrom(markFrom);
+    handOut(std::move(command));
+    return nodes.size() == before ? nullptr : nodes.back(); // it may have got another index
 }
 
 /// Where the user points: the mouse, or the middle of what is shown until the mouse has been here.
@@ -274,3 +276,9 @@ void NodegraphScene::clear()
     QGraphicsScene::clear();
     band.renew();
 }
+
+void NodegraphScene::copyNodes() { clipboard.copy(); }
+
+void NodegraphScene::cutNodes() { clipboard.cut(); }
+
+void NodegraphScene::pasteNodes() { clipboard.paste(pointerPosition()); }

@@ -5,6 +5,7 @@
 #include "items/promptscene.h"
 #include "items/socket.h"
 #include "scene/canvasdetail.h"
+#include "scene/clipboard.h"
 #include "scene/connectiondrag.h"
 #include "scene/handout.h"
 #include "scene/massremoval.h"
@@ -12,7 +13,6 @@
 #include "scene/rubberband.h"
 #include "scene/storychain.h"
 
-#include <map>
 #include <memory>
 #include <vector>
 
@@ -52,6 +52,9 @@ public:
     /// hands it the end-of-story mark. A taken index is replaced by the next free one from the counter. The
     /// description is copied from `data`, which may be null and stays the caller's.
     void createNode(QPointF pos, int index, int type, const NodeData *data, const QString &name);
+    /// Adds a node through a command; null if nobody ran it. An `index` of -1 asks for the counter's value.
+    /// `markFrom` is the index of the node that the new one takes the end-of-story mark from, -1 for none.
+    Node *addNodeAt(QPointF pos, int type, int index, int markFrom = -1);
     /// Makes a node just as told, whichever node is current: for bringing back one that was there before.
     Node *restoreNode(QPointF pos, int index, int type, const NodeData *data, const QString &name);
     /// Whether that node, which may be gone, is one of this scene's.
@@ -138,7 +141,6 @@ private:
     void forgetNode(Node *node);
     void removeAllNodes();
     QPointF pointerPosition() const;
-    void showInViews(const QRectF &area) const;
 
     void emitCommand(std::unique_ptr<QUndoCommand> command);
     void pushDelNodeCommand(Node *node);
@@ -151,33 +153,20 @@ private:
     std::vector<Node *> readRecords(QDataStream &stream, int count);
     void restoreConnections(const std::vector<Node *> &loaded, const QString &fileName);
 
-    using Duplicates = std::map<const Node *, Node *>; // by their sources
-
-    void setNodeShown(Node *node, bool shown);
-    Node *duplicateNode(Node *source, bool isEnd);
-    void addNodeAt(QPointF pos, int type, int index, int markFrom);
-    void connectDuplicates(const std::vector<Node *> &sources, const Duplicates &duplicates);
-    Node *endAfterPaste(Node *formerEnd, const std::vector<Node *> &sources,
-                        const Duplicates &duplicates) const;
-    QPointF pasteOffset(const QPointF &reference) const;
-    void showPasted(const std::vector<Node *> &sources, const Duplicates &duplicates) const;
-    void deleteSources(const std::vector<Node *> &sources);
-
     const HandOut handOut; // given to whoever makes edits in the scene's name
 
     std::vector<Node *> nodes;
     std::vector<Node *> selectedNodes;
-    std::vector<Node *> clipboardNodes;
     StoryChain story;
     QPointF lastMousePos;
     Node *currentNode_ = nullptr;
     int nodeCounter = 0; // nodes wired since the last clear(); the source of new indices
-    bool cutPending = false;
 
     NodeIndexMap nodesByIndex;
     MassRemoval removal{*this};
     ConnectionDrag drag{*this, handOut};
     RubberBand band;
+    Clipboard clipboard{*this, removal};
     CanvasDetail detail;
     bool mouseSeen = false; // lastMousePos means something
 };

@@ -54,12 +54,13 @@ void NodegraphScene::deleteNode(Node *node)
 /// The one place where a dying node leaves everything that the scene remembers.
 void NodegraphScene::forgetNode(Node *node)
 {
-    for (std::vector<Node *> *list : {&nodes, &selectedNodes, &clipboardNodes}) {
+    for (std::vector<Node *> *list : {&nodes, &selectedNodes}) {
         const auto found = std::find(list->begin(), list->end(), node);
         if (found != list->end())
             list->erase(found);
     }
     nodesByIndex.remove(node);
+    clipboard.forget(node);
     if (currentNode_ == node)
         setCurrentNode(nullptr);
     story.forget(node);

@@ -56,6 +56,13 @@ void bringIntoSight(QGraphicsView &view, const QRectF &area)
         view.ensureVisible(wanted, 0, 0);
 }
 
+void bringIntoSight(const QGraphicsScene &canvas, const QRectF &area)
+{
+    const QList<QGraphicsView *> all = canvas.views();
+    for (QGraphicsView *view : all)
+        bringIntoSight(*view, area);
+}
+
 QPointF wayIntoReach(const QRectF &area)
 {
     return {wayIntoReach(area.left(), area.right()), wayIntoReach(area.top(), area.bottom())};
