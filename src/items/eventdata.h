@@ -1,7 +1,7 @@
 #pragma once
 
+#include "items/latetext.h"
 #include "items/resizeobserver.h"
-#include "items/textmaking.h"
 
 #include <QColor>
 #include <QGraphicsItem>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "items/latetext.h"
 #include "items/nodedetail.h"
 #include "items/resizeobserver.h"
-#include "items/textmaking.h"
 
 #include <QColor>
 #include <QGraphicsItem>

@@ -25,7 +25,7 @@ STLineEdit::STLineEdit(const QString &text, double textWidth, QGraphicsItem *par
     if (making == TextMaking::atOnce)
         make();
     else
-        setFlags(flags() | ItemIsFocusable | ItemAcceptsInputMethod); // as every text that can be edited
+        TextEditing::takeKeys(*this);
     setText(text);
     placeholder = text;
     placeholderShown = true;
@@ -44,19 +44,18 @@ const QFont &STLineEdit::textFont()
 
 void STLineEdit::make()
 {
-    if (made)
+    if (!late.isLate())
         return;
-    made = true;
+    const QString text = late.take();
     setTextInteractionFlags(Qt::TextEditorInteraction);
     QtInternals::takePlainTextOnly(*this);
     setFont(textFont());
     setDefaultTextColor(placeholderColor);
     document()->setTextWidth(width);
     document()->setDocumentMargin(documentMargin);
-    if (!unmadeText.isNull()) {
+    if (!text.isNull()) {
         setDefaultTextColor(textColor);
-        setPlainText(unmadeText);
-        unmadeText = QString();
+        setPlainText(text);
     }
     updateRect();
     // Made first of all listeners: whoever hears of a change after this already sees the new outline.
@@ -67,16 +66,15 @@ void STLineEdit::setText(const QString &text)
 {
     if (text != placeholder)
         placeholderShown = false;
-    if (!made && !TextMeasure::isHeldUnchanged(text))
+    if (!late.canKeep(text)) {
         make();
-    if (made) {
         if (text != placeholder)
             setDefaultTextColor(textColor);
         setPlainText(text);
         return;
     }
     const QSizeF size = TextMeasure::documentSize(text, textFont(), width, documentMargin);
-    keepUnmade(text, QRectF(QPointF(), size));
+    keepLate(text, QRectF(QPointF(), size));
 }
 
 void STLineEdit::removePlaceholder()
@@ -89,22 +87,22 @@ void STLineEdit::removePlaceholder()
 
 void STLineEdit::setMeasuredText(const QString &text, const QRectF &place)
 {
-    if (made || !TextMeasure::isHeldUnchanged(text))
-        setText(text);
+    if (late.canKeep(text))
+        keepLate(text, place);
     else
-        keepUnmade(text, place);
+        setText(text);
 }
 
-void STLineEdit::keepUnmade(const QString &text, const QRectF &newRect)
+void STLineEdit::keepLate(const QString &text, const QRectF &place)
 {
-    unmadeText = text.isNull() ? QStringLiteral("") : text;
+    late.keep(text.isNull() ? QStringLiteral("") : text, place);
     bars.forget();
-    setRect(newRect);
+    setRect(place);
     if (textListener)
         textListener();
 }
 
-QString STLineEdit::getText() const { return made ? TextEditing::exactText(*this) : unmadeText; }
+QString STLineEdit::getText() const { return late.isLate() ? late.text() : TextEditing::exactText(*this); }
 
 void STLineEdit::textChanged()
 {
@@ -136,7 +134,7 @@ void STLineEdit::setRect(const QRectF &newRect)
 
 void STLineEdit::updateRect()
 {
-    if (!made) // it was measured when the text was set
+    if (late.isLate()) // it was measured when the text was set
         return;
     const QTextDocument *text = document();
     setRect(QRectF(0, 0, qMax(text->textWidth(), text->idealWidth()), text->size().height()));
@@ -150,7 +148,7 @@ QRectF STLineEdit::boundingRect() const
 // Until there is a document the base knows of no place that the text takes.
 QPainterPath STLineEdit::shape() const
 {
-    if (made)
+    if (!late.isLate())
         return QGraphicsTextItem::shape();
     QPainterPath path;
     path.addRect(boundingRect());
@@ -159,7 +157,7 @@ QPainterPath STLineEdit::shape() const
 
 bool STLineEdit::contains(const QPointF &point) const
 {
-    return made ? QGraphicsTextItem::contains(point) : boundingRect().contains(point);
+    return late.isLate() ? boundingRect().contains(point) : QGraphicsTextItem::contains(point);
 }
 
 void STLineEdit::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
@@ -187,8 +185,7 @@ void STLineEdit::mousePressEvent(QGraphicsSceneMouseEvent *event)
 
 bool STLineEdit::sceneEvent(QEvent *event)
 {
-    // Every item hears when its window comes to the front or leaves it.
-    if (event->type() != QEvent::WindowActivate && event->type() != QEvent::WindowDeactivate)
+    if (TextEditing::needsDocument(*event))
         make();
     return TextEditing::claimKeys(event) || QGraphicsTextItem::sceneEvent(event);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "items/greekedtext.h"
-#include "items/textmaking.h"
+#include "items/latetext.h"
 
 #include <QColor>
 #include <QGraphicsTextItem>
@@ -57,13 +57,12 @@ protected:
 
 private:
     static const QFont &textFont();
-    void keepUnmade(const QString &text, const QRectF &newRect);
+    void keepLate(const QString &text, const QRectF &place);
     void textChanged();
 
     QRectF rect; // item coordinates
     double width;
-    bool made = false;
-    QString unmadeText; // until it is made
+    LateText late;
     GreekedText bars;
     std::function<void()> textListener;
     QString placeholder;

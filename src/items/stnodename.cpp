@@ -45,42 +45,40 @@ STNodeName::STNodeName(QGraphicsItem *parent, TextMaking making) : QGraphicsText
     if (making == TextMaking::atOnce)
         make();
     else
-        setFlags(flags() | ItemIsFocusable | ItemAcceptsInputMethod); // as every text that can be edited
+        TextEditing::takeKeys(*this);
 }
 
 void STNodeName::make()
 {
-    if (made)
+    if (!late.isLate())
         return;
-    made = true;
+    const QString title = late.take();
     setFont(titleFont());
     setDefaultTextColor(textColor);
     setTextInteractionFlags(Qt::TextEditorInteraction);
     QtInternals::takePlainTextOnly(*this);
-    if (!unmadeTitle.isEmpty())
-        setPlainText(unmadeTitle);
-    unmadeTitle = QString();
+    if (!title.isEmpty())
+        setPlainText(title);
     connect(document(), &QTextDocument::contentsChanged, this, &STNodeName::updateShortText);
 }
 
 void STNodeName::setTitle(const QString &text)
 {
-    if (!TextMeasure::isHeldUnchanged(text))
+    if (!late.canKeep(text)) {
         make();
-    if (made) {
         setPlainText(text);
         return;
     }
     prepareGeometryChange();
-    unmadeTitle = text;
-    unmadeSize = TextMeasure::documentSize(text, titleFont(), unlimited, documentMargin);
+    const QSizeF size = TextMeasure::documentSize(text, titleFont(), unlimited, documentMargin);
+    late.keep(text, QRectF(QPointF(), size));
     updateShortText();
 }
 
-QString STNodeName::getTitle() const { return made ? TextEditing::exactText(*this) : unmadeTitle; }
+QString STNodeName::getTitle() const { return late.isLate() ? late.text() : TextEditing::exactText(*this); }
 
 /// That of the whole title.
-QSizeF STNodeName::textSize() const { return made ? document()->size() : unmadeSize; }
+QSizeF STNodeName::textSize() const { return late.isLate() ? late.place().size() : document()->size(); }
 
 void STNodeName::setAvailableWidth(double width)
 {
@@ -121,7 +119,7 @@ QRectF STNodeName::boundingRect() const
 {
     if (isShortened())
         return headerPlace();
-    const QRectF text = made ? QGraphicsTextItem::boundingRect() : QRectF(QPointF(), unmadeSize);
+    const QRectF text = late.isLate() ? late.place() : QGraphicsTextItem::boundingRect();
     return isBlank ? text | headerPlace() : text;
 }
 
@@ -216,8 +214,7 @@ void STNodeName::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event)
 
 bool STNodeName::sceneEvent(QEvent *event)
 {
-    // Every item hears when its window comes to the front or leaves it.
-    if (event->type() != QEvent::WindowActivate && event->type() != QEvent::WindowDeactivate)
+    if (TextEditing::needsDocument(*event))
         make();
     return TextEditing::claimKeys(event) || QGraphicsTextItem::sceneEvent(event);
 }

@@ -2,7 +2,7 @@
 
 #include "items/clickordrag.h"
 #include "items/greekedtext.h"
-#include "items/textmaking.h"
+#include "items/latetext.h"
 
 #include <QColor>
 #include <QGraphicsTextItem>
@@ -57,9 +57,7 @@ private:
     double availableWidth = 0.0; // 0 until the node has laid itself out: no limit
     QString shortText;           // what fits of a title that is too long; null when all of it fits
     bool isBlank = false;        // no letter is seen of it
-    bool made = false;
-    QString unmadeTitle; // until it is made
-    QSizeF unmadeSize;
+    LateText late;
     GreekedText bars;
     bool editing = false; // has the focus, with the outline to match
 

@@ -7,6 +7,17 @@
 
 namespace TextEditing {
 
+void takeKeys(QGraphicsTextItem &item)
+{
+    item.setFlags(item.flags() | QGraphicsItem::ItemIsFocusable | QGraphicsItem::ItemAcceptsInputMethod);
+}
+
+bool needsDocument(const QEvent &event)
+{
+    // Every item of a scene hears when its window comes to the front or leaves it.
+    return event.type() != QEvent::WindowActivate && event.type() != QEvent::WindowDeactivate;
+}
+
 bool isEditingKey(const QKeyEvent &key)
 {
     constexpr QKeySequence::StandardKey editing[] = {

@@ -9,6 +9,10 @@ class QKeyEvent;
 /// What all texts that are edited in place have in common.
 namespace TextEditing {
 
+/// Makes an item that has no document yet get the focus and the keys, as every text that can be edited.
+void takeKeys(QGraphicsTextItem &item);
+/// Whether an item that gets the event has to have its document.
+bool needsDocument(const QEvent &event);
 /// Whether the key edits a text wherever one has the keyboard: undo, copy, delete and the like.
 bool isEditingKey(const QKeyEvent &key);
 /// Keeps the keys that edit a text from the shortcuts of the window, which would change the graph instead.

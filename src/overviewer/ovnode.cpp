@@ -30,31 +30,25 @@ OvNode::OvNode(Node *shownNode, TextMaking making)
       isImportant(shownNode->getIsImportant())
 {
     if (making == TextMaking::atOnce && type == 0)
-        createEventData(making);
+        takeContent(new EventData(nullptr, making));
     updateFromNode();
 }
 
-EventData *OvNode::createEventData(TextMaking making)
+void OvNode::takeContent(EventData *content)
 {
-    auto *event = new EventData(nullptr, making);
-    wireContent(event);
-    return event;
-}
-
-void OvNode::wireContent(EventData *content)
-{
+    late.take();
     connect(content, SIGNAL(s_isChanged()), this, SLOT(sl_nodeChanged()));
     eventData = content;
 }
 
 void OvNode::make()
 {
-    if (eventData || type != 0)
+    if (!late.isLate() || type != 0)
         return;
-    EventData *event = createEventData(TextMaking::whenNeeded);
-    event->setMeasuredDescription(unmadeText, unmadeOutline);
+    auto *event = new EventData(nullptr, TextMaking::whenNeeded);
+    event->setMeasuredDescription(late.text(), late.place());
+    takeContent(event);
     event->setParentItem(this);
-    unmadeText = QString();
 }
 
 EventData *OvNode::releaseContent()
@@ -62,8 +56,7 @@ EventData *OvNode::releaseContent()
     auto *content = dynamic_cast<EventData *>(eventData);
     if (!content)
         return nullptr;
-    unmadeText = content->getDescription();
-    unmadeOutline = content->boundingRect();
+    late.keep(content->getDescription(), content->boundingRect());
     content->disconnect(this);
     content->setParentItem(nullptr);
     if (scene())
@@ -74,11 +67,11 @@ EventData *OvNode::releaseContent()
 
 void OvNode::adopt(EventData *content)
 {
-    wireContent(content);
+    const QString text = late.text();
+    takeContent(content);
     content->setParentItem(this);
-    if (content->getDescription() != unmadeText) // or its undo history and its cursor would be lost
-        content->setDescription(unmadeText);
-    unmadeText = QString();
+    if (content->getDescription() != text) // or its undo history and its cursor would be lost
+        content->setDescription(text);
 }
 
 QGraphicsItem *OvNode::getEventData()
@@ -105,17 +98,18 @@ void OvNode::updateFromNode()
         shown->setDescription(content->getDescription());
         return;
     }
-    unmadeText = content->getDescription();
-    if (content->boundingRect() == unmadeOutline)
-        return;
-    prepareGeometryChange();
-    unmadeOutline = content->boundingRect();
-    layoutPanel();
+    const QRectF outline = content->boundingRect();
+    const bool isResized = outline != late.place();
+    if (isResized)
+        prepareGeometryChange();
+    late.keep(content->getDescription(), outline);
+    if (isResized)
+        layoutPanel();
 }
 
 void OvNode::sl_nodeChanged() { emit s_nodeChanged(this); }
 
-QRectF OvNode::boundingRect() const { return eventData ? eventData->boundingRect() : unmadeOutline; }
+QRectF OvNode::boundingRect() const { return late.isLate() ? late.place() : eventData->boundingRect(); }
 
 void OvNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *)
 {

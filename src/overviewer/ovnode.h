@@ -1,13 +1,11 @@
 #pragma once
 
+#include "items/latetext.h"
 #include "items/resizeobserver.h"
-#include "items/textmaking.h"
 #include "overviewer/listedevent.h"
 
 #include <QGraphicsItem>
 #include <QObject>
-#include <QRectF>
-#include <QString>
 
 class EventData;
 class Node;
@@ -60,13 +58,11 @@ public slots:
 private:
     EventData *nodeContent() const;
     void layoutPanel();
-    EventData *createEventData(TextMaking making);
-    void wireContent(EventData *content);
+    void takeContent(EventData *content);
 
     Node *node;
     QGraphicsItem *eventData = nullptr;
-    QString unmadeText;   // until it is made
-    QRectF unmadeOutline; // item coordinates
+    LateText late; // the description while there is no content
     int type;
     int index;
     bool isImportant;
