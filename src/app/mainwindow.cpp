@@ -258,7 +258,7 @@ void MainWindow::sl_delete()
     scene->deleteSelectedNodes(nullptr);
     if (many) {
         tabs->showStoryOf(scene);
-        overviewerScene->sl_recieveNodes(scene->getStory());
+        overviewerScene->showStory(scene->getStory());
     }
 }
 

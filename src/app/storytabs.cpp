@@ -72,7 +72,7 @@ void StoryTabs::close(NodegraphView *view)
 
 void StoryTabs::closeAll()
 {
-    panel->sl_recieveNodes({});
+    panel->showStory({});
     for (const NodegraphView *view : all) {
         hideStoryOf(view->nodegraphScene());
         view->nodegraphScene()->clear();

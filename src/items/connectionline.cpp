@@ -25,7 +25,7 @@ ConnectionLine::ConnectionLine(const QPointF &startPoint, const QPointF &endPoin
 {
     updatePen();
     setZValue(-1.0);
-    sl_updatePath();
+    updatePath();
 }
 
 void ConnectionLine::updatePen()
@@ -74,7 +74,7 @@ void ConnectionLine::paint(QPainter *painter, const QStyleOptionGraphicsItem *op
         painter->drawPath(path());
 }
 
-void ConnectionLine::sl_updatePath()
+void ConnectionLine::updatePath()
 {
     QPainterPath curve(start);
     curve.cubicTo(QPointF((3 * start.x() + end.x()) / 4, start.y()),
@@ -82,21 +82,27 @@ void ConnectionLine::sl_updatePath()
     setPath(curve);
 }
 
-void ConnectionLine::sl_setStart(QPointF point)
+void ConnectionLine::setStart(QPointF point)
 {
     if (isSamePlace(point, start))
         return;
     start = point;
-    sl_updatePath();
+    updatePath();
 }
 
-void ConnectionLine::sl_setEnd(QPointF point)
+void ConnectionLine::setEnd(QPointF point)
 {
     if (isSamePlace(point, end))
         return;
     end = point;
-    sl_updatePath();
+    updatePath();
 }
+
+void ConnectionLine::sl_updatePath() { updatePath(); }
+
+void ConnectionLine::sl_setStart(QPointF point) { setStart(point); }
+
+void ConnectionLine::sl_setEnd(QPointF point) { setEnd(point); }
 
 void ConnectionLine::mousePressEvent(QGraphicsSceneMouseEvent *event)
 {

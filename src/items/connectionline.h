@@ -23,6 +23,10 @@ public:
     /// Applies `penWidth` and `penColor` to the stroke again.
     void updatePen();
 
+    /// Move an end, in scene coordinates.
+    void setStart(QPointF start);
+    void setEnd(QPointF end);
+
     /// The two sockets it joins, null for a line that is still being dragged or whose socket is gone. Not
     /// owned.
     Socket *inputSocket() const;
@@ -45,6 +49,8 @@ protected:
     void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
 
 private:
+    void updatePath();
+
     QPen pen;
     QPointF start;
     QPointF end;

@@ -15,7 +15,7 @@ EventData::EventData(QGraphicsItem *parent, TextMaking making)
     setFlag(ItemHasNoContents);
     setParentItem(parent);
     description = new STLineEdit(tr("Enter description"), descriptionWidth, this, making);
-    description->onTextChanged([this] { sl_isChanged(); });
+    description->onTextChanged([this] { noteChange(); });
     lastText = description->getText();
 }
 
@@ -63,7 +63,7 @@ void EventData::aboutToResize()
 
 void EventData::resized() { ResizeObserver::tellResized(parentItem()); }
 
-void EventData::sl_isChanged()
+void EventData::noteChange()
 {
     if (settingText)
         return;
@@ -73,6 +73,8 @@ void EventData::sl_isChanged()
     lastText = text;
     emit s_isChanged();
 }
+
+void EventData::sl_isChanged() { noteChange(); }
 
 void EventData::sl_saveToFile(QDataStream &stream)
 {

@@ -47,6 +47,8 @@ public slots:
     void sl_openFromFile(QDataStream &stream);
 
 private:
+    void noteChange();
+
     bool settingText = false;
     STLineEdit *description = nullptr;
     QString lastText; // as last reported; texts set by the program do not count

@@ -49,7 +49,7 @@ Node::Node(int nodeType, TextMaking making) : type(nodeType)
     createName(making);
     createSockets();
     createData(making);
-    sl_updateSize();
+    updateSize();
 }
 
 void Node::createHeader()
@@ -145,20 +145,20 @@ void Node::copyDataFrom(const NodeData *source)
 {
     source->copyTo(data);
     type = source->getType();
-    sl_updateSize();
+    updateSize();
 }
 
 void Node::updateLines()
 {
     if (hasInput_ && inLine)
-        inLine->sl_setStart(inSocket->sceneCentre());
+        inLine->setStart(inSocket->sceneCentre());
     for (const Node *downstream : nextNodes_) {
         if (ConnectionLine *line = downstream->getInLine())
-            line->sl_setEnd(outSocket->sceneCentre());
+            line->setEnd(outSocket->sceneCentre());
     }
 }
 
-void Node::sl_updateSize()
+void Node::updateSize()
 {
     if (!data) // the payload reports its size while it is being made
         return;
@@ -263,10 +263,7 @@ void Node::mousePressEvent(QGraphicsSceneMouseEvent *event)
 void Node::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
 {
     emit s_moving(this);
-    const QPointF inputCentre = inSocket->sceneCentre();
-    const QPointF outputCentre = outSocket->sceneCentre();
-    emit s_inSocketMove(inputCentre);
-    emit s_outSocketMove(outputCentre);
+    reportSocketPlaces();
     if (!(event->buttons() & Qt::LeftButton)) {
         QGraphicsItem::mouseMoveEvent(event);
         return;
@@ -277,6 +274,14 @@ void Node::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
     isPressed = false;
     pressOfDrag = press;
     drag(event->scenePos() - press);
+}
+
+void Node::reportSocketPlaces()
+{
+    const QPointF inputCentre = inSocket->sceneCentre();
+    const QPointF outputCentre = outSocket->sceneCentre();
+    emit s_inSocketMove(inputCentre);
+    emit s_outSocketMove(outputCentre);
 }
 
 std::vector<Node *> Node::selectedNodesAndThis()
@@ -319,6 +324,8 @@ void Node::sl_socketClickDrag() { emit s_socketClickDrag(); }
 
 void Node::sl_socketClickRelease() { emit s_socketClickRelease(); }
 
+void Node::sl_updateSize() { updateSize(); }
+
 void Node::sl_changed() { emit s_changed(this); }
 
 void Node::placeAt(const QPointF &place)
@@ -335,7 +342,7 @@ void Node::saveToStream(QDataStream &stream)
     const QPointF place = parentItem() ? scenePos() : pos();
     stream << getTitle() << place << qint32(index) << qint32(prevIndex) << qint32(isEndOfStory ? 1 : 0)
            << qint32(isImportant ? 1 : 0);
-    emit data->s_saveToFile(stream);
+    data->save(stream);
 }
 
 void Node::openFromStream(QDataStream &stream)
@@ -347,7 +354,7 @@ void Node::openFromStream(QDataStream &stream)
     qint32 endOfStory = 0;
     qint32 important = 0;
     stream >> title >> position >> storedIndex >> storedPrevIndex >> endOfStory >> important;
-    data->sl_openFromFile(stream);
+    data->load(stream);
 
     nameItem->setTitle(title);
     placeAt(

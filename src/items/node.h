@@ -78,6 +78,10 @@ public:
 
     /// Takes over the description and the type of `source`, which stays the caller's. Reports no change.
     void copyDataFrom(const NodeData *source);
+    /// Lays the node out around its payload.
+    void updateSize();
+    /// Tells where the middles of its sockets are, that of the input first.
+    void reportSocketPlaces();
     /// Puts the ends of all attached lines on the sockets' middles.
     void updateLines();
 
@@ -91,8 +95,8 @@ public:
     QRectF boundingRect() const override { return rect; }
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
 
-    void aboutToResize() override {} // sl_updateSize() announces the change itself
-    void resized() override { sl_updateSize(); }
+    void aboutToResize() override {} // updateSize() announces the change itself
+    void resized() override { updateSize(); }
 
 signals:
     void s_selected(Node *node);

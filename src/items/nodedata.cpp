@@ -53,6 +53,10 @@ void NodeData::resized() { ResizeObserver::tellResized(parentItem()); }
 
 void NodeData::sl_dataChanged() { emit s_dataChanged(); }
 
-void NodeData::sl_saveToFile(QDataStream &stream) { emit s_saveToFile(stream); }
+void NodeData::save(QDataStream &stream) { emit s_saveToFile(stream); }
 
-void NodeData::sl_openFromFile(QDataStream &stream) { emit s_openFromFile(stream); }
+void NodeData::load(QDataStream &stream) { emit s_openFromFile(stream); }
+
+void NodeData::sl_saveToFile(QDataStream &stream) { save(stream); }
+
+void NodeData::sl_openFromFile(QDataStream &stream) { load(stream); }

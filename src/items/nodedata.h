@@ -34,6 +34,10 @@ public:
     /// The content as an event's, null if it is none.
     EventData *eventContent() const;
 
+    /// Tell the content to write or read its record, which it has done on return.
+    void save(QDataStream &stream);
+    void load(QDataStream &stream);
+
     /// That of the content, empty where there is none.
     QRectF boundingRect() const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;

@@ -165,15 +165,17 @@ OvNode *OverViewerScene::findOvNode(int index)
 void OverViewerScene::forgetScene(const QGraphicsScene *graph)
 {
     if (!storyNodes.empty() && storyNodes.front()->scene() == graph)
-        sl_recieveNodes({});
+        showStory({});
 }
 
-void OverViewerScene::sl_recieveNodes(std::vector<Node *> nodes)
+void OverViewerScene::showStory(std::vector<Node *> nodes)
 {
     storyNodes = std::move(nodes);
     clearOvNodes();
     rebuildOvNodes();
 }
+
+void OverViewerScene::sl_recieveNodes(std::vector<Node *> nodes) { showStory(std::move(nodes)); }
 
 void OverViewerScene::sl_updatedNode(Node *node)
 {

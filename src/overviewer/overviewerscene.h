@@ -28,6 +28,8 @@ public:
 
     /// The entries shown, top first.
     const std::vector<OvNode *> &getOvNodes() const { return ovNodes; }
+    /// Shows that story, first event first, instead of the last one.
+    void showStory(std::vector<Node *> nodes);
     /// The scene whose story it is; null while there are no entries.
     const QGraphicsScene *shownGraph() const;
     /// The gap between two entries, in scene units.

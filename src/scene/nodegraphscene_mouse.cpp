@@ -30,10 +30,8 @@ void NodegraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
     // whole numbers: at the scale of a damaged file's places it reckons wrongly.
     if (band.isActive() || drag.hasLine())
         update();
-    for (Node *node : selectedNodes) {
-        emit node->s_inSocketMove(node->getInSocket()->sceneCentre());
-        emit node->s_outSocketMove(node->getOutSocket()->sceneCentre());
-    }
+    for (Node *node : selectedNodes)
+        node->reportSocketPlaces();
     QGraphicsScene::mouseMoveEvent(event);
 }
 
