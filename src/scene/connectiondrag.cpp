@@ -55,7 +55,7 @@ void ConnectionDrag::begin(const QPointF &start, const QPointF &end, Socket *fro
 void ConnectionDrag::moveTo(const QPointF &mouse)
 {
     if (line)
-        line->sl_setStart(mouse);
+        line->setStart(mouse);
 }
 
 void ConnectionDrag::removeLine()
