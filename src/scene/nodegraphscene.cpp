@@ -17,6 +17,7 @@ namespace {
 
 constexpr double canvasSize = 99999;
 constexpr double attachGap = 100.0;
+constexpr double framingMargin = 50.0;
 
 QColor backgroundColour() { return QColor::fromString(QLatin1String("#606060")); }
 
@@ -31,7 +32,9 @@ QColor veilColour()
 
 NodegraphScene::NodegraphScene()
     : handOut([this](std::unique_ptr<QUndoCommand> command) { emitCommand(std::move(command)); }),
-      band(*this, veilColour())
+      band(*this, veilColour()),
+      records(
+          *this, [this](TextMaking making) { return makeForRecord(making); }, handOut)
 {
     qRegisterMetaType<std::vector<Node *>>("std::vector<Node*>");
     setBackgroundBrush(backgroundColour());
@@ -137,6 +140,15 @@ Node *NodegraphScene::buildNode(QPointF pos, int index, int type, const NodeData
         node->copyDataFrom(data);
     node->setIndex(freeIndex(index, node));
     return node;
+}
+
+Node *NodegraphScene::makeForRecord(TextMaking making)
+{
+    const int provisionalIndex = nodeCounter++;
+    attachToCurrentNode(buildNode(QPointF(0, 0), provisionalIndex, 0, nullptr, QString(), making));
+    updateStory();
+    // By the provisional index, not the new node itself: see recordOrder(), which writing relies on.
+    return findNodeByIndex(provisionalIndex);
 }
 
 void NodegraphScene::wireNode(Node *node)
@@ -282,3 +294,28 @@ void NodegraphScene::copyNodes() { clipboard.copy(); }
 void NodegraphScene::cutNodes() { clipboard.cut(); }
 
 void NodegraphScene::pasteNodes() { clipboard.paste(pointerPosition()); }
+
+void NodegraphScene::saveSceneToFile(QDataStream &stream) { records.write(stream); }
+
+void NodegraphScene::loadSceneFromFile(QDataStream &stream)
+{
+    records.read(stream);
+    frameSelectedNodes();
+}
+
+void NodegraphScene::frameSelectedNodes()
+{
+    const auto sceneRectOf = [](const Node *node) { return node->mapRectToScene(node->boundingRect()); };
+    QRectF bounds;
+    if (currentNode_) {
+        bounds = sceneRectOf(currentNode_);
+    } else {
+        const std::vector<Node *> &framed = selectedNodes.empty() ? nodes : selectedNodes;
+        for (const Node *node : framed)
+            bounds |= sceneRectOf(node);
+    }
+    if (!bounds.isNull())
+        bounds.adjust(-framingMargin, -framingMargin, framingMargin, framingMargin);
+    emit s_frameView(bounds);
+    qInfo() << "Calculating bounds";
+}

@@ -11,6 +11,7 @@
 #include "scene/massremoval.h"
 #include "scene/nodeindexmap.h"
 #include "scene/rubberband.h"
+#include "scene/scenerecords.h"
 #include "scene/storychain.h"
 
 #include <memory>
@@ -134,6 +135,7 @@ protected:
 private:
     Node *buildNode(QPointF pos, int index, int type, const NodeData *data, const QString &name,
                     TextMaking making = TextMaking::atOnce);
+    Node *makeForRecord(TextMaking making);
     void wireNode(Node *node);
     int freeIndex(int wanted, const Node *node) const;
     void attachToCurrentNode(Node *newNode);
@@ -150,9 +152,6 @@ private:
     QGraphicsItem *itemUnder(const QGraphicsSceneMouseEvent &event) const;
     void settleMovedLines();
 
-    std::vector<Node *> readRecords(QDataStream &stream, int count);
-    void restoreConnections(const std::vector<Node *> &loaded, const QString &fileName);
-
     const HandOut handOut; // given to whoever makes edits in the scene's name
 
     std::vector<Node *> nodes;
@@ -167,6 +166,7 @@ private:
     ConnectionDrag drag{*this, handOut};
     RubberBand band;
     Clipboard clipboard{*this, removal};
+    SceneRecords records;
     CanvasDetail detail;
     bool mouseSeen = false; // lastMousePos means something
 };

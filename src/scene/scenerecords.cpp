@@ -1,6 +1,7 @@
-#include "scene/nodegraphscene.h"
+#include "scene/scenerecords.h"
 
 #include "commands/connectnodescommand.h"
+#include "scene/nodegraphscene.h"
 #include "scene/recordorder.h"
 
 #include <QDataStream>
@@ -9,7 +10,7 @@
 #include <QHash>
 
 namespace {
-constexpr double framingMargin = 50;
+
 constexpr int firstScreen = 100;     // events whose texts are made while they are read
 constexpr int mostBlankNodes = 1000; // made for records that a damaged file announces but does not hold
 constexpr int mostNamedRefusals = 20;
@@ -60,8 +61,13 @@ private:
 
 } // namespace
 
-void NodegraphScene::saveSceneToFile(QDataStream &stream)
+SceneRecords::SceneRecords(NodegraphScene &graph, NodeMaking making, HandOut out)
+    : scene(graph), makeNode(std::move(making)), handOut(std::move(out))
+{}
+
+void SceneRecords::write(QDataStream &stream) const
 {
+    const std::vector<Node *> &nodes = scene.getNodes();
     qInfo() << "Nodes to save" << nodes.size();
     stream << qint32(nodes.size());
     std::vector<int> indices;
@@ -77,19 +83,18 @@ void NodegraphScene::saveSceneToFile(QDataStream &stream)
     }
 }
 
-void NodegraphScene::loadSceneFromFile(QDataStream &stream)
+void SceneRecords::read(QDataStream &stream) const
 {
     qInfo() << "Fileopening";
     qint32 count = 0;
     stream >> count;
     qInfo() << "Nodes to open" << count;
     if (count >= 1)
-        restoreConnections(readRecords(stream, count), fileNameOf(stream));
-    frameSelectedNodes();
+        connectAll(readEvents(stream, count), fileNameOf(stream));
 }
 
 /// The nodes that were read, in the order of their records.
-std::vector<Node *> NodegraphScene::readRecords(QDataStream &stream, int count)
+std::vector<Node *> SceneRecords::readEvents(QDataStream &stream, int count) const
 {
     std::vector<Node *> loaded;
     int blankNodes = 0;
@@ -104,21 +109,16 @@ std::vector<Node *> NodegraphScene::readRecords(QDataStream &stream, int count)
         qInfo() << "deserializing node";
         QString typeTag; // every node is an event, whatever the tag says
         stream >> typeTag;
-        const int provisionalIndex = nodeCounter++;
-        const TextMaking making = i < firstScreen ? TextMaking::atOnce : TextMaking::whenNeeded;
-        attachToCurrentNode(buildNode(QPointF(0, 0), provisionalIndex, 0, nullptr, QString(), making));
-        updateStory();
-        // By the provisional index, not the new node itself: see recordOrder(), which writing relies on.
-        Node *node = findNodeByIndex(provisionalIndex);
+        Node *node = makeNode(i < firstScreen ? TextMaking::atOnce : TextMaking::whenNeeded);
         node->openFromStream(stream);
         if (node->getIsEndOfStory())
-            setEndOfStory(node);
+            scene.setEndOfStory(node);
         loaded.push_back(node);
     }
     return loaded;
 }
 
-void NodegraphScene::restoreConnections(const std::vector<Node *> &loaded, const QString &fileName)
+void SceneRecords::connectAll(const std::vector<Node *> &loaded, const QString &fileName) const
 {
     Refusals refusals(fileName);
     std::vector<Node *> unfed; // not reset at once: a node that two records were read into is listed twice
@@ -131,15 +131,16 @@ void NodegraphScene::restoreConnections(const std::vector<Node *> &loaded, const
         const int upstreamIndex = node->getPrevIndex();
         if (upstreamIndex == -1)
             continue;
-        Node *downstream = findNodeByIndex(node->getIndex());
+        Node *downstream = scene.findNodeByIndex(node->getIndex());
         const bool isFound = firstWithIndex.contains(upstreamIndex);
-        const bool isRefused = isFound && wouldCloseCycle(downstream, findNodeByIndex(upstreamIndex));
+        const bool isRefused =
+            isFound && NodegraphScene::wouldCloseCycle(downstream, scene.findNodeByIndex(upstreamIndex));
         if (!isFound || isRefused || downstream != node)
             unfed.push_back(node);
         if (isRefused)
-            refusals.tell(downstream, findNodeByIndex(upstreamIndex));
+            refusals.tell(downstream, scene.findNodeByIndex(upstreamIndex));
         else if (isFound)
-            handOut(std::make_unique<ConnectNodesCommand>(this, node->getIndex(), upstreamIndex));
+            handOut(std::make_unique<ConnectNodesCommand>(&scene, node->getIndex(), upstreamIndex));
         else
             qInfo() << "CouldntFind outNode";
     }
@@ -148,21 +149,4 @@ void NodegraphScene::restoreConnections(const std::vector<Node *> &loaded, const
         if (!node->hasInput())
             node->setPrevIndex(-1);
     }
-}
-
-void NodegraphScene::frameSelectedNodes()
-{
-    const auto sceneRectOf = [](const Node *node) { return node->mapRectToScene(node->boundingRect()); };
-    QRectF bounds;
-    if (currentNode_) {
-        bounds = sceneRectOf(currentNode_);
-    } else {
-        const std::vector<Node *> &framed = selectedNodes.empty() ? nodes : selectedNodes;
-        for (const Node *node : framed)
-            bounds |= sceneRectOf(node);
-    }
-    if (!bounds.isNull())
-        bounds.adjust(-framingMargin, -framingMargin, framingMargin, framingMargin);
-    emit s_frameView(bounds);
-    qInfo() << "Calculating bounds";
 }
