@@ -1,6 +1,6 @@
 #pragma once
 
-#include "items/textmaking.h"
+#include "items/latetext.h"
 #include "scene/handout.h"
 
 #include <vector>
