@@ -207,7 +207,7 @@ void Works::typing()
     NodegraphView *view = story->view();
     QApplication::setActiveWindow(&story->window());
     view->setFocus();
-    middle->getData()->eventContent()->getDescriptionItem()->setFocus();
+    middle->payload()->eventContent()->descriptionItem()->setFocus();
     add(
         QStringLiteral("key in a node"), {},
         [this, view] {
@@ -215,11 +215,11 @@ void Works::typing()
             story->show();
         },
         3 * rounds);
-    OvNode *entry = story->panel()->getOvNodes().at(story->panel()->getOvNodes().size() / 2);
+    OvNode *entry = story->panel()->ovNodes().at(story->panel()->ovNodes().size() / 2);
     QGraphicsView *panelView = story->panelView();
     panelView->centerOn(entry);
     panelView->setFocus();
-    dynamic_cast<EventData *>(entry->getEventData())->getDescriptionItem()->setFocus();
+    dynamic_cast<EventData *>(entry->eventData())->descriptionItem()->setFocus();
     story->show();
     add(
         QStringLiteral("key in the panel"), {},

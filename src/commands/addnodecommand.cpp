@@ -56,8 +56,8 @@ void AddNodeCommand::undo()
     Node *node = scene->findNodeByIndex(index);
     if (!node)
         return;
-    hadEndMark = node->getIsEndOfStory();
-    removal = std::make_unique<DelNodeCommand>(scene, node->pos(), index, node->getData(), node->getTitle());
+    hadEndMark = node->isEndOfStory();
+    removal = std::make_unique<DelNodeCommand>(scene, node->pos(), index, node->payload(), node->title());
     scene->deleteNode(node);
     Node *formerEnd = hadEndMark && formerEndIndex ? scene->findNodeByIndex(*formerEndIndex) : nullptr;
     if (formerEnd)

@@ -53,16 +53,16 @@ void DelNodeCommand::captureLinksAndMarks()
         nextIndices.push_back(next->getIndex());
         nextNodes.emplace_back(next);
     }
-    important = node->getIsImportant();
-    endOfStory = node->getIsEndOfStory();
+    important = node->isImportant();
+    endOfStory = node->isEndOfStory();
 }
 
 /// The user may have typed, moved or connected since the node came back; none of that may be lost.
 void DelNodeCommand::captureAgain()
 {
     pos = node->pos(); // scenePos() would lose the sign of a zero
-    name = node->getTitle();
-    description = descriptionOf(node->getData());
+    name = node->title();
+    description = descriptionOf(node->payload());
     captureLinksAndMarks();
 }
 

@@ -16,12 +16,12 @@ EventData::EventData(QGraphicsItem *parent, TextMaking making)
     setParentItem(parent);
     description = new STLineEdit(tr("Enter description"), descriptionWidth, this, making);
     description->onTextChanged([this] { noteChange(); });
-    lastText = description->getText();
+    lastText = description->text();
 }
 
-QString EventData::getDescription() const { return description->getText(); }
+QString EventData::getDescription() const { return description->text(); }
 
-STLineEdit *EventData::getDescriptionItem() const
+STLineEdit *EventData::descriptionItem() const
 {
     description->make();
     return description;
@@ -67,7 +67,7 @@ void EventData::noteChange()
 {
     if (settingText)
         return;
-    const QString text = description->getText();
+    const QString text = description->text();
     if (text == lastText)
         return;
     lastText = text;
@@ -79,7 +79,7 @@ void EventData::sl_isChanged() { noteChange(); }
 void EventData::sl_saveToFile(QDataStream &stream)
 {
     qInfo() << "Saving event data";
-    stream << description->getText();
+    stream << description->text();
 }
 
 void EventData::sl_openFromFile(QDataStream &stream)

@@ -26,7 +26,7 @@ public:
     /// As setDescription() for a text whose outline (an EventData's bounding rectangle) is known already.
     void setMeasuredDescription(const QString &text, const QRectF &outline);
     /// The text item, whole; owned by this object.
-    STLineEdit *getDescriptionItem() const;
+    STLineEdit *descriptionItem() const;
 
     /// Paints what it looks like where it is too small to be read, in item coordinates, with so much of the
     /// ground (from 0 to 1); makes nothing.

@@ -64,18 +64,18 @@ void Node::createHeader()
 
 void Node::createName(TextMaking making)
 {
-    nameItem = new STNodeName(this, making);
-    nameItem->setZValue(nameZ);
+    nameItem_ = new STNodeName(this, making);
+    nameItem_->setZValue(nameZ);
     if (type == 0)
         setNodeName(tr("Event"));
-    nameItem->setPos(margin, headerHeight / 10); // NOLINT(bugprone-integer-division): whole units
+    nameItem_->setPos(margin, headerHeight / 10); // NOLINT(bugprone-integer-division): whole units
 }
 
 void Node::createSockets()
 {
-    inSocket = new Socket(SocketType::input, this);
-    outSocket = new Socket(SocketType::output, this);
-    for (Socket *socket : {inSocket, outSocket}) {
+    inSocket_ = new Socket(SocketType::input, this);
+    outSocket_ = new Socket(SocketType::output, this);
+    for (Socket *socket : {inSocket_, outSocket_}) {
         socket->setZValue(socketZ);
         connectSocket(socket);
     }
@@ -92,7 +92,7 @@ void Node::createData(TextMaking making)
 {
     data = new NodeData(type, this, making);
     data->setZValue(dataZ);
-    data->moveBy(margin + static_cast<int>(inSocket->boundingRect().width()), headerHeight + margin);
+    data->moveBy(margin + static_cast<int>(inSocket_->boundingRect().width()), headerHeight + margin);
     // Resize before reporting: whoever hears s_changed already sees the new outline.
     connect(data, SIGNAL(s_dataChanged()), this, SLOT(sl_updateSize()));
     connect(data, SIGNAL(s_dataChanged()), this, SLOT(sl_changed()));
@@ -101,15 +101,15 @@ void Node::createData(TextMaking making)
 void Node::setNodeName(const QString &name)
 {
     nodeName = name;
-    nameItem->setTitle(name);
+    nameItem_->setTitle(name);
 }
 
-QString Node::getTitle() const { return nameItem->getTitle(); }
+QString Node::title() const { return nameItem_->title(); }
 
-STNodeName *Node::getNameItem() const
+STNodeName *Node::nameItem() const
 {
-    nameItem->make();
-    return nameItem;
+    nameItem_->make();
+    return nameItem_;
 }
 
 void Node::setIndex(int newIndex)
@@ -123,14 +123,11 @@ void Node::setIndex(int newIndex)
 
 void Node::removeNextNode(const Node *downstream) { std::erase(nextNodes_, downstream); }
 
-ConnectionLine *Node::getOutLine() const
-{
-    return nextNodes_.empty() ? nullptr : nextNodes_.back()->getInLine();
-}
+ConnectionLine *Node::outLine() const { return nextNodes_.empty() ? nullptr : nextNodes_.back()->inLine(); }
 
 void Node::setIsEndOfStory(bool endOfStory)
 {
-    isEndOfStory = endOfStory;
+    isEndOfStory_ = endOfStory;
     update();
 }
 
@@ -138,7 +135,7 @@ void Node::setIsEndOfStory(bool endOfStory)
 void Node::setImportant(bool important)
 {
     emit s_importanceChanged(this, important);
-    isImportant = important;
+    isImportant_ = important;
 }
 
 void Node::copyDataFrom(const NodeData *source)
@@ -150,11 +147,11 @@ void Node::copyDataFrom(const NodeData *source)
 
 void Node::updateLines()
 {
-    if (hasInput_ && inLine)
-        inLine->setStart(inSocket->sceneCentre());
+    if (hasInput_ && inLine_)
+        inLine_->setStart(inSocket_->sceneCentre());
     for (const Node *downstream : nextNodes_) {
-        if (ConnectionLine *line = downstream->getInLine())
-            line->setEnd(outSocket->sceneCentre());
+        if (ConnectionLine *line = downstream->inLine())
+            line->setEnd(outSocket_->sceneCentre());
     }
 }
 
@@ -163,8 +160,8 @@ void Node::updateSize()
     if (!data) // the payload reports its size while it is being made
         return;
     const QRectF payload = data->boundingRect();
-    const QRectF input = inSocket->boundingRect();
-    const QRectF output = outSocket->boundingRect();
+    const QRectF input = inSocket_->boundingRect();
+    const QRectF output = outSocket_->boundingRect();
     const int width = static_cast<int>(input.width() + output.width() + payload.width() + margin);
     const int height = static_cast<int>(headerHeight + payload.height() + margin);
     const QRectF body(0, 0, width, height);
@@ -172,11 +169,11 @@ void Node::updateSize()
         prepareGeometryChange();
         rect = body;
     }
-    inSocket->setPos(0, height / 2);                       // NOLINT(bugprone-integer-division): whole units
-    outSocket->setPos(width - output.width(), height / 2); // NOLINT(bugprone-integer-division)
+    inSocket_->setPos(0, height / 2);                       // NOLINT(bugprone-integer-division): whole units
+    outSocket_->setPos(width - output.width(), height / 2); // NOLINT(bugprone-integer-division)
     updateLines();
     updateHeaderPath();
-    nameItem->setAvailableWidth(width - 2 * margin);
+    nameItem_->setAvailableWidth(width - 2 * margin);
     update();
 }
 
@@ -197,9 +194,9 @@ QColor Node::bodyColor() const
 {
     if (isSelected())
         return selectedColor;
-    if (isImportant)
+    if (isImportant_)
         return importantColor;
-    return isEndOfStory ? endOfStoryColor : baseColor;
+    return isEndOfStory_ ? endOfStoryColor : baseColor;
 }
 
 void Node::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *)
@@ -217,9 +214,9 @@ void Node::paintPicture(QPainter &painter) const
         painter.fillPath(headerItem->path(), headerItem->brush());
     else
         painter.fillRect(headerItem->path().controlPointRect(), headerItem->brush());
-    painter.translate(nameItem->pos());
-    nameItem->paintGreeked(painter);
-    painter.translate(data->pos() - nameItem->pos());
+    painter.translate(nameItem_->pos());
+    nameItem_->paintGreeked(painter);
+    painter.translate(data->pos() - nameItem_->pos());
     if (const EventData *event = data->eventContent())
         event->paintGreeked(painter, detail.ground);
     painter.translate(-data->pos());
@@ -231,9 +228,9 @@ void Node::setDetail(const NodeDetail &wanted)
     detail = wanted;
     if (detail.parts == before)
         return;
-    for (QGraphicsItem *part : std::initializer_list<QGraphicsItem *>{headerItem, nameItem, data})
+    for (QGraphicsItem *part : std::initializer_list<QGraphicsItem *>{headerItem, nameItem_, data})
         part->setVisible(detail.parts == NodeDetail::Parts::all);
-    for (Socket *socket : {inSocket, outSocket})
+    for (Socket *socket : {inSocket_, outSocket_})
         socket->setVisible(detail.parts != NodeDetail::Parts::none);
     update();
 }
@@ -242,7 +239,7 @@ void Node::setDetail(const NodeDetail &wanted)
 /// cover that of the end. The body is all around it, so that it has to stand out from bodies only.
 void Node::paintEndMark(QPainter *painter) const
 {
-    if (!isEndOfStory)
+    if (!isEndOfStory_)
         return;
     const double scale = Detail::scaleOf(*painter);
     const double leastHeight = scale > 0 ? leastEndMark / scale : 0;
@@ -278,8 +275,8 @@ void Node::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
 
 void Node::reportSocketPlaces()
 {
-    const QPointF inputCentre = inSocket->sceneCentre();
-    const QPointF outputCentre = outSocket->sceneCentre();
+    const QPointF inputCentre = inSocket_->sceneCentre();
+    const QPointF outputCentre = outSocket_->sceneCentre();
     emit s_inSocketMove(inputCentre);
     emit s_outSocketMove(outputCentre);
 }
@@ -340,8 +337,8 @@ void Node::saveToStream(QDataStream &stream)
 {
     // A node in a scene stands in no other item; scenePos() would lose the sign of a zero.
     const QPointF place = parentItem() ? scenePos() : pos();
-    stream << getTitle() << place << qint32(index) << qint32(prevIndex) << qint32(isEndOfStory ? 1 : 0)
-           << qint32(isImportant ? 1 : 0);
+    stream << title() << place << qint32(index) << qint32(prevIndex) << qint32(isEndOfStory_ ? 1 : 0)
+           << qint32(isImportant_ ? 1 : 0);
     data->save(stream);
 }
 
@@ -356,7 +353,7 @@ void Node::openFromStream(QDataStream &stream)
     stream >> title >> position >> storedIndex >> storedPrevIndex >> endOfStory >> important;
     data->load(stream);
 
-    nameItem->setTitle(title);
+    nameItem_->setTitle(title);
     placeAt(
         QPointF(finiteCoordinate(position.x(), storedIndex), finiteCoordinate(position.y(), storedIndex)));
     setIndex(storedIndex);
@@ -364,8 +361,8 @@ void Node::openFromStream(QDataStream &stream)
     emit s_indexChanged(this, storedIndex);
     prevIndex = storedPrevIndex;
     if (endOfStory == 1)
-        isEndOfStory = true;
+        isEndOfStory_ = true;
     if (important != 0)
-        isImportant = true;
+        isImportant_ = true;
     update();
 }

@@ -31,15 +31,15 @@ public:
 
     void setNodeName(const QString &name);
     /// The plain text of the title item, which the user edits directly.
-    QString getTitle() const;
+    QString title() const;
 
     int getType() const { return type; }
     /// The payload, with the description; owned by this node.
-    NodeData *getData() const { return data; }
-    Socket *getInSocket() const { return inSocket; }
-    Socket *getOutSocket() const { return outSocket; }
+    NodeData *payload() const { return data; }
+    Socket *inSocket() const { return inSocket_; }
+    Socket *outSocket() const { return outSocket_; }
     /// The title item, whole; owned by this node.
-    STNodeName *getNameItem() const;
+    STNodeName *nameItem() const;
 
     /// The node's number in its scene.
     int getIndex() const { return index; }
@@ -59,17 +59,17 @@ public:
     /// Removes every occurrence.
     void removeNextNode(const Node *downstream);
     /// The line at the input, null when there is none. Owned by the scene.
-    ConnectionLine *getInLine() const { return inLine; }
-    void setInLine(ConnectionLine *line) { inLine = line; }
+    ConnectionLine *inLine() const { return inLine_; }
+    void setInLine(ConnectionLine *line) { inLine_ = line; }
     /// The line of the newest connection made from the output, null when there is none. Owned by the scene.
-    ConnectionLine *getOutLine() const;
+    ConnectionLine *outLine() const;
 
     /// What the body is filled with, by the marks and the selection.
     QColor bodyColor() const;
 
-    bool getIsEndOfStory() const { return isEndOfStory; }
+    bool isEndOfStory() const { return isEndOfStory_; }
     void setIsEndOfStory(bool endOfStory);
-    bool getIsImportant() const { return isImportant; }
+    bool isImportant() const { return isImportant_; }
     void setImportant(bool important);
 
     /// Shows as much as that. The parts that are left out are hidden: they take no press, and none of their
@@ -146,17 +146,17 @@ private:
     QColor importantColor{QStringLiteral("#ADD8E6")};
     QColor endMarkColor{QStringLiteral("#6A1FD0")};
     QGraphicsPathItem *headerItem = nullptr;
-    STNodeName *nameItem = nullptr;
+    STNodeName *nameItem_ = nullptr;
     NodeData *data = nullptr;
     int type;
-    Socket *inSocket = nullptr;
-    Socket *outSocket = nullptr;
+    Socket *inSocket_ = nullptr;
+    Socket *outSocket_ = nullptr;
     Node *prevNode_ = nullptr;
     std::vector<Node *> nextNodes_;
-    ConnectionLine *inLine = nullptr;
+    ConnectionLine *inLine_ = nullptr;
     bool hasInput_ = false;
-    bool isEndOfStory = false;
-    bool isImportant = false;
+    bool isEndOfStory_ = false;
+    bool isImportant_ = false;
     int index = 0;
     int prevIndex = -1;
     NodeDetail detail;

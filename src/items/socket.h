@@ -28,8 +28,8 @@ public:
     void setIsConnected(bool connected) { isConnected = connected; }
     QColor fillColor() const { return isConnected ? connectedColor : color; }
     /// The socket at the other end, null when there is none. Not owned.
-    Socket *getConnectedSocket() const { return connectedSocket; }
-    void setConnectedSocket(Socket *socket) { connectedSocket = socket; }
+    Socket *connectedSocket() const { return connectedSocket_; }
+    void setConnectedSocket(Socket *socket) { connectedSocket_ = socket; }
 
     /// The middle of the socket in scene coordinates: the point where lines end.
     QPointF sceneCentre() const;
@@ -51,7 +51,7 @@ protected:
     void dragEnterEvent(QGraphicsSceneDragDropEvent *event) override;
 
 private:
-    Socket *connectedSocket = nullptr;
+    Socket *connectedSocket_ = nullptr;
     bool isConnected = false;
     int type;
     QColor color{QStringLiteral("#B4A523")};

@@ -81,7 +81,7 @@ void STLineEdit::removePlaceholder()
 {
     setDefaultTextColor(textColor);
     placeholderShown = false;
-    if (getText() == placeholder)
+    if (text() == placeholder)
         setText(QString());
 }
 
@@ -102,7 +102,7 @@ void STLineEdit::keepLate(const QString &text, const QRectF &place)
         textListener();
 }
 
-QString STLineEdit::getText() const { return late.isLate() ? late.text() : TextEditing::exactText(*this); }
+QString STLineEdit::text() const { return late.isLate() ? late.text() : TextEditing::exactText(*this); }
 
 void STLineEdit::textChanged()
 {
@@ -173,7 +173,7 @@ void STLineEdit::paintGreeked(QPainter &painter, double ground)
     QColor color = backgroundColor;
     color.setAlphaF(float(ground));
     painter.fillRect(rect, color);
-    bars.paint(painter, getText(), textFont(),
+    bars.paint(painter, text(), textFont(),
                rect.adjusted(documentMargin, documentMargin, -documentMargin, -documentMargin), textColor);
 }
 

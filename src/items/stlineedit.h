@@ -27,7 +27,7 @@ public:
     void make();
     /// Calls `listener` after every change of the text, whether there is a document yet or not.
     void onTextChanged(std::function<void()> listener) { textListener = std::move(listener); }
-    QString getText() const;
+    QString text() const;
     /// Paints what it looks like where it is too small to be read, in item coordinates, with so much of its
     /// ground (from 0 to 1); makes nothing.
     void paintGreeked(QPainter &painter, double ground);

@@ -75,7 +75,7 @@ void STNodeName::setTitle(const QString &text)
     updateShortText();
 }
 
-QString STNodeName::getTitle() const { return late.isLate() ? late.text() : TextEditing::exactText(*this); }
+QString STNodeName::title() const { return late.isLate() ? late.text() : TextEditing::exactText(*this); }
 
 /// That of the whole title.
 QSizeF STNodeName::textSize() const { return late.isLate() ? late.place().size() : document()->size(); }
@@ -92,7 +92,7 @@ void STNodeName::setAvailableWidth(double width)
 void STNodeName::updateShortText()
 {
     bars.forget();
-    const QString text = getTitle();
+    const QString text = title();
     const double room = availableWidth - 2 * documentMargin;
     const QFontMetricsF metrics(titleFont());
     const auto endsLine = [](QChar unit) {
@@ -155,7 +155,7 @@ void STNodeName::paint(QPainter *painter, const QStyleOptionGraphicsItem *option
 
 void STNodeName::paintGreeked(QPainter &painter)
 {
-    bars.paint(painter, isShortened() ? shortText : getTitle(), titleFont(),
+    bars.paint(painter, isShortened() ? shortText : title(), titleFont(),
                boundingRect().adjusted(documentMargin, documentMargin, -documentMargin, -documentMargin),
                textColor);
 }

@@ -22,7 +22,7 @@ public:
     /// Makes the document and its control if they are still missing.
     void make();
     void setTitle(const QString &text);
-    QString getTitle() const;
+    QString title() const;
 
     /// The width in item coordinates that the title may cover while it is not being edited.
     void setAvailableWidth(double width);

@@ -34,10 +34,10 @@ void OverViewerScene::rebuildOvNodes()
     if (!storyNodes.empty())
         listedGraph = storyNodes.front()->scene();
     for (Node *node : storyNodes) {
-        if (!showImportantOnly || node->getIsImportant())
+        if (!showImportantOnly || node->isImportant())
             addOvNode(node);
     }
-    qInfo() << "No of ovnodes now: " << ovNodes.size();
+    qInfo() << "No of ovnodes now: " << ovNodes_.size();
     layoutOvNodes();
     keyboard.resume();
 }
@@ -47,11 +47,11 @@ void OverViewerScene::addOvNode(Node *node)
     auto *entry = new OvNode(node, TextMaking::whenNeeded);
     if (keyboard.isAwaitedBy(node))
         keyboard.giveBackTo(entry);
-    else if (ovNodes.size() < firstScreen)
+    else if (ovNodes_.size() < firstScreen)
         entry->make();
     entryMark.noteEntry(entry, node);
     addItem(entry);
-    ovNodes.push_back(entry);
+    ovNodes_.push_back(entry);
     currentOvNode = entry;
     connect(entry, &OvNode::s_nodeChanged, this, &OverViewerScene::sl_updateOvNode);
 }
@@ -66,7 +66,7 @@ void OverViewerScene::clearOvNodes()
     entryMark.forgetEntries();
     takeInNewItems(); // several stories may come before the event loop runs
     currentOvNode = nullptr;
-    ovNodes.clear();
+    ovNodes_.clear();
     clear();
 }
 
@@ -76,8 +76,8 @@ void OverViewerScene::makeEntriesIn(double top, double bottom)
     const auto endsAbove = [](const OvNode *entry, double y) {
         return entry->y() + entry->boundingRect().bottom() < y;
     };
-    auto entry = std::lower_bound(ovNodes.begin(), ovNodes.end(), top, endsAbove);
-    for (; entry != ovNodes.end() && (*entry)->y() <= bottom; ++entry)
+    auto entry = std::lower_bound(ovNodes_.begin(), ovNodes_.end(), top, endsAbove);
+    for (; entry != ovNodes_.end() && (*entry)->y() <= bottom; ++entry)
         (*entry)->make();
 }
 
@@ -138,11 +138,11 @@ int OverViewerScene::layoutOvNodes()
         observer->aboutToPlaceEntries();
     int y = 0;
     QRectF covered;
-    for (OvNode *entry : ovNodes) {
+    for (OvNode *entry : ovNodes_) {
         entry->setPos(0, y);
         const QRectF outline = entry->boundingRect();
         covered |= outline.translated(0, y);
-        y = static_cast<int>(spacing + outline.height() + y);
+        y = static_cast<int>(spacing_ + outline.height() + y);
     }
     setSceneRect(covered.isNull() ? emptyPanel : covered);
     if (observer)
@@ -150,13 +150,13 @@ int OverViewerScene::layoutOvNodes()
     return y;
 }
 
-const QGraphicsScene *OverViewerScene::shownGraph() const { return ovNodes.empty() ? nullptr : listedGraph; }
+const QGraphicsScene *OverViewerScene::shownGraph() const { return ovNodes_.empty() ? nullptr : listedGraph; }
 
 OvNode *OverViewerScene::findOvNode(int index)
 {
-    const auto found = std::find_if(ovNodes.begin(), ovNodes.end(),
+    const auto found = std::find_if(ovNodes_.begin(), ovNodes_.end(),
                                     [index](const OvNode *entry) { return entry->getIndex() == index; });
-    if (found == ovNodes.end())
+    if (found == ovNodes_.end())
         return nullptr;
     qInfo() << "Found ovNode";
     return *found;
@@ -181,7 +181,7 @@ void OverViewerScene::sl_updatedNode(Node *node)
 {
     const auto occurrences = std::count(storyNodes.begin(), storyNodes.end(), node);
     for (auto i = occurrences; i > 0; --i) {
-        for (OvNode *entry : ovNodes) {
+        for (OvNode *entry : ovNodes_) {
             if (entry->getIndex() == node->getIndex())
                 entry->updateFromNode();
         }
@@ -190,7 +190,7 @@ void OverViewerScene::sl_updatedNode(Node *node)
 
 void OverViewerScene::sl_updateOvNode(OvNode *entry)
 {
-    emit s_nodeChanged(entry->getEventData(), entry->getIndex());
+    emit s_nodeChanged(entry->eventData(), entry->getIndex());
 }
 
 void OverViewerScene::sl_nodeIndexChanged(Node *node, int index)

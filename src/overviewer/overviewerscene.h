@@ -27,13 +27,13 @@ public:
     ~OverViewerScene() override;
 
     /// The entries shown, top first.
-    const std::vector<OvNode *> &getOvNodes() const { return ovNodes; }
+    const std::vector<OvNode *> &ovNodes() const { return ovNodes_; }
     /// Shows that story, first event first, instead of the last one.
     void showStory(std::vector<Node *> nodes);
     /// The scene whose story it is; null while there are no entries.
     const QGraphicsScene *shownGraph() const;
     /// The gap between two entries, in scene units.
-    int getSpacing() const { return spacing; }
+    int spacing() const { return spacing_; }
     /// Stacks the entries; returns the y after the last one.
     int layoutOvNodes();
     /// The first entry with that index, null if there is none.
@@ -77,10 +77,10 @@ private:
     void clearOvNodes();
 
     std::vector<Node *> storyNodes; // not owned; refreshed or emptied before any of them goes
-    std::vector<OvNode *> ovNodes;
+    std::vector<OvNode *> ovNodes_;
     QPointer<const QGraphicsScene> listedGraph; // of the entries, or of the last ones if there are none
     QColor backgroundColor{QStringLiteral("#EAEAEA")};
-    int spacing = 5; // scene units
+    int spacing_ = 5; // scene units
     OvNode *currentOvNode = nullptr;
     bool showImportantOnly = false;
     PanelMark entryMark;

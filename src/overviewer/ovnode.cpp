@@ -27,7 +27,7 @@ double halfOfScreenLine(const QPainter &painter)
 
 OvNode::OvNode(Node *shownNode, TextMaking making)
     : node(shownNode), type(shownNode->getType()), index(shownNode->getIndex()),
-      isImportant(shownNode->getIsImportant())
+      isImportant(shownNode->isImportant())
 {
     if (making == TextMaking::atOnce && type == 0)
         takeContent(new EventData(nullptr, making));
@@ -38,7 +38,7 @@ void OvNode::takeContent(EventData *content)
 {
     late.take();
     connect(content, SIGNAL(s_isChanged()), this, SLOT(sl_nodeChanged()));
-    eventData = content;
+    eventData_ = content;
 }
 
 void OvNode::make()
@@ -53,7 +53,7 @@ void OvNode::make()
 
 EventData *OvNode::releaseContent()
 {
-    auto *content = dynamic_cast<EventData *>(eventData);
+    auto *content = dynamic_cast<EventData *>(eventData_);
     if (!content)
         return nullptr;
     late.keep(content->getDescription(), content->boundingRect());
@@ -61,7 +61,7 @@ EventData *OvNode::releaseContent()
     content->setParentItem(nullptr);
     if (scene())
         scene()->removeItem(content);
-    eventData = nullptr;
+    eventData_ = nullptr;
     return content;
 }
 
@@ -74,26 +74,26 @@ void OvNode::adopt(EventData *content)
         content->setDescription(text);
 }
 
-QGraphicsItem *OvNode::getEventData()
+QGraphicsItem *OvNode::eventData()
 {
     make();
-    return eventData;
+    return eventData_;
 }
 
 OvNode::~OvNode()
 {
-    if (eventData && !eventData->parentItem()) // never filled, so nobody's child yet
-        delete eventData;
+    if (eventData_ && !eventData_->parentItem()) // never filled, so nobody's child yet
+        delete eventData_;
 }
 
-EventData *OvNode::nodeContent() const { return node->getData() ? node->getData()->eventContent() : nullptr; }
+EventData *OvNode::nodeContent() const { return node->payload() ? node->payload()->eventContent() : nullptr; }
 
 void OvNode::updateFromNode()
 {
     const EventData *content = nodeContent();
     if (type != 0 || !content)
         return;
-    if (auto *shown = dynamic_cast<EventData *>(eventData)) {
+    if (auto *shown = dynamic_cast<EventData *>(eventData_)) {
         shown->setParentItem(this);
         shown->setDescription(content->getDescription());
         return;
@@ -109,7 +109,7 @@ void OvNode::updateFromNode()
 
 void OvNode::sl_nodeChanged() { emit s_nodeChanged(this); }
 
-QRectF OvNode::boundingRect() const { return late.isLate() ? late.place() : eventData->boundingRect(); }
+QRectF OvNode::boundingRect() const { return late.isLate() ? late.place() : eventData_->boundingRect(); }
 
 void OvNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *)
 {

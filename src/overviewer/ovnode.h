@@ -41,7 +41,7 @@ public:
     void setIndex(int newIndex) { index = newIndex; }
     void setImportant(bool important) { isImportant = important; }
     /// The entry's own content, an EventData; owned by the entry. Null for a node that is no event.
-    QGraphicsItem *getEventData();
+    QGraphicsItem *eventData();
 
     QRectF boundingRect() const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
@@ -61,7 +61,7 @@ private:
     void takeContent(EventData *content);
 
     Node *node;
-    QGraphicsItem *eventData = nullptr;
+    QGraphicsItem *eventData_ = nullptr;
     LateText late; // the description while there is no content
     int type;
     int index;

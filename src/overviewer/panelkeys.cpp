@@ -133,7 +133,7 @@ void PanelKeys::updateMark()
 OvNode *PanelKeys::topEntry() const
 {
     const double top = view->viewportTransform().inverted().map(QPointF(0, -1)).y(); // it may be rounded
-    const std::vector<OvNode *> &entries = scene->getOvNodes();
+    const std::vector<OvNode *> &entries = scene->ovNodes();
     const auto shown = std::find_if(entries.begin(), entries.end(),
                                     [top](const OvNode *entry) { return entry->top() >= top; });
     if (shown != entries.end())
@@ -145,7 +145,7 @@ double PanelKeys::pageHeight() const { return view->viewport()->height() / view-
 
 OvNode *PanelKeys::entryAt(int key) const
 {
-    const std::vector<OvNode *> &entries = scene->getOvNodes();
+    const std::vector<OvNode *> &entries = scene->ovNodes();
     if (entries.empty())
         return nullptr;
     const auto marked = std::find(entries.begin(), entries.end(), scene->mark().entry());
@@ -207,10 +207,10 @@ void PanelKeys::bringIntoSight(const OvNode *entry) const
 /// What asks for a description goes, as with F2 on the canvas.
 void PanelKeys::writeIn(OvNode *entry)
 {
-    auto *content = dynamic_cast<EventData *>(entry->getEventData());
+    auto *content = dynamic_cast<EventData *>(entry->eventData());
     if (!content)
         return;
-    STLineEdit *text = content->getDescriptionItem();
+    STLineEdit *text = content->descriptionItem();
     text->removePlaceholder();
     bringIntoSight(entry);
     text->setFocus(Qt::ShortcutFocusReason);

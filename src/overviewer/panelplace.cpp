@@ -60,12 +60,12 @@ double PanelPlace::pixelY(double sceneY) const
 void PanelPlace::aboutToPlaceEntries()
 {
     const bool isFirst = !std::exchange(isPlacing, true);
-    const std::vector<OvNode *> &entries = scene->getOvNodes();
+    const std::vector<OvNode *> &entries = scene->ovNodes();
     if (!isFirst || kept || entries.empty())
         return;
     // By the upper edges alone: an entry that grows has its new height already.
     const double edge = view->viewportTransform().inverted().map(QPointF(0, 0)).y();
-    const auto below = std::upper_bound(entries.begin() + 1, entries.end(), edge + scene->getSpacing(),
+    const auto below = std::upper_bound(entries.begin() + 1, entries.end(), edge + scene->spacing(),
                                         [](double y, const OvNode *entry) { return y < entry->top(); });
     const auto top = static_cast<std::size_t>(below - entries.begin() - 1);
     keep(top, pixelY(entries[top]->top()));
@@ -77,15 +77,15 @@ void PanelPlace::keep(std::size_t top, double y)
     place.graph = scene->shownGraph();
     place.top = top;
     place.y = y;
-    place.indices.reserve(scene->getOvNodes().size());
-    for (const OvNode *entry : scene->getOvNodes())
+    place.indices.reserve(scene->ovNodes().size());
+    for (const OvNode *entry : scene->ovNodes())
         place.indices.push_back(entry->getIndex());
     kept = std::move(place);
 }
 
 void PanelPlace::entriesPlaced()
 {
-    const std::vector<OvNode *> &entries = scene->getOvNodes();
+    const std::vector<OvNode *> &entries = scene->ovNodes();
     if (!entries.empty()) {
         choosePlaceOf(scene->shownGraph());
         QScrollBar *bar = view->verticalScrollBar();
@@ -121,7 +121,7 @@ void PanelPlace::choosePlaceOf(const QGraphicsScene *graph)
 
 int PanelPlace::listedFrom(const Place &wanted) const
 {
-    const std::vector<OvNode *> &entries = scene->getOvNodes();
+    const std::vector<OvNode *> &entries = scene->ovNodes();
     const int top = wanted.indices[wanted.top];
     const auto found = std::find_if(entries.begin(), entries.end(),
                                     [top](const OvNode *entry) { return entry->getIndex() == top; });

@@ -22,10 +22,10 @@ void setNodeShown(QGraphicsScene &canvas, Node *node, bool shown)
         leaveTextOf(canvas, *node);
     node->setVisible(shown);
     node->setEnabled(shown);
-    if (ConnectionLine *line = node->getInLine())
+    if (ConnectionLine *line = node->inLine())
         line->setVisible(shown && node->prevNode()->isVisible());
     for (const Node *downstream : node->nextNodes()) {
-        if (ConnectionLine *line = downstream->getInLine())
+        if (ConnectionLine *line = downstream->inLine())
             line->setVisible(shown && downstream->isVisible());
     }
 }
@@ -85,10 +85,10 @@ Node *Paste::duplicate(Node *source, const QPointF &target, bool isEnd) const
     Node *made = scene.addNodeAt(target, source->getType(), -1, isEnd ? source->getIndex() : -1);
     if (!made)
         return nullptr;
-    made->copyDataFrom(source->getData());
-    made->setNodeName(source->getTitle());
+    made->copyDataFrom(source->payload());
+    made->setNodeName(source->title());
     made->setPos(source->scenePos());
-    if (source->getIsImportant())
+    if (source->isImportant())
         made->setImportant(true);
     return made;
 }

@@ -16,12 +16,12 @@ ConnectionDrag::ConnectionDrag(NodegraphScene &graph, HandOut out) : scene(graph
 void ConnectionDrag::pressSocket(const Node &node, int type, const QPointF &pos)
 {
     if (type != SocketType::input) {
-        begin(node.getInSocket()->sceneCentre(), pos, node.getOutSocket());
+        begin(node.inSocket()->sceneCentre(), pos, node.outSocket());
         return;
     }
     if (node.hasInput())
         part(node);
-    begin(node.getOutSocket()->sceneCentre(), pos, node.getInSocket());
+    begin(node.outSocket()->sceneCentre(), pos, node.inSocket());
 }
 
 void ConnectionDrag::grabLine(const ConnectionLine &grabbed, int type, const QPointF &mouse)

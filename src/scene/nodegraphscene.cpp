@@ -47,7 +47,7 @@ NodegraphScene::~NodegraphScene()
     std::vector<QGraphicsItem *> all;
     for (Node *node : nodes) {
         all.push_back(node);
-        if (ConnectionLine *line = node->getInLine())
+        if (ConnectionLine *line = node->inLine())
             all.push_back(line);
     }
     {

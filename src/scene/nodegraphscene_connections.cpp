@@ -46,10 +46,10 @@ void NodegraphScene::connectNodes(Node *downstream, Node *upstream)
     downstream->setPrevNode(upstream);
     upstream->addNextNode(downstream);
     downstream->setHasInput(true);
-    pairSockets(downstream->getInSocket(), upstream->getOutSocket());
+    pairSockets(downstream->inSocket(), upstream->outSocket());
 
     auto *line =
-        new ConnectionLine(downstream->getInSocket()->sceneCentre(), upstream->getOutSocket()->sceneCentre());
+        new ConnectionLine(downstream->inSocket()->sceneCentre(), upstream->outSocket()->sceneCentre());
     removal.bringIn(line);
     wireLine(line, downstream, upstream);
     downstream->setPrevIndex(upstream->getIndex());
@@ -62,7 +62,7 @@ void NodegraphScene::wireLine(ConnectionLine *line, Node *downstream, Node *upst
     connect(downstream, SIGNAL(s_inSocketMove(QPointF)), line, SLOT(sl_setStart(QPointF)));
     downstream->setInLine(line);
     connect(upstream, SIGNAL(s_outSocketMove(QPointF)), line, SLOT(sl_setEnd(QPointF)));
-    line->setSockets(downstream->getInSocket(), upstream->getOutSocket());
+    line->setSockets(downstream->inSocket(), upstream->outSocket());
     line->setVisible(downstream->isVisible() && upstream->isVisible()); // a cut node hides its lines too
     connect(line, SIGNAL(s_clicked(ConnectionLine*,int)), this,
                          SLOT(sl_connectionLineClicked(ConnectionLine*,int)));
@@ -74,11 +74,11 @@ void NodegraphScene::disconnectNode(Node *node)
         return;
     if (node->hasInput()) {
         Node *upstream = node->prevNode();
-        pairSockets(node->getInSocket(), nullptr);
-        pairSockets(upstream->getOutSocket(), nullptr);
+        pairSockets(node->inSocket(), nullptr);
+        pairSockets(upstream->outSocket(), nullptr);
         upstream->removeNextNode(node);
         if (!upstream->nextNodes().empty())
-            pairSockets(upstream->getOutSocket(), upstream->nextNodes().front()->getInSocket());
+            pairSockets(upstream->outSocket(), upstream->nextNodes().front()->inSocket());
     }
     node->setPrevIndex(-1);
     node->setPrevNode(nullptr);
@@ -91,7 +91,7 @@ void NodegraphScene::disconnectNode(Node *node)
 /// Takes the line out at once; it dies later, because this may be running inside the line's own press.
 void NodegraphScene::removeInputLine(Node *node)
 {
-    ConnectionLine *line = node->getInLine();
+    ConnectionLine *line = node->inLine();
     if (!line)
         return;
     node->setInLine(nullptr);

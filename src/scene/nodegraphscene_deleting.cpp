@@ -29,8 +29,8 @@ void NodegraphScene::deleteSelectedNodes(Node *node)
 void NodegraphScene::pushDelNodeCommand(Node *node)
 {
     qInfo() << "Del";
-    handOut(std::make_unique<DelNodeCommand>(this, node->pos(), node->getIndex(), node->getData(),
-                                             node->getTitle()));
+    handOut(std::make_unique<DelNodeCommand>(this, node->pos(), node->getIndex(), node->payload(),
+                                             node->title()));
 }
 
 void NodegraphScene::deleteNode(Node *node)

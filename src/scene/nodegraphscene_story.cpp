@@ -37,7 +37,7 @@ void NodegraphScene::toggleImportance(Node *node)
         node = currentNode_;
     if (!node)
         return;
-    node->setImportant(!node->getIsImportant());
+    node->setImportant(!node->isImportant());
     node->update();
     updateStory();
 }
@@ -53,10 +53,10 @@ void NodegraphScene::sl_nodeChanged(Node *node)
 void NodegraphScene::sl_ovNodeChanged(QGraphicsItem *nodeData, int index)
 {
     const Node *node = findNodeByIndex(index);
-    if (!node || node->getType() != 0 || !nodeData || !node->getData())
+    if (!node || node->getType() != 0 || !nodeData || !node->payload())
         return;
     const auto *edited = dynamic_cast<EventData *>(nodeData);
-    EventData *event = node->getData()->eventContent();
+    EventData *event = node->payload()->eventContent();
     if (edited && event)
         event->setDescription(edited->getDescription());
 }

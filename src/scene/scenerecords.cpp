@@ -26,7 +26,7 @@ QString fileNameOf(const QDataStream &stream)
 QString shortTitle(const Node *node)
 {
     constexpr qsizetype most = 40;
-    const QString title = node->getTitle();
+    const QString title = node->title();
     return title.size() <= most ? title : title.first(most - 1) + QChar(u'\u2026');
 }
 
@@ -111,7 +111,7 @@ std::vector<Node *> SceneRecords::readEvents(QDataStream &stream, int count) con
         stream >> typeTag;
         Node *node = makeNode(i < firstScreen ? TextMaking::atOnce : TextMaking::whenNeeded);
         node->openFromStream(stream);
-        if (node->getIsEndOfStory())
+        if (node->isEndOfStory())
             scene.setEndOfStory(node);
         loaded.push_back(node);
     }

@@ -137,17 +137,17 @@ void CanvasKeys::comeClose(const Node *node)
 /// title is selected, ready to be typed over, and what asks for a description goes.
 void CanvasKeys::edit(Node *node)
 {
-    QGraphicsTextItem *text = node->getNameItem();
+    QGraphicsTextItem *text = node->nameItem();
     if (!text->isVisible())
         comeClose(node);
-    if (text->hasFocus() && node->getData() && node->getData()->eventContent()) {
-        STLineEdit *description = node->getData()->eventContent()->getDescriptionItem();
+    if (text->hasFocus() && node->payload() && node->payload()->eventContent()) {
+        STLineEdit *description = node->payload()->eventContent()->descriptionItem();
         description->removePlaceholder();
         text = description;
     }
     text->setFocus(Qt::ShortcutFocusReason);
     QTextCursor cursor = text->textCursor();
-    if (text == node->getNameItem())
+    if (text == node->nameItem())
         cursor.select(QTextCursor::Document);
     else
         cursor.movePosition(QTextCursor::End);

@@ -40,7 +40,7 @@ struct FarWindow
     {
         const std::vector<Node *> &nodes = scene()->getNodes();
         const auto found = std::find_if(nodes.begin(), nodes.end(),
-                                        [](const Node *node) { return node->getTitle() == nearTitle; });
+                                        [](const Node *node) { return node->title() == nearTitle; });
         return found == nodes.end() ? nullptr : *found;
     }
     Node *farNode() { return scene()->getNodes().back(); }

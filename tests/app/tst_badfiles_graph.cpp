@@ -223,7 +223,7 @@ void tst_BadFilesGraph::cycleIsOpenedWithoutItsLastConnection()
     QCOMPARE(opener.open(graph(4, same, [](int i) { return (i + 3) % 4; })), QString());
     QStringList feeders;
     for (const Node *node : sceneOf(opener.window(), 0)->getNodes())
-        feeders << (node->prevNode() ? node->prevNode()->getTitle() : QStringLiteral("nobody"));
+        feeders << (node->prevNode() ? node->prevNode()->title() : QStringLiteral("nobody"));
     // The first record asks for the last event, which nobody feeds yet; then the chain comes back to it.
     QCOMPARE(feeders, QStringList({QStringLiteral("Event 3"), QStringLiteral("Event 0"),
                                    QStringLiteral("Event 1"), QStringLiteral("nobody")}));

@@ -26,7 +26,7 @@ QStringList textsOf(const NodegraphScene *scene)
 {
     QStringList texts;
     for (const Node *node : scene->getNodes())
-        texts << node->getTitle() << descriptionOf(node)->toPlainText();
+        texts << node->title() << descriptionOf(node)->toPlainText();
     return texts;
 }
 
@@ -90,10 +90,10 @@ void tst_CurrentEvent::newCurrentEventTakesTheKeyboardAway()
     const Node *current = stage.scene()->currentNode();
     QVERIFY(current && current != stage.dawn);
     stage.key(Qt::Key_F2);
-    QCOMPARE(stage.editedText(), current->getNameItem());
+    QCOMPARE(stage.editedText(), current->nameItem());
     write(stage, QStringLiteral("STORM"));
-    QCOMPARE(current->getTitle(), QStringLiteral("storm"));
-    QCOMPARE(stage.dawn->getTitle(), QStringLiteral("Dawn"));
+    QCOMPARE(current->title(), QStringLiteral("storm"));
+    QCOMPARE(stage.dawn->title(), QStringLiteral("Dawn"));
     QCOMPARE(descriptionOf(stage.dawn)->toPlainText(), former);
 }
 
@@ -101,7 +101,7 @@ void tst_CurrentEvent::newCurrentEventTakesTheKeyboardAway()
 void tst_CurrentEvent::looseEventTakesTheKeyboardAway()
 {
     WorstStage stage;
-    stage.edit(stage.dawn->getNameItem());
+    stage.edit(stage.dawn->nameItem());
     QCOMPARE(stage.scene()->currentNode(), nullptr);
     stage.key(Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
     QCOMPARE(stage.editedText(), nullptr);
@@ -114,19 +114,19 @@ void tst_CurrentEvent::looseEventTakesTheKeyboardAway()
 void tst_CurrentEvent::textThatWasPressedIsGoneOnWith()
 {
     WorstStage stage;
-    stage.edit(stage.dawn->getNameItem());
+    stage.edit(stage.dawn->nameItem());
     stage.key(Qt::Key_F2);
     QCOMPARE(stage.editedText(), descriptionOf(stage.dawn));
     stage.key(Qt::Key_F2);
-    QCOMPARE(stage.editedText(), stage.dawn->getNameItem());
+    QCOMPARE(stage.editedText(), stage.dawn->nameItem());
 }
 
 void tst_CurrentEvent::textOfTheCurrentEventKeepsTheKeyboard()
 {
     WorstStage stage;
-    stage.edit(stage.dawn->getNameItem());
+    stage.edit(stage.dawn->nameItem());
     stage.scene()->sl_selectCurrentNode(stage.dawn);
-    QCOMPARE(stage.editedText(), stage.dawn->getNameItem());
+    QCOMPARE(stage.editedText(), stage.dawn->nameItem());
 }
 
 void tst_CurrentEvent::keyboardDoesNotReturnToAFormerEvent_data()
@@ -142,7 +142,7 @@ void tst_CurrentEvent::keyboardDoesNotReturnToAFormerEvent()
     QFETCH(bool, isPressed);
     WorstStage stage;
     if (isPressed) {
-        stage.edit(stage.dawn->getNameItem());
+        stage.edit(stage.dawn->nameItem());
     } else {
         click(stage, bodyOf(stage.dawn));
         stage.key(Qt::Key_F2);
@@ -162,7 +162,7 @@ void tst_CurrentEvent::keyboardReturnsToTheTextThatWasLeft()
     stage.panel()->views().constFirst()->setFocus();
     stage.trigger("actionSet_as_Important");
     stage.view()->setFocus();
-    QCOMPARE(stage.editedText(), stage.dawn->getNameItem());
+    QCOMPARE(stage.editedText(), stage.dawn->nameItem());
 }
 
 // The framework would go back to the text that was edited last, however long ago.
@@ -179,7 +179,7 @@ void tst_CurrentEvent::tabLandsInNoText()
         QCOMPARE(stage.editedText(), nullptr);
         QVERIFY(stage.view()->hasFocus());
     }
-    stage.edit(stage.dawn->getNameItem());
+    stage.edit(stage.dawn->nameItem());
     stage.panel()->views().constFirst()->setFocus();
     stage.view()->setFocus(Qt::TabFocusReason);
     QCOMPARE(stage.editedText(), nullptr); // the next Tab would be written into it
@@ -204,7 +204,7 @@ void tst_CurrentEvent::cutEventIsNotWrittenInto()
     QVERIFY(stage.dawn->isVisible());
     QCOMPARE(stage.editedText(), nullptr);
     stage.key(Qt::Key_Delete);
-    QCOMPARE(stage.dawn->getTitle(), QStringLiteral("Dawn"));
+    QCOMPARE(stage.dawn->title(), QStringLiteral("Dawn"));
     QVERIFY(titlesOf(stage.scene()).contains(QStringLiteral("Dawn")));
     QVERIFY(!titlesOf(stage.scene()).contains(QStringLiteral("Dusk")));
 }
@@ -222,7 +222,7 @@ void tst_CurrentEvent::cutEndsTheWriting()
     WorstStage stage;
     click(stage, bodyOf(stage.dawn));
     stage.key(Qt::Key_F2);
-    QCOMPARE(stage.editedText(), stage.dawn->getNameItem());
+    QCOMPARE(stage.editedText(), stage.dawn->nameItem());
     if (isAway)
         stage.panel()->views().constFirst()->setFocus();
     const QStringList texts = textsOf(stage.scene());
@@ -237,7 +237,7 @@ void tst_CurrentEvent::cutEndsTheWriting()
     QCOMPARE(textsOf(stage.scene()), texts);
     // It is no worse for having been away.
     stage.key(Qt::Key_F2);
-    QCOMPARE(stage.editedText(), stage.dawn->getNameItem());
+    QCOMPARE(stage.editedText(), stage.dawn->nameItem());
     click(stage, middleOf(descriptionOf(stage.dawn)));
     QCOMPARE(stage.editedText(), descriptionOf(stage.dawn));
 }

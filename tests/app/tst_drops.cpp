@@ -88,7 +88,7 @@ void tst_Drops::whatTakesNoTextRefusesIt()
         {QStringLiteral("fed input"), inputOf(stage.noon)},
         {QStringLiteral("body"), bodyOf(stage.dusk)},
         {QStringLiteral("header"), stage.dusk->mapToScene(stage.dusk->boundingRect().width() - 20, 17)},
-        {QStringLiteral("line"), nearEnd(stage.noon->getInLine(), SocketType::input)},
+        {QStringLiteral("line"), nearEnd(stage.noon->inLine(), SocketType::input)},
         {QStringLiteral("canvas"), QPointF(520, 20)}};
     const QPoint pos = stage.view()->mapFromScene(places.value(place));
     Carried carried(stage.view(), carriedText);
@@ -111,7 +111,7 @@ void tst_Drops::textBelowASocketTakesIt()
 void tst_Drops::socketStillShowsThatItTakesDrops()
 {
     const WorstStage stage;
-    QVERIFY(stage.dusk->getInSocket()->acceptDrops() && stage.dusk->getOutSocket()->acceptDrops());
+    QVERIFY(stage.dusk->inSocket()->acceptDrops() && stage.dusk->outSocket()->acceptDrops());
 }
 
 // It landed in the midst of what asks for a description: "Edropped textnter description".
@@ -123,7 +123,7 @@ void tst_Drops::untouchedDescriptionIsReplaced()
     QCOMPARE(descriptionOf(added)->toPlainText(), untouched);
     QVERIFY(Carried(stage.view(), carriedText).drop(middleOf(stage.view(), descriptionOf(added))));
     QCOMPARE(descriptionOf(added)->toPlainText(), carriedText);
-    QCOMPARE(added->getData()->eventContent()->getDescription(), carriedText);
+    QCOMPARE(added->payload()->eventContent()->getDescription(), carriedText);
     // A press into it later does not take it for what asks for a description.
     stage.edit(descriptionOf(added));
     QVERIFY(descriptionOf(added)->toPlainText().startsWith(carriedText));

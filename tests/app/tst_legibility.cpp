@@ -356,7 +356,7 @@ void tst_Legibility::eventTexts()
     scene->sl_deselectCurrentNode();
     Node *node = addEvent(scene, QStringLiteral("A title"), QStringLiteral("What happens then"));
     scene->sl_deselectCurrentNode();
-    QVERIFY(!node->getIsEndOfStory());
+    QVERIFY(!node->isEndOfStory());
     if (state == QLatin1String("current"))
         scene->sl_selectCurrentNode(node);
     if (state.contains(QLatin1String("important")))
@@ -365,9 +365,9 @@ void tst_Legibility::eventTexts()
         scene->setEndOfStory(node);
     const bool edited = state == QLatin1String("edited");
     if (edited)
-        node->getNameItem()->setFocus();
+        node->nameItem()->setFocus();
     // The colours of titles are the design's own; bold and this large they can be read with less.
-    const Painted title = paintedText(node->getNameItem());
+    const Painted title = paintedText(node->nameItem());
     QVERIFY2(contrast(title.text, title.background) >= (edited ? 3.3 : 4.2), qPrintable(told(title)));
     if (edited)
         descriptionOf(node)->setFocus();
@@ -380,7 +380,7 @@ void tst_Legibility::selectedEventTexts()
     NodegraphScene *scene = sceneOf(*window, 0);
     Node *node = addEvent(scene, QStringLiteral("Title"), QStringLiteral("Words").repeated(4));
     const QColor plain = paintedText(descriptionOf(node)).background;
-    for (QGraphicsTextItem *item : {static_cast<QGraphicsTextItem *>(node->getNameItem()),
+    for (QGraphicsTextItem *item : {static_cast<QGraphicsTextItem *>(node->nameItem()),
                                     static_cast<QGraphicsTextItem *>(descriptionOf(node))}) {
         item->setFocus();
         QTextCursor cursor(item->document());
@@ -402,7 +402,7 @@ void tst_Legibility::panelEntry()
 {
     NodegraphScene *scene = sceneOf(*window, 0);
     scene->setEndOfStory(addEvent(scene, QStringLiteral("A title"), QStringLiteral("What happens then")));
-    OvNode *entry = window->getOverviewerScene()->getOvNodes().at(0);
+    OvNode *entry = window->getOverviewerScene()->ovNodes().at(0);
     QGraphicsView *panel = window->getOverviewerScene()->views().at(0);
     const QRectF part = descriptionOf(entry)->sceneBoundingRect().adjusted(14, 14, -14, -14);
     const Painted colours =
@@ -417,7 +417,7 @@ void tst_Legibility::outlineOfAnImportantEntry()
     scene->setEndOfStory(node);
     QGraphicsView *panel = window->getOverviewerScene()->views().at(0);
     const auto edge = [this, panel] {
-        const OvNode *entry = window->getOverviewerScene()->getOvNodes().at(0);
+        const OvNode *entry = window->getOverviewerScene()->ovNodes().at(0);
         const QRectF top(entry->sceneBoundingRect().center().x(), entry->sceneBoundingRect().top() - 4, 1, 8);
         return painted(panel->viewport()->grab(panel->mapFromScene(top).boundingRect()).toImage());
     };

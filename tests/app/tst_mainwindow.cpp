@@ -212,11 +212,11 @@ void tst_MainWindow::panelFollowsTheGraphOfEveryTab()
     typeInto(descriptionOf(first), QStringLiteral("uno"));
     QCOMPARE(panelTexts(window), QStringList({QStringLiteral("uno"), QStringLiteral("two")}));
 
-    typeInto(descriptionOf(panel->getOvNodes().back()), QStringLiteral("due"));
+    typeInto(descriptionOf(panel->ovNodes().back()), QStringLiteral("due"));
     QCOMPARE(descriptionOf(second)->toPlainText(), QStringLiteral("due"));
 
     second->setIndex(41);
-    QCOMPARE(panel->getOvNodes().back()->getIndex(), 41);
+    QCOMPARE(panel->ovNodes().back()->getIndex(), 41);
 
     // The mark reaches the panel with its own signal, before the story is told again.
     LogCapture log;
@@ -291,7 +291,7 @@ void tst_MainWindow::panelEditReachesEveryTab()
     const Node *shown = addEvent(sceneOf(window, 0), QStringLiteral("A"), QStringLiteral("first"));
     QCOMPARE(shown->getIndex(), hidden->getIndex());
 
-    typeInto(descriptionOf(window.getOverviewerScene()->getOvNodes().front()), QStringLiteral("both"));
+    typeInto(descriptionOf(window.getOverviewerScene()->ovNodes().front()), QStringLiteral("both"));
     QCOMPARE(descriptionOf(shown)->toPlainText(), QStringLiteral("both"));
     QCOMPARE(descriptionOf(hidden)->toPlainText(), QStringLiteral("both"));
     QCOMPARE(descriptionOf(sceneOf(window, 2)->getNodes().front())->toPlainText(), QStringLiteral("third"));

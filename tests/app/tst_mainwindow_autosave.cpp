@@ -194,8 +194,8 @@ void tst_MainWindowAutosave::fileCanBeOpened()
     window.sl_loadFile();
     QCOMPARE(answers.problem(), QString());
     QCOMPARE(tabTitles(window), QStringList({QStringLiteral("Story 1"), QStringLiteral("Story 2")}));
-    QCOMPARE(sceneOf(window, 0)->getNodes().front()->getTitle(), QStringLiteral("Dawn"));
-    QCOMPARE(sceneOf(window, 1)->getNodes().front()->getTitle(), QStringLiteral("Dusk"));
+    QCOMPARE(sceneOf(window, 0)->getNodes().front()->title(), QStringLiteral("Dawn"));
+    QCOMPARE(sceneOf(window, 1)->getNodes().front()->title(), QStringLiteral("Dusk"));
     QCOMPARE(panelTexts(window), QStringList{QStringLiteral("It begins.")});
 }
 

@@ -364,7 +364,7 @@ void tst_MainWindowAutosaveMeanwhile::connectionIsDragged()
 
 void tst_MainWindowAutosaveMeanwhile::lineIsDragged()
 {
-    const QPointF grip = nearEnd(noon->getInLine(), SocketType::output);
+    const QPointF grip = nearEnd(noon->inLine(), SocketType::output);
     move(grip);
     press(grip);
     move(grip + QPointF(5, 60));
@@ -463,7 +463,7 @@ void tst_MainWindowAutosaveMeanwhile::textIsEdited()
     if (inTitle)
         text = titleOf(dawn);
     else if (inPanel)
-        text = descriptionOf(window->getOverviewerScene()->getOvNodes().front());
+        text = descriptionOf(window->getOverviewerScene()->ovNodes().front());
     QString &saved = inTitle ? dawnRecord.title : dawnRecord.description;
 
     QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {},

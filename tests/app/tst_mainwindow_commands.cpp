@@ -81,7 +81,7 @@ void tst_MainWindowCommands::onlyTheCurrentTabIsTouched()
     QCOMPARE(view()->transform(), transform);
     QCOMPARE(view()->getZoomDivisor(), 3.0);
     for (const Node *node : scene()->getNodes()) {
-        QVERIFY(!node->getIsImportant());
+        QVERIFY(!node->isImportant());
         QVERIFY(node->isVisible());
     }
 }
@@ -234,8 +234,8 @@ void tst_MainWindowCommands::endOfStoryMoves()
     QSignalSpy story(scene(), &NodegraphScene::s_updateStory);
     trigger("actionSet_End_of_Story");
 
-    QVERIFY(!nodes[2]->getIsEndOfStory());
-    QVERIFY(nodes[1]->getIsEndOfStory());
+    QVERIFY(!nodes[2]->isEndOfStory());
+    QVERIFY(nodes[1]->isEndOfStory());
     QCOMPARE(scene()->endOfStoryNode(), nodes[1]);
     QCOMPARE(story.count(), 1);
     QCOMPARE(panelTexts(*window), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
@@ -250,8 +250,8 @@ void tst_MainWindowCommands::endOfStoryWithoutACurrentEvent()
     const LogCapture log;
     trigger("actionSet_End_of_Story");
     QCOMPARE(scene()->endOfStoryNode(), nodes[1]);
-    QVERIFY(nodes[1]->getIsEndOfStory());
-    QVERIFY(!nodes[0]->getIsEndOfStory());
+    QVERIFY(nodes[1]->isEndOfStory());
+    QVERIFY(!nodes[0]->isEndOfStory());
     QCOMPARE(story.count(), 0);
     QCOMPARE(log.lines(), QStringList());
 }
@@ -261,7 +261,7 @@ void tst_MainWindowCommands::endOfStoryAgain()
     const std::vector<Node *> nodes = addChain(*scene(), 1);
     QSignalSpy story(scene(), &NodegraphScene::s_updateStory);
     trigger("actionSet_End_of_Story");
-    QVERIFY(nodes[0]->getIsEndOfStory());
+    QVERIFY(nodes[0]->isEndOfStory());
     QCOMPARE(story.count(), 1);
 }
 
@@ -270,11 +270,11 @@ void tst_MainWindowCommands::importanceIsFlipped()
     const std::vector<Node *> nodes = addChain(*scene(), 2);
     QSignalSpy story(scene(), &NodegraphScene::s_updateStory);
     trigger("actionSet_as_Important");
-    QVERIFY(nodes[1]->getIsImportant());
-    QVERIFY(!nodes[0]->getIsImportant());
+    QVERIFY(nodes[1]->isImportant());
+    QVERIFY(!nodes[0]->isImportant());
     QCOMPARE(story.count(), 1);
     trigger("actionSet_as_Important");
-    QVERIFY(!nodes[1]->getIsImportant());
+    QVERIFY(!nodes[1]->isImportant());
     QCOMPARE(story.count(), 2);
     QCOMPARE(view()->undoStack()->count(), 2);
 }
@@ -285,7 +285,7 @@ void tst_MainWindowCommands::importanceWithoutACurrentEvent()
     scene()->sl_deselectCurrentNode();
     const LogCapture log;
     trigger("actionSet_as_Important");
-    QVERIFY(!nodes[0]->getIsImportant());
+    QVERIFY(!nodes[0]->isImportant());
     QCOMPARE(log.lines(), QStringList());
 }
 

@@ -217,7 +217,7 @@ void tst_MainWindowOpening::openedTabsAreWired()
     QCOMPARE(openFile(window, file), QString());
     tabsOf(window)->setCurrentIndex(2);
     QCOMPARE(panelTexts(window), QStringList{QStringLiteral("third")});
-    typeInto(descriptionOf(window.getOverviewerScene()->getOvNodes().front()), QStringLiteral("edited"));
+    typeInto(descriptionOf(window.getOverviewerScene()->ovNodes().front()), QStringLiteral("edited"));
     QCOMPARE(descriptionOf(sceneOf(window, 2)->getNodes().front())->toPlainText(), QStringLiteral("edited"));
     typeInto(descriptionOf(sceneOf(window, 2)->getNodes().front()), QStringLiteral("back"));
     QCOMPARE(panelTexts(window), QStringList{QStringLiteral("back")});

@@ -205,7 +205,7 @@ void tst_NothingGrows::byConnectingAndDisconnecting()
 void tst_NothingGrows::byDraggingConnectionsAndUndoing()
 {
     compareAfter([this] {
-        const QPointF grip = nearEnd(node(1)->getInLine(), SocketType::output);
+        const QPointF grip = nearEnd(node(1)->inLine(), SocketType::output);
         drag(grip, emptySpace); // off
         done += node(1)->hasInput() ? 0 : 1;
         trigger("actionUndo");
@@ -367,11 +367,11 @@ void tst_NothingGrows::byTypingAndUndoing_data()
 void tst_NothingGrows::byTypingAndUndoing()
 {
     QFETCH(int, place);
-    QGraphicsTextItem *text = node(0)->getNameItem();
+    QGraphicsTextItem *text = node(0)->nameItem();
     if (place > 0)
         text = descriptionOf(node(0));
     if (place > 1)
-        text = descriptionOf(window->getOverviewerScene()->getOvNodes().front());
+        text = descriptionOf(window->getOverviewerScene()->ovNodes().front());
     const QString before = text->toPlainText();
     QWidget *canvas = text->scene()->views().front()->viewport();
     text->scene()->views().front()->setFocus();

@@ -100,8 +100,8 @@ void tst_SacredText::isSavedAsItWasLoaded()
     QFETCH(QString, held);
     load(given, given);
     QCOMPARE(changeOnSaving({held, held}), QString());
-    QCOMPARE(changeOf(held, node()->getTitle()), QString());
-    QCOMPARE(changeOf(held, node()->getData()->eventContent()->getDescription()), QString());
+    QCOMPARE(changeOf(held, node()->title()), QString());
+    QCOMPARE(changeOf(held, node()->payload()->eventContent()->getDescription()), QString());
 
     // Once written, a document never changes any more by being opened and saved.
     window->saveTo(file);
@@ -138,7 +138,7 @@ void tst_SacredText::isKeptByUndoneDeletions()
         QVERIFY(scene()->getNodes().empty());
         trigger("actionUndo");
         QCOMPARE(changeOnSaving({held, held}), QString());
-        QCOMPARE(changeOf(held, heldBy(node()->getNameItem())), QString());
+        QCOMPARE(changeOf(held, heldBy(node()->nameItem())), QString());
         QCOMPARE(changeOf(held, heldBy(descriptionOf(node()))), QString());
     }
 }
@@ -148,7 +148,7 @@ void tst_SacredText::isKeptByUndoneAdditions()
     QFETCH(QString, given);
     QFETCH(QString, held);
     trigger("actionAdd_Event");
-    node()->getNameItem()->setPlainText(given);
+    node()->nameItem()->setPlainText(given);
     descriptionOf(node())->setPlainText(given);
     for (int round = 0; round < 2; ++round) {
         trigger("actionUndo");
@@ -196,7 +196,7 @@ void tst_SacredText::isShownInThePanel()
     QFETCH(QString, given);
     QFETCH(QString, held);
     load(given, given);
-    const auto entry = [this] { return window->getOverviewerScene()->getOvNodes().front(); };
+    const auto entry = [this] { return window->getOverviewerScene()->ovNodes().front(); };
     QCOMPARE(changeOf(held, heldBy(descriptionOf(entry()))), QString());
     window->addNodeGraphTab();
     tabsOf(*window)->setCurrentIndex(1);
@@ -229,8 +229,8 @@ void tst_SacredText::isNotTouchedByAVisit()
     view()->resetTransform();
     view()->horizontalScrollBar()->setValue(0);
     view()->verticalScrollBar()->setValue(0);
-    OvNode *entry = window->getOverviewerScene()->getOvNodes().front();
-    for (QGraphicsTextItem *text : {static_cast<QGraphicsTextItem *>(node()->getNameItem()),
+    OvNode *entry = window->getOverviewerScene()->ovNodes().front();
+    for (QGraphicsTextItem *text : {static_cast<QGraphicsTextItem *>(node()->nameItem()),
                                     static_cast<QGraphicsTextItem *>(descriptionOf(node())),
                                     static_cast<QGraphicsTextItem *>(descriptionOf(entry))}) {
         const QGraphicsView *canvas = text->scene()->views().front();

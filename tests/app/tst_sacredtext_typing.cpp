@@ -47,7 +47,7 @@ private:
 
     NodegraphView *view() const { return window->getViews().front(); }
     Node *node() const { return view()->nodegraphScene()->getNodes().front(); }
-    OvNode *entry() const { return window->getOverviewerScene()->getOvNodes().front(); }
+    OvNode *entry() const { return window->getOverviewerScene()->ovNodes().front(); }
     QGraphicsTextItem *textAt(const QString &place) const;
 
     void startEditing(const QString &place);
@@ -131,7 +131,7 @@ void tst_SacredTextTyping::init()
 QGraphicsTextItem *tst_SacredTextTyping::textAt(const QString &place) const
 {
     if (place == QLatin1String("title"))
-        return node()->getNameItem();
+        return node()->nameItem();
     return place == QLatin1String("description") ? descriptionOf(node()) : descriptionOf(entry());
 }
 

@@ -87,7 +87,7 @@ void tst_SceneDocument::openingListsTheStoryOnce()
     stage.document.saveTo(file("long.scene"));
     LogCapture log;
     stage.document.loadFrom(file("long.scene"));
-    QCOMPARE(stage.panel.getOvNodes().size(), std::size_t(50));
+    QCOMPARE(stage.panel.ovNodes().size(), std::size_t(50));
     // Once for the emptied document, once for the opened one.
     QCOMPARE(log.lines().filter(QStringLiteral("No of ovnodes now")).size(), 2);
 }

@@ -66,9 +66,9 @@ void tst_StoryTabs::closingTheOneInFrontShowsTheNextStory()
     addChain(stage.scene(0), 1);
     addChain(stage.scene(1), 3);
     stage.scene(0).updateStory();
-    QCOMPARE(stage.panel.getOvNodes().size(), std::size_t(1));
+    QCOMPARE(stage.panel.ovNodes().size(), std::size_t(1));
     stage.tabs.close(stage.tabs.current());
-    QCOMPARE(stage.panel.getOvNodes().size(), std::size_t(3));
+    QCOMPARE(stage.panel.ovNodes().size(), std::size_t(3));
 }
 
 void tst_StoryTabs::closingAllEmptiesBarAndPanel()
@@ -76,12 +76,12 @@ void tst_StoryTabs::closingAllEmptiesBarAndPanel()
     StoryStage stage;
     stage.tabs.add(2);
     addChain(stage.scene(1), 3);
-    QCOMPARE(stage.panel.getOvNodes().size(), std::size_t(3));
+    QCOMPARE(stage.panel.ovNodes().size(), std::size_t(3));
     const QPointer<NodegraphView> view = stage.tabs.views().back();
     stage.tabs.closeAll();
     QVERIFY(stage.tabs.views().empty());
     QCOMPARE(stage.bar->count(), 0);
-    QVERIFY(stage.panel.getOvNodes().empty());
+    QVERIFY(stage.panel.ovNodes().empty());
     QVERIFY(!view);
     QVERIFY(!stage.tabs.current());
 }
@@ -92,13 +92,13 @@ void tst_StoryTabs::hiddenStoryIsNotListed()
     stage.tabs.add();
     stage.tabs.hideStoryOf(&stage.scene(0));
     addChain(stage.scene(0), 2);
-    QVERIFY(stage.panel.getOvNodes().empty());
+    QVERIFY(stage.panel.ovNodes().empty());
     stage.tabs.showStoryOf(&stage.scene(0));
     stage.tabs.showStoryOf(&stage.scene(0)); // told once all the same
     LogCapture log;
     stage.scene(0).updateStory();
     QCOMPARE(log.lines().filter(QStringLiteral("No of ovnodes now")).size(), 1);
-    QCOMPARE(stage.panel.getOvNodes().size(), std::size_t(2));
+    QCOMPARE(stage.panel.ovNodes().size(), std::size_t(2));
 }
 
 // By the number of the event, whichever tab is in front.
@@ -108,11 +108,11 @@ void tst_StoryTabs::panelsEditsReachEveryTab()
     stage.tabs.add(2);
     const std::vector<Node *> first = addChain(stage.scene(0), 1);
     const std::vector<Node *> second = addChain(stage.scene(1), 1);
-    auto *entry = dynamic_cast<EventData *>(stage.panel.getOvNodes().front()->getEventData());
+    auto *entry = dynamic_cast<EventData *>(stage.panel.ovNodes().front()->eventData());
     entry->setDescription(QStringLiteral("Low water"));
     emit stage.panel.s_nodeChanged(entry, 0);
-    QCOMPARE(first.front()->getData()->eventContent()->getDescription(), QStringLiteral("Low water"));
-    QCOMPARE(second.front()->getData()->eventContent()->getDescription(), QStringLiteral("Low water"));
+    QCOMPARE(first.front()->payload()->eventContent()->getDescription(), QStringLiteral("Low water"));
+    QCOMPARE(second.front()->payload()->eventContent()->getDescription(), QStringLiteral("Low water"));
 }
 
 QTEST_MAIN(tst_StoryTabs)

@@ -120,7 +120,7 @@ void tst_Translation::newEventIsTranslated()
 {
     window->addEventNode();
     const Node *node = sceneOf(*window, 0)->getNodes().at(0);
-    QCOMPARE(escaped({node->getTitle(), descriptionOf(node)->toPlainText()}), QStringList());
+    QCOMPARE(escaped({node->title(), descriptionOf(node)->toPlainText()}), QStringList());
     QCOMPARE(escaped(panelTexts(*window)), QStringList());
 }
 

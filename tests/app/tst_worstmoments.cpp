@@ -73,10 +73,10 @@ void tst_WorstMoments::begin(WorstMoment &stage, const QString &moment)
         pressAndMove(outputOf(stage.dusk), inputOf(stage.noon));
         QVERIFY(dragLineOf(*scene));
     } else if (moment.startsWith(QLatin1String("line into it pressed"))) {
-        stage.press(stage.noon->getInLine()->path().pointAtPercent(nearNoon(moment) ? 0.4 : 0.6));
+        stage.press(stage.noon->inLine()->path().pointAtPercent(nearNoon(moment) ? 0.4 : 0.6));
         QVERIFY(!stage.noon->hasInput() && dragLineOf(*scene));
     } else if (moment.startsWith(QLatin1String("line out of it pressed"))) {
-        stage.press(stage.night->getInLine()->path().pointAtPercent(nearNoon(moment) ? 0.6 : 0.4));
+        stage.press(stage.night->inLine()->path().pointAtPercent(nearNoon(moment) ? 0.6 : 0.4));
         QVERIFY(!stage.night->hasInput() && dragLineOf(*scene));
     } else if (moment == QLatin1String("rubber band drawn")) {
         pressAndMove(stage.noon->sceneBoundingRect().topLeft() - QPointF(20, 20),

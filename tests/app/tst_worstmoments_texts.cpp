@@ -50,7 +50,7 @@ QGraphicsTextItem *tst_WorstMomentsTexts::textOfMoment(const QString &moment) co
 {
     const Node *node = moment.startsWith(QLatin1String("its")) ? stage->noon : stage->dawn;
     if (moment.endsWith(QLatin1String("title")))
-        return node->getNameItem();
+        return node->nameItem();
     if (moment.endsWith(QLatin1String("description")))
         return descriptionOf(node);
     return descriptionOf(stage->panel()->findOvNode(node->getIndex()));

@@ -359,12 +359,12 @@ inline void typeInto(const QGraphicsTextItem *item, const QString &text)
 
 inline STLineEdit *descriptionOf(const Node *node)
 {
-    return node->getData()->eventContent()->getDescriptionItem();
+    return node->payload()->eventContent()->descriptionItem();
 }
 
 inline STLineEdit *descriptionOf(OvNode *entry)
 {
-    return dynamic_cast<EventData *>(entry->getEventData())->getDescriptionItem();
+    return dynamic_cast<EventData *>(entry->eventData())->descriptionItem();
 }
 
 /// An event with these texts, added as the user adds one; it follows the current event, if there is one.
@@ -381,7 +381,7 @@ inline Node *addEvent(NodegraphScene *scene, const QString &title, const QString
 inline QStringList panelTexts(const MainWindow &window)
 {
     QStringList texts;
-    for (OvNode *entry : window.getOverviewerScene()->getOvNodes())
+    for (OvNode *entry : window.getOverviewerScene()->ovNodes())
         texts << descriptionOf(entry)->toPlainText();
     return texts;
 }
@@ -390,7 +390,7 @@ inline QStringList titlesOf(const NodegraphScene *scene)
 {
     QStringList titles;
     for (const Node *node : scene->getNodes())
-        titles << node->getTitle();
+        titles << node->title();
     return titles;
 }
 

@@ -45,7 +45,7 @@ private:
 
 inline QString textOf(const Node *node)
 {
-    return node->getTitle() + QLatin1Char('|') + node->getData()->eventContent()->getDescription();
+    return node->title() + QLatin1Char('|') + node->payload()->eventContent()->getDescription();
 }
 
 inline void WorstMoment::waysAsRows(const std::vector<const char *> &moments)
@@ -151,12 +151,12 @@ inline void WorstMoment::noteTexts()
 
 inline void WorstMoment::noteEdit(const QGraphicsTextItem *text)
 {
-    for (OvNode *entry : panel()->getOvNodes()) {
+    for (OvNode *entry : panel()->ovNodes()) {
         if (Node *shown = scene()->findNodeByIndex(entry->getIndex()); text && descriptionOf(entry) == text)
             text = shown ? descriptionOf(shown) : nullptr;
     }
     for (const Node *node : {dusk.data(), dawn.data(), noon.data()}) {
-        if (!text || !isThere(node) || (node->getNameItem() != text && descriptionOf(node) != text))
+        if (!text || !isThere(node) || (node->nameItem() != text && descriptionOf(node) != text))
             continue;
         if (node == noon)
             noonText = textOf(noon);

@@ -34,12 +34,12 @@ struct GraphTab
 };
 
 /// What the keyboard does: the texts change in the items themselves.
-inline void typeTitle(const Node *node, const QString &text) { node->getNameItem()->setPlainText(text); }
+inline void typeTitle(const Node *node, const QString &text) { node->nameItem()->setPlainText(text); }
 inline void typeDescription(const Node *node, const QString &text)
 {
-    node->getData()->eventContent()->getDescriptionItem()->setPlainText(text);
+    node->payload()->eventContent()->descriptionItem()->setPlainText(text);
 }
-inline QString descriptionOf(const Node *node) { return node->getData()->eventContent()->getDescription(); }
+inline QString descriptionOf(const Node *node) { return node->payload()->eventContent()->getDescription(); }
 
 inline QList<int> indicesOf(const std::vector<Node *> &nodes)
 {
@@ -66,12 +66,12 @@ inline int lineCount(const NodegraphScene &scene)
 /// Whether both nodes, their sockets and the line between them agree that `upstream` feeds `node`.
 inline bool isWhole(const NodegraphScene &scene, const Node *node, const Node *upstream)
 {
-    const ConnectionLine *line = node->getInLine();
+    const ConnectionLine *line = node->inLine();
     return upstream && upstream->getIndex() == node->getPrevIndex() &&
            std::count(upstream->nextNodes().begin(), upstream->nextNodes().end(), node) == 1 &&
-           node->getInSocket()->getConnectedSocket() == upstream->getOutSocket() &&
-           upstream->getOutSocket()->getIsConnected() && line && line->scene() == &scene &&
-           line->inputSocket() == node->getInSocket() && line->outputSocket() == upstream->getOutSocket();
+           node->inSocket()->connectedSocket() == upstream->outSocket() &&
+           upstream->outSocket()->getIsConnected() && line && line->scene() == &scene &&
+           line->inputSocket() == node->inSocket() && line->outputSocket() == upstream->outSocket();
 }
 
 /// All connections as "1 from 0", by the fed node's index; whatever is only half there is named too.
@@ -83,8 +83,8 @@ inline QStringList connections(const NodegraphScene &scene)
     QStringList found;
     int whole = 0;
     for (const Node *node : byIndex) {
-        const bool isFree = !node->prevNode() && node->getPrevIndex() == -1 && !node->getInLine() &&
-                            !node->getInSocket()->getIsConnected();
+        const bool isFree = !node->prevNode() && node->getPrevIndex() == -1 && !node->inLine() &&
+                            !node->inSocket()->getIsConnected();
         if (!node->hasInput() && isFree)
             continue;
         if (node->hasInput() && isWhole(scene, node, node->prevNode())) {

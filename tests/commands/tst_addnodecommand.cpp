@@ -74,9 +74,9 @@ void tst_AddNodeCommand::makesTheNodeThatItWasToldOf()
     QVERIFY(node);
     QCOMPARE(node->scenePos(), QPointF(120.5, 80.25));
     QCOMPARE(node->getType(), 0);
-    QCOMPARE(node->getTitle(), title);
+    QCOMPARE(node->title(), title);
     QCOMPARE(descriptionOf(node), QStringLiteral("Enter description"));
-    QVERIFY(!node->getIsImportant());
+    QVERIFY(!node->isImportant());
     QCOMPARE(connections(tab.scene), QStringList());
 }
 
@@ -131,13 +131,13 @@ void tst_AddNodeCommand::undoTakesItsOwnNodeWhenItsIndexWasTaken()
     Node *holder = addLoose(tab.scene, QPointF(10, 10));
     tab.stack.push(new AddNodeCommand(&tab.scene, QPointF(900, 10), 0, 0, QStringLiteral("Second")));
     QCOMPARE(sortedIndices(tab.scene), (QList<int>{0, 2}));
-    QCOMPARE(tab.node(2)->getTitle(), QStringLiteral("Second"));
+    QCOMPARE(tab.node(2)->title(), QStringLiteral("Second"));
 
     tab.stack.undo();
     QCOMPARE(tab.scene.getNodes(), std::vector<Node *>{holder});
     tab.stack.redo();
     QCOMPARE(sortedIndices(tab.scene), (QList<int>{0, 2}));
-    QCOMPARE(tab.node(2)->getTitle(), QStringLiteral("Second"));
+    QCOMPARE(tab.node(2)->title(), QStringLiteral("Second"));
     tab.stack.undo();
     QCOMPARE(tab.scene.getNodes(), std::vector<Node *>{holder});
 }
@@ -169,9 +169,9 @@ void tst_AddNodeCommand::redoLeavesOtherNodesAloneWhenItsIndexIsTakenMeanwhile()
     tab.stack.redo();
     QCOMPARE(tab.scene.getNodes().size(), std::size_t(2));
     const Node *mine = tab.scene.getNodes().back();
-    QCOMPARE(mine->getTitle(), QStringLiteral("Mine"));
-    QVERIFY(mine->getIsEndOfStory());
-    QVERIFY(!other->getIsEndOfStory());
+    QCOMPARE(mine->title(), QStringLiteral("Mine"));
+    QVERIFY(mine->isEndOfStory());
+    QVERIFY(!other->isEndOfStory());
     tab.stack.undo();
     QCOMPARE(tab.scene.getNodes(), std::vector<Node *>{other});
     QCOMPARE(tab.scene.endOfStoryNode(), other);
@@ -184,7 +184,7 @@ void tst_AddNodeCommand::undoGivesTheEndMarkBack()
     QSignalSpy stories(&tab.scene, &NodegraphScene::s_updateStory);
     tab.stack.undo();
     QCOMPARE(tab.scene.endOfStoryNode(), tab.node(1));
-    QVERIFY(tab.node(1)->getIsEndOfStory());
+    QVERIFY(tab.node(1)->isEndOfStory());
     QCOMPARE(indicesOf(tab.scene.getStory()), (QList<int>{0, 1}));
     QCOMPARE(indicesOf(stories.last().first().value<std::vector<Node *>>()), (QList<int>{0, 1}));
     tab.stack.undo();
@@ -216,10 +216,10 @@ void tst_AddNodeCommand::undoLeavesAMarkThatTheUserMovedAway()
     tab.scene.setEndOfStory(aside);
     tab.stack.undo();
     QCOMPARE(tab.scene.endOfStoryNode(), aside);
-    QVERIFY(!tab.node(1)->getIsEndOfStory());
+    QVERIFY(!tab.node(1)->isEndOfStory());
     tab.stack.redo();
     QCOMPARE(tab.scene.endOfStoryNode(), aside);
-    QVERIFY(!tab.node(2)->getIsEndOfStory());
+    QVERIFY(!tab.node(2)->isEndOfStory());
 }
 
 void tst_AddNodeCommand::undoTakesNoMarkThatTheNodeWasNotGivenByAdding()
@@ -232,7 +232,7 @@ void tst_AddNodeCommand::undoTakesNoMarkThatTheNodeWasNotGivenByAdding()
     QCOMPARE(tab.scene.endOfStoryNode(), end);
     tab.stack.redo();
     QCOMPARE(tab.scene.endOfStoryNode(), end);
-    QVERIFY(!tab.node(1)->getIsEndOfStory());
+    QVERIFY(!tab.node(1)->isEndOfStory());
 }
 
 void tst_AddNodeCommand::redoTakesTheEndMarkAgain()
@@ -243,7 +243,7 @@ void tst_AddNodeCommand::redoTakesTheEndMarkAgain()
     QSignalSpy stories(&tab.scene, &NodegraphScene::s_updateStory);
     tab.stack.redo();
     QCOMPARE(tab.scene.endOfStoryNode(), tab.node(1));
-    QVERIFY(!tab.node(0)->getIsEndOfStory());
+    QVERIFY(!tab.node(0)->isEndOfStory());
     QCOMPARE(indicesOf(stories.last().first().value<std::vector<Node *>>()), (QList<int>{0, 1}));
     tab.stack.undo();
     QCOMPARE(tab.scene.endOfStoryNode(), tab.node(0));
@@ -261,10 +261,10 @@ void tst_AddNodeCommand::redoTakesTheEndMarkFromWhoeverHasItNow()
     tab.scene.setEndOfStory(aside);
     tab.stack.redo();
     QCOMPARE(tab.scene.endOfStoryNode(), tab.node(2));
-    QVERIFY(!aside->getIsEndOfStory());
+    QVERIFY(!aside->isEndOfStory());
     tab.stack.undo();
     QCOMPARE(tab.scene.endOfStoryNode(), aside);
-    QVERIFY(!first->getIsEndOfStory());
+    QVERIFY(!first->isEndOfStory());
 }
 
 void tst_AddNodeCommand::markMovedAfterARedoStaysWhereItIs()
@@ -284,7 +284,7 @@ void tst_AddNodeCommand::markMovedAfterARedoStaysWhereItIs()
         tab.stack.redo();
         QCOMPARE(tab.scene.endOfStoryNode(), aside);
     }
-    QVERIFY(!tab.node(2)->getIsEndOfStory());
+    QVERIFY(!tab.node(2)->isEndOfStory());
 }
 
 void tst_AddNodeCommand::redoOfTheOnlyNodeMakesItTheEndAgain()
@@ -293,7 +293,7 @@ void tst_AddNodeCommand::redoOfTheOnlyNodeMakesItTheEndAgain()
     addChain(tab.scene, 1);
     tab.stack.undo();
     tab.stack.redo();
-    QVERIFY(tab.node(0)->getIsEndOfStory());
+    QVERIFY(tab.node(0)->isEndOfStory());
     QCOMPARE(tab.scene.endOfStoryNode(), tab.node(0));
     QCOMPARE(indicesOf(tab.scene.getStory()), QList<int>{0});
 }
@@ -314,10 +314,10 @@ void tst_AddNodeCommand::redoBringsTheNodeBackAsItStood()
     Node *back = tab.node(1);
     QVERIFY(back);
     QCOMPARE(back->scenePos(), QPointF(333.5, 44.25));
-    QCOMPARE(back->getTitle(), QStringLiteral("The letter"));
+    QCOMPARE(back->title(), QStringLiteral("The letter"));
     QCOMPARE(descriptionOf(back), QStringLiteral("It arrives\nat midnight."));
-    QVERIFY(back->getIsImportant());
-    QVERIFY(back->getIsEndOfStory());
+    QVERIFY(back->isImportant());
+    QVERIFY(back->isEndOfStory());
     QCOMPARE(connections(tab.scene), QStringList{QStringLiteral("1 from 0")});
     QCOMPARE(marks.count(), 1);
     QCOMPARE(marks.first().at(0).value<Node *>(), back);
@@ -333,7 +333,7 @@ void tst_AddNodeCommand::redoKeepsEmptiedTexts()
     typeDescription(tab.node(0), QString());
     tab.stack.undo();
     tab.stack.redo();
-    QCOMPARE(tab.node(0)->getTitle(), QString());
+    QCOMPARE(tab.node(0)->title(), QString());
     QCOMPARE(descriptionOf(tab.node(0)), QString());
 }
 
@@ -374,7 +374,7 @@ void tst_AddNodeCommand::textsTypedAfterARedoSurviveTheNextRound()
     tab.node(0)->setPos(5, 6);
     tab.stack.undo();
     tab.stack.redo();
-    QCOMPARE(tab.node(0)->getTitle(), QStringLiteral("Two"));
+    QCOMPARE(tab.node(0)->title(), QStringLiteral("Two"));
     QCOMPARE(descriptionOf(tab.node(0)), QStringLiteral("Later"));
     QCOMPARE(tab.node(0)->scenePos(), QPointF(5, 6));
 }
@@ -397,7 +397,7 @@ void tst_AddNodeCommand::threeAdditionsGoAndComeBack()
         QCOMPARE(connections(tab.scene), (QStringList{"1 from 0", "2 from 1"}));
         QCOMPARE(indicesOf(tab.scene.getStory()), (QList<int>{0, 1, 2}));
         for (int index = 0; index < 3; ++index) {
-            QCOMPARE(tab.node(index)->getTitle(), QStringLiteral("Event %1").arg(index));
+            QCOMPARE(tab.node(index)->title(), QStringLiteral("Event %1").arg(index));
             QCOMPARE(tab.node(index)->scenePos(), places.at(index));
         }
     }

@@ -90,7 +90,7 @@ void tst_ConnectNodesCommand::replacedConnectionDoesNotComeBack()
     tab.stack.push(new ConnectNodesCommand(&tab.scene, 1, 0));
     tab.stack.push(new ConnectNodesCommand(&tab.scene, 1, 2));
     QCOMPARE(connections(tab.scene), QStringList{"1 from 2"});
-    QVERIFY(!tab.node(0)->getOutSocket()->getIsConnected());
+    QVERIFY(!tab.node(0)->outSocket()->getIsConnected());
     tab.stack.undo();
     QCOMPARE(connections(tab.scene), QStringList());
 }

@@ -42,8 +42,8 @@ private:
 /// Deletes the node through a command on the tab's stack.
 void deleteByCommand(GraphTab &tab, const Node *node)
 {
-    tab.stack.push(new DelNodeCommand(&tab.scene, node->scenePos(), node->getIndex(), node->getData(),
-                                      node->getTitle()));
+    tab.stack.push(
+        new DelNodeCommand(&tab.scene, node->scenePos(), node->getIndex(), node->payload(), node->title()));
 }
 
 /// 1 is fed by 0 and feeds 2 and 3; 3 is the end of the story.
@@ -110,9 +110,9 @@ void tst_DelNodeCommand::changesNothingBeforeItRuns()
     addFork(tab);
     QSignalSpy stories(&tab.scene, &NodegraphScene::s_updateStory);
     const Node *node = tab.node(1);
-    const DelNodeCommand command(&tab.scene, node->scenePos(), 1, node->getData(), node->getTitle());
+    const DelNodeCommand command(&tab.scene, node->scenePos(), 1, node->payload(), node->title());
     QCOMPARE(connections(tab.scene), forkConnections);
-    QCOMPARE(tab.scene.items().count(node->getData()), 1);
+    QCOMPARE(tab.scene.items().count(node->payload()), 1);
     QCOMPARE(stories.count(), 0);
 }
 
@@ -157,7 +157,7 @@ void tst_DelNodeCommand::undoBringsEverythingBackTwice()
         QCOMPARE(sortedIndices(tab.scene), (QList<int>{0, 1, 2, 3}));
         const Node *back = tab.node(1);
         QCOMPARE(back->scenePos(), QPointF(412.5, 77.25));
-        QCOMPARE(back->getTitle(), QStringLiteral("The letter"));
+        QCOMPARE(back->title(), QStringLiteral("The letter"));
         QCOMPARE(descriptionOf(back), QStringLiteral("It arrives\nat midnight."));
         QCOMPARE(back->getType(), 0);
         QCOMPARE(connections(tab.scene), forkConnections);
@@ -261,11 +261,11 @@ void tst_DelNodeCommand::undoRestoresImportance()
     deleteByCommand(tab, tab.node(1));
     QSignalSpy marks(&tab.scene, &NodegraphScene::s_importanceChanged);
     tab.stack.undo();
-    QCOMPARE(tab.node(1)->getIsImportant(), important);
+    QCOMPARE(tab.node(1)->isImportant(), important);
     QCOMPARE(marks.count(), important ? 1 : 0);
     tab.stack.redo();
     tab.stack.undo();
-    QCOMPARE(tab.node(1)->getIsImportant(), important);
+    QCOMPARE(tab.node(1)->isImportant(), important);
 }
 
 void tst_DelNodeCommand::undoRestoresTheEndMarkIfItIsFree()
@@ -279,7 +279,7 @@ void tst_DelNodeCommand::undoRestoresTheEndMarkIfItIsFree()
     for (int round = 0; round < 2; ++round) {
         tab.stack.undo();
         QCOMPARE(tab.scene.endOfStoryNode(), tab.node(3));
-        QVERIFY(tab.node(3)->getIsEndOfStory());
+        QVERIFY(tab.node(3)->isEndOfStory());
         QCOMPARE(indicesOf(stories.last().first().value<std::vector<Node *>>()), (QList<int>{0, 1, 3}));
         tab.stack.redo();
     }
@@ -293,11 +293,11 @@ void tst_DelNodeCommand::undoLeavesTheEndMarkWithWhoeverTookIt()
     tab.scene.setEndOfStory(tab.node(2));
     tab.stack.undo();
     QCOMPARE(tab.scene.endOfStoryNode(), tab.node(2));
-    QVERIFY(!tab.node(3)->getIsEndOfStory());
+    QVERIFY(!tab.node(3)->isEndOfStory());
     tab.stack.redo();
     tab.stack.undo();
     QCOMPARE(tab.scene.endOfStoryNode(), tab.node(2));
-    QVERIFY(!tab.node(3)->getIsEndOfStory());
+    QVERIFY(!tab.node(3)->isEndOfStory());
 }
 
 void tst_DelNodeCommand::undoGivesNoEndMarkToANodeThatHadNone()
@@ -308,7 +308,7 @@ void tst_DelNodeCommand::undoGivesNoEndMarkToANodeThatHadNone()
     deleteByCommand(tab, tab.node(1));
     tab.stack.undo();
     QCOMPARE(tab.scene.endOfStoryNode(), nullptr);
-    QVERIFY(!tab.node(1)->getIsEndOfStory());
+    QVERIFY(!tab.node(1)->isEndOfStory());
 }
 
 // The rule that makes the only node of a canvas the end of its story is for nodes that the user adds: here it
@@ -324,8 +324,8 @@ void tst_DelNodeCommand::undoOfTheWholeCanvasEndsWithTheSameEnd()
     tab.stack.setIndex(0);
     QCOMPARE(connections(tab.scene), (QStringList{"1 from 0", "2 from 1"}));
     QCOMPARE(tab.scene.endOfStoryNode(), tab.node(2));
-    QVERIFY(!tab.node(0)->getIsEndOfStory());
-    QVERIFY(!tab.node(1)->getIsEndOfStory());
+    QVERIFY(!tab.node(0)->isEndOfStory());
+    QVERIFY(!tab.node(1)->isEndOfStory());
     QCOMPARE(indicesOf(tab.scene.getStory()), (QList<int>{0, 1, 2}));
 }
 
@@ -349,7 +349,7 @@ void tst_DelNodeCommand::undoKeepsEmptiedTexts()
     typeDescription(tab.node(0), QString());
     deleteByCommand(tab, tab.node(0));
     tab.stack.undo();
-    QCOMPARE(tab.node(0)->getTitle(), QString());
+    QCOMPARE(tab.node(0)->title(), QString());
     QCOMPARE(descriptionOf(tab.node(0)), QString());
 }
 
@@ -380,7 +380,7 @@ void tst_DelNodeCommand::whatWasDoneAfterAnUndoSurvivesRedoAndUndo()
     tab.scene.disconnectNode(tab.node(2));
     tab.stack.redo();
     tab.stack.undo();
-    QCOMPARE(tab.node(1)->getTitle(), QStringLiteral("Typed later"));
+    QCOMPARE(tab.node(1)->title(), QStringLiteral("Typed later"));
     QCOMPARE(descriptionOf(tab.node(1)), QStringLiteral("This too"));
     QCOMPARE(tab.node(1)->scenePos(), QPointF(9, 8));
     QCOMPARE(connections(tab.scene), (QStringList{"1 from 0", "3 from 1"}));
@@ -397,7 +397,7 @@ void tst_DelNodeCommand::marksOfAfterAnUndoSurviveRedoAndUndo()
     tab.stack.redo();
     QCOMPARE(tab.scene.endOfStoryNode(), nullptr);
     tab.stack.undo();
-    QVERIFY(tab.node(1)->getIsImportant());
+    QVERIFY(tab.node(1)->isImportant());
     QCOMPARE(tab.scene.endOfStoryNode(), tab.node(1));
 }
 
@@ -411,7 +411,7 @@ void tst_DelNodeCommand::takesNoOtherNodeWhenItsIndexIsTakenMeanwhile()
     Node *other = tab.node(0);
     tab.stack.undo();
     QCOMPARE(tab.scene.getNodes().size(), std::size_t(2));
-    QCOMPARE(tab.scene.getNodes().back()->getTitle(), QStringLiteral("Mine"));
+    QCOMPARE(tab.scene.getNodes().back()->title(), QStringLiteral("Mine"));
     tab.stack.redo();
     QCOMPARE(tab.scene.getNodes(), std::vector<Node *>{other});
 }
@@ -440,13 +440,13 @@ void tst_DelNodeCommand::payloadStaysTheNodesOwn()
     addChain(tab.scene, 1);
     const Node *node = tab.node(0);
     {
-        const DelNodeCommand dropped(&tab.scene, node->scenePos(), 0, node->getData(), node->getTitle());
+        const DelNodeCommand dropped(&tab.scene, node->scenePos(), 0, node->payload(), node->title());
         typeDescription(node, QStringLiteral("Typed after the command was made"));
     }
     QCOMPARE(descriptionOf(node), QStringLiteral("Typed after the command was made"));
     deleteByCommand(tab, node);
     tab.stack.undo();
-    QCOMPARE(tab.node(0)->getData()->parentItem(), tab.node(0));
+    QCOMPARE(tab.node(0)->payload()->parentItem(), tab.node(0));
     tab.stack.clear();
     QCOMPARE(descriptionOf(tab.node(0)), QStringLiteral("Typed after the command was made"));
 }
@@ -458,12 +458,12 @@ void tst_DelNodeCommand::keepsTheTextAndNoObjects()
     addChain(tab.scene, 1);
     const Node *node = tab.node(0);
     const auto makeAndDrop = [&tab, node] {
-        const DelNodeCommand command(&tab.scene, node->scenePos(), 0, node->getData(), node->getTitle());
+        const DelNodeCommand command(&tab.scene, node->scenePos(), 0, node->payload(), node->title());
     };
     makeAndDrop(); // what Qt makes once for all comes now
     const ObjectCount objects;
     {
-        const DelNodeCommand command(&tab.scene, node->scenePos(), 0, node->getData(), node->getTitle());
+        const DelNodeCommand command(&tab.scene, node->scenePos(), 0, node->payload(), node->title());
         QCOMPARE(objects.value(), 0);
     }
     typeDescription(node, QStringLiteral("Written"));

@@ -68,7 +68,7 @@ void tst_DisconnectNodeCommand::leavesTheOtherNodesOfAnOutputConnected()
     tab.addBehind(tab.node(0));
     tab.stack.push(new DisconnectNodeCommand(&tab.scene, 1, 0));
     QCOMPARE(connections(tab.scene), QStringList{"2 from 0"});
-    QCOMPARE(tab.node(0)->getOutSocket()->getConnectedSocket(), tab.node(2)->getInSocket());
+    QCOMPARE(tab.node(0)->outSocket()->connectedSocket(), tab.node(2)->inSocket());
     tab.stack.undo();
     QCOMPARE(connections(tab.scene), (QStringList{"1 from 0", "2 from 0"}));
     QCOMPARE(indicesOf(tab.node(0)->nextNodes()), (QList<int>{2, 1}));

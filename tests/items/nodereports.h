@@ -51,7 +51,7 @@ inline QByteArray savedBy(Node &node)
     return written;
 }
 
-inline QString description(const Node &node) { return node.getData()->eventContent()->getDescription(); }
+inline QString description(const Node &node) { return node.payload()->eventContent()->getDescription(); }
 
 struct Canvas
 {

@@ -22,7 +22,7 @@ struct EventDesk : Desk
     {
         scene.addItem(event);
         event->setPos(100, 100);
-        edit(event->getDescriptionItem());
+        edit(event->descriptionItem());
     }
 };
 
@@ -90,8 +90,8 @@ void tst_EventData::startsWithThePlaceholder()
     QCOMPARE(event->parentItem(), &parent);
     QCOMPARE(event->parent(), nullptr);
     QCOMPARE(event->getDescription(), placeholder);
-    QCOMPARE(event->getDescriptionItem()->parentItem(), event);
-    QCOMPARE(event->getDescriptionItem()->document()->textWidth(), 400.0);
+    QCOMPARE(event->descriptionItem()->parentItem(), event);
+    QCOMPARE(event->descriptionItem()->document()->textWidth(), 400.0);
     QCOMPARE(event->childItems().size(), 1);
 }
 
@@ -108,7 +108,7 @@ void tst_EventData::outlineIsTheDescriptionsGrownByTen()
     QFETCH(QString, text);
     EventData event(nullptr);
     event.setDescription(text);
-    const QTextDocument *document = event.getDescriptionItem()->document();
+    const QTextDocument *document = event.descriptionItem()->document();
     QCOMPARE(event.boundingRect(), QRectF(-10, -10, 420, document->size().height() + 20));
 }
 
@@ -124,7 +124,7 @@ void tst_EventData::outlineFollowsTheTextAtOnce()
     QFETCH(QString, way);
     EventDesk desk;
     QVERIFY(desk.isReady());
-    STLineEdit *text = desk.event->getDescriptionItem();
+    STLineEdit *text = desk.event->descriptionItem();
     if (way == QLatin1String("undone"))
         desk.key(Qt::Key_Return);
     const double before = desk.event->boundingRect().height();
@@ -157,7 +157,7 @@ void tst_EventData::paintsNothingItself()
     QGraphicsScene scene;
     auto *event = new EventData(nullptr);
     scene.addItem(event);
-    event->getDescriptionItem()->hide();
+    event->descriptionItem()->hide();
     const QImage image = painted(scene, event->sceneBoundingRect());
     QImage nothing(image.size(), image.format());
     nothing.fill(Qt::transparent);
@@ -183,7 +183,7 @@ void tst_EventData::clickThatRemovesThePlaceholderIsReported()
 {
     EventDesk desk;
     QVERIFY(desk.isReady());
-    desk.click(desk.event->getDescriptionItem()->sceneBoundingRect().center());
+    desk.click(desk.event->descriptionItem()->sceneBoundingRect().center());
     QCOMPARE(desk.event->getDescription(), QString());
     QCOMPARE(desk.changed.count(), 1);
 }
@@ -193,7 +193,7 @@ void tst_EventData::changeBackToTheLastReportedTextIsNotReported()
     EventDesk desk;
     QVERIFY(desk.isReady());
     desk.event->setDescription(QStringLiteral("Enter descriptio"));
-    desk.edit(desk.event->getDescriptionItem());
+    desk.edit(desk.event->descriptionItem());
     desk.type(QStringLiteral("n"));
     QCOMPARE(desk.event->getDescription(), placeholder);
     QCOMPARE(desk.changed.count(), 0);
@@ -206,7 +206,7 @@ void tst_EventData::comparisonIsCaseSensitive()
     EventDesk desk;
     QVERIFY(desk.isReady());
     desk.event->setDescription(QStringLiteral("Enter descriptio"));
-    desk.edit(desk.event->getDescriptionItem());
+    desk.edit(desk.event->descriptionItem());
     desk.type(QStringLiteral("N"));
     QCOMPARE(desk.changed.count(), 1);
 }
@@ -234,11 +234,11 @@ void tst_EventData::editAfterASetIsComparedWithTheOlderText()
     QVERIFY(desk.isReady());
     desk.type(QStringLiteral("s")); // reported
     desk.event->setDescription(QStringLiteral("Rain"));
-    desk.edit(desk.event->getDescriptionItem());
+    desk.edit(desk.event->descriptionItem());
     desk.type(QStringLiteral("s"));
     QCOMPARE(desk.changed.count(), 2);
     desk.event->setDescription(QStringLiteral("Rain")); // not reported, so "Rains" still is the last text
-    desk.edit(desk.event->getDescriptionItem());
+    desk.edit(desk.event->descriptionItem());
     desk.type(QStringLiteral("s"));
     QCOMPARE(desk.changed.count(), 2);
 }

@@ -111,9 +111,9 @@ void tst_LateTexts::sizeAndTextAreThoseOfAMadeText()
     late.setDescription(text);
     QCOMPARE(late.boundingRect(), atOnce.boundingRect());
     QCOMPARE(late.getDescription(), atOnce.getDescription());
-    QCOMPARE(late.getDescriptionItem()->toPlainText(), atOnce.getDescriptionItem()->toPlainText());
+    QCOMPARE(late.descriptionItem()->toPlainText(), atOnce.descriptionItem()->toPlainText());
     QCOMPARE(late.boundingRect(), atOnce.boundingRect());
-    QCOMPARE(late.getDescriptionItem()->defaultTextColor(), atOnce.getDescriptionItem()->defaultTextColor());
+    QCOMPARE(late.descriptionItem()->defaultTextColor(), atOnce.descriptionItem()->defaultTextColor());
 }
 
 void tst_LateTexts::sizeOfRandomTexts()
@@ -137,7 +137,7 @@ void tst_LateTexts::measuredTextKeepsItsPlaceWhenItIsMade()
     late.setMeasuredDescription(source.getDescription(), source.boundingRect());
     QVERIFY(!isMade(textIn(late)));
     QCOMPARE(late.boundingRect(), source.boundingRect());
-    late.getDescriptionItem();
+    late.descriptionItem();
     QCOMPARE(late.boundingRect(), source.boundingRect());
     QCOMPARE(late.getDescription(), source.getDescription());
 }
@@ -156,7 +156,7 @@ void tst_LateTexts::whoeverReachesForItGetsItWhole()
     late.event->setDescription(u"Dawn"_s);
     QVERIFY(!isMade(late.text));
     if (way == u"asked for") {
-        QCOMPARE(late.event->getDescriptionItem(), late.text);
+        QCOMPARE(late.event->descriptionItem(), late.text);
     } else if (way == u"painted") {
         QImage image(100, 100, QImage::Format_RGB32);
         QPainter painter(&image);
@@ -248,7 +248,7 @@ void tst_LateTexts::presenceIsThatOfAMadeText()
     QVERIFY(contains(399, 1));
     QVERIFY(!contains(401, 1));
     QCOMPARE(late.scene.itemAt(QPointF(20, 20), QTransform()), late.text);
-    late.event->getDescriptionItem();
+    late.event->descriptionItem();
     QCOMPARE(late.text->shape().boundingRect(), before.boundingRect());
     QVERIFY(contains(399, 1));
     QVERIFY(!contains(401, 1));
@@ -288,7 +288,7 @@ void tst_LateTexts::titleIsThatOfAMadeOne()
         name->setAvailableWidth(425);
     }
     const auto compare = [&atOnce, &late] {
-        QCOMPARE(late.getTitle(), atOnce.getTitle());
+        QCOMPARE(late.title(), atOnce.title());
         QCOMPARE(late.boundingRect(), atOnce.boundingRect());
         QCOMPARE(late.shape().boundingRect(), atOnce.shape().boundingRect());
         QCOMPARE(late.toolTip(), atOnce.toolTip());
@@ -314,8 +314,8 @@ void tst_LateTexts::titleIsWholeForWhoeverReachesForIt()
     SceneMouse{scene}.press(QPointF(25, 15)); // selects it all
     QKeyEvent key(QEvent::KeyPress, Qt::Key_D, Qt::NoModifier, u"D"_s);
     QCoreApplication::sendEvent(&scene, &key);
-    QCOMPARE(node->getTitle(), u"D"_s);
-    QCOMPARE(node->getNameItem()->toPlainText(), u"D"_s);
+    QCOMPARE(node->title(), u"D"_s);
+    QCOMPARE(node->nameItem()->toPlainText(), u"D"_s);
 }
 
 void tst_LateTexts::nodeHasItsSizeBeforeItsTextIsMade()
@@ -323,11 +323,11 @@ void tst_LateTexts::nodeHasItsSizeBeforeItsTextIsMade()
     const QString text = u"Words that fill some lines of the panel. "_s.repeated(9);
     Node atOnce(0);
     Node late(0, TextMaking::whenNeeded);
-    atOnce.getData()->eventContent()->setDescription(text);
-    late.getData()->eventContent()->setDescription(text);
+    atOnce.payload()->eventContent()->setDescription(text);
+    late.payload()->eventContent()->setDescription(text);
     QCOMPARE(late.boundingRect(), atOnce.boundingRect());
-    QCOMPARE(late.getTitle(), atOnce.getTitle());
-    late.getData()->eventContent()->getDescriptionItem();
+    QCOMPARE(late.title(), atOnce.title());
+    late.payload()->eventContent()->descriptionItem();
     QCOMPARE(late.boundingRect(), atOnce.boundingRect());
 }
 
@@ -338,7 +338,7 @@ void tst_LateTexts::copyOfAPayloadHasTheText()
     const std::unique_ptr<NodeData> copy(data.clone());
     QCOMPARE(copy->eventContent()->getDescription(), u"Kept"_s);
     QCOMPARE(copy->boundingRect(), data.boundingRect());
-    QCOMPARE(copy->eventContent()->getDescriptionItem()->toPlainText(), u"Kept"_s);
+    QCOMPARE(copy->eventContent()->descriptionItem()->toPlainText(), u"Kept"_s);
 }
 
 QTEST_MAIN(tst_LateTexts)

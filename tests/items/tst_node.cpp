@@ -55,7 +55,7 @@ void tst_Node::metaObjectListsTheMethodsInOrder()
 void tst_Node::freshEventIsUnconnectedAndUnmarked()
 {
     const Node node(0);
-    QCOMPARE(node.getTitle(), QStringLiteral("Event"));
+    QCOMPARE(node.title(), QStringLiteral("Event"));
     QCOMPARE(description(node), QStringLiteral("Enter description"));
     QCOMPARE(node.getType(), 0);
     QCOMPARE(node.getIndex(), 0);
@@ -63,12 +63,12 @@ void tst_Node::freshEventIsUnconnectedAndUnmarked()
     QCOMPARE(node.hasInput(), false);
     QCOMPARE(node.prevNode(), nullptr);
     QCOMPARE(node.nextNodes().size(), std::size_t(0));
-    QCOMPARE(node.getInLine(), nullptr);
-    QCOMPARE(node.getOutLine(), nullptr);
-    QCOMPARE(node.getIsEndOfStory(), false);
-    QCOMPARE(node.getIsImportant(), false);
-    QCOMPARE(node.getInSocket()->getType(), 0);
-    QCOMPARE(node.getOutSocket()->getType(), 1);
+    QCOMPARE(node.inLine(), nullptr);
+    QCOMPARE(node.outLine(), nullptr);
+    QCOMPARE(node.isEndOfStory(), false);
+    QCOMPARE(node.isImportant(), false);
+    QCOMPARE(node.inSocket()->getType(), 0);
+    QCOMPARE(node.outSocket()->getType(), 1);
     QCOMPARE(node.parentItem(), nullptr);
     QCOMPARE(node.parent(), nullptr);
     QCOMPARE(int(node.flags()), 3);
@@ -78,19 +78,19 @@ void tst_Node::otherTypesHaveNoTitleAndNoContent()
 {
     const Node node(5);
     QCOMPARE(node.getType(), 5);
-    QCOMPARE(node.getTitle(), QString());
-    QCOMPARE(node.getData()->getType(), 5);
-    QCOMPARE(node.getData()->content(), nullptr);
+    QCOMPARE(node.title(), QString());
+    QCOMPARE(node.payload()->getType(), 5);
+    QCOMPARE(node.payload()->content(), nullptr);
 }
 
 void tst_Node::titleIsThatOfTheTitleItem()
 {
     Node node(0);
     node.setNodeName(QStringLiteral("Storm"));
-    QCOMPARE(node.getTitle(), QStringLiteral("Storm"));
-    QCOMPARE(node.getNameItem()->toPlainText(), QStringLiteral("Storm"));
-    node.getNameItem()->setPlainText(QStringLiteral("Calm"));
-    QCOMPARE(node.getTitle(), QStringLiteral("Calm"));
+    QCOMPARE(node.title(), QStringLiteral("Storm"));
+    QCOMPARE(node.nameItem()->toPlainText(), QStringLiteral("Storm"));
+    node.nameItem()->setPlainText(QStringLiteral("Calm"));
+    QCOMPARE(node.title(), QStringLiteral("Calm"));
 }
 
 void tst_Node::newIndexIsLoggedAndReportedBeforeItIsStored()
@@ -122,12 +122,12 @@ void tst_Node::importanceIsReportedEveryTimeBeforeItIsStored()
     Node node(0);
     QList<bool> seen;
     connect(&node, &Node::s_importanceChanged, &node,
-            [&](Node *changed, bool important) { seen << changed->getIsImportant() << important; });
+            [&](Node *changed, bool important) { seen << changed->isImportant() << important; });
     node.setImportant(true);
-    QCOMPARE(node.getIsImportant(), true);
+    QCOMPARE(node.isImportant(), true);
     node.setImportant(true);
     node.setImportant(false);
-    QCOMPARE(node.getIsImportant(), false);
+    QCOMPARE(node.isImportant(), false);
     QCOMPARE(seen, QList<bool>({false, true, true, true, true, false}));
 }
 
@@ -154,11 +154,11 @@ void tst_Node::newestConnectionGivesTheOutLine()
     first.setInLine(&firstLine);
     second.setInLine(&secondLine);
     node.addNextNode(&first);
-    QCOMPARE(node.getOutLine(), &firstLine);
+    QCOMPARE(node.outLine(), &firstLine);
     node.addNextNode(&second);
-    QCOMPARE(node.getOutLine(), &secondLine);
+    QCOMPARE(node.outLine(), &secondLine);
     node.removeNextNode(&second);
-    QCOMPARE(node.getOutLine(), &firstLine);
+    QCOMPARE(node.outLine(), &firstLine);
 }
 
 void tst_Node::pressIsReportedBeforeTheNodeIsSelected_data()
@@ -198,14 +198,14 @@ void tst_Node::moveReportsThePlacesBeforeTheMove()
         order << QStringLiteral("out");
         points << point;
     });
-    const QPointF input = canvas.node->getInSocket()->sceneCentre();
-    const QPointF output = canvas.node->getOutSocket()->sceneCentre();
+    const QPointF input = canvas.node->inSocket()->sceneCentre();
+    const QPointF output = canvas.node->outSocket()->sceneCentre();
     canvas.mouse.press(canvas.onBody());
     canvas.mouse.move(canvas.onBody() + QPointF(30, 20));
     QCOMPARE(order, QStringList({"moving", "in", "out"}));
     QCOMPARE(points, QList<QPointF>({QPointF(100, 50), input, output}));
     QCOMPARE(canvas.node->pos(), QPointF(130, 70));
-    QCOMPARE(canvas.node->getInSocket()->sceneCentre(), input + QPointF(30, 20));
+    QCOMPARE(canvas.node->inSocket()->sceneCentre(), input + QPointF(30, 20));
     canvas.mouse.release(canvas.onBody());
 }
 
@@ -234,8 +234,7 @@ void tst_Node::socketReportsAreRelayed()
 {
     QFETCH(int, type);
     Canvas canvas;
-    const Socket *socket =
-        type == SocketType::input ? canvas.node->getInSocket() : canvas.node->getOutSocket();
+    const Socket *socket = type == SocketType::input ? canvas.node->inSocket() : canvas.node->outSocket();
     const QSignalSpy clicked(canvas.node, &Node::s_socketClick);
     const QSignalSpy dragged(canvas.node, &Node::s_socketClickDrag);
     const QSignalSpy released(canvas.node, &Node::s_socketClickRelease);
@@ -270,7 +269,7 @@ void tst_Node::socketDragNeitherSelectsNorMovesTheNode()
     Canvas canvas;
     const QSignalSpy selected(canvas.node, &Node::s_selected);
     const QSignalSpy moving(canvas.node, &Node::s_moving);
-    canvas.mouse.drag(canvas.node->getOutSocket()->sceneCentre(), QPointF(900, 700));
+    canvas.mouse.drag(canvas.node->outSocket()->sceneCentre(), QPointF(900, 700));
     QCOMPARE(selected.count(), 0);
     QCOMPARE(moving.count(), 0);
     QCOMPARE(canvas.node->isSelected(), false);
@@ -287,7 +286,7 @@ void tst_Node::editingIsReportedAfterTheResize()
     QList<double> heights;
     connect(node, &Node::s_changed, node,
             [&](Node *changed) { heights << changed->boundingRect().height(); });
-    desk.edit(node->getData()->eventContent()->getDescriptionItem());
+    desk.edit(node->payload()->eventContent()->descriptionItem());
     desk.key(Qt::Key_Return);
     QCOMPARE(heights.size(), 1);
     QVERIFY(heights.first() > before);
@@ -299,11 +298,11 @@ void tst_Node::editingIsReportedAfterTheResize()
 void tst_Node::newsOfThePayloadLayOutBeforeTheyAreReported()
 {
     Node node(0);
-    const QPointF place = node.getOutSocket()->pos();
-    node.getOutSocket()->setPos(1, 2);
+    const QPointF place = node.outSocket()->pos();
+    node.outSocket()->setPos(1, 2);
     QList<QPointF> places;
-    connect(&node, &Node::s_changed, &node, [&](Node *changed) { places << changed->getOutSocket()->pos(); });
-    emit node.getData()->s_dataChanged();
+    connect(&node, &Node::s_changed, &node, [&](Node *changed) { places << changed->outSocket()->pos(); });
+    emit node.payload()->s_dataChanged();
     QCOMPARE(places, QList<QPointF>({place}));
 }
 
@@ -311,7 +310,7 @@ void tst_Node::settingTheDescriptionIsNotReported()
 {
     Node node(0);
     const QSignalSpy changed(&node, &Node::s_changed);
-    node.getData()->eventContent()->setDescription(QStringLiteral("Rain"));
+    node.payload()->eventContent()->setDescription(QStringLiteral("Rain"));
     QCOMPARE(changed.count(), 0);
 }
 
@@ -322,9 +321,9 @@ void tst_Node::editingTheTitleIsNotReported()
     desk.scene.addItem(node);
     QVERIFY(desk.isReady());
     const QSignalSpy changed(node, &Node::s_changed);
-    desk.edit(node->getNameItem());
+    desk.edit(node->nameItem());
     desk.type(QStringLiteral("s"));
-    QCOMPARE(node->getTitle(), QStringLiteral("Events"));
+    QCOMPARE(node->title(), QStringLiteral("Events"));
     QCOMPARE(changed.count(), 0);
 }
 
@@ -332,12 +331,12 @@ void tst_Node::copyTakesDescriptionAndTypeWithoutAReport()
 {
     Node source(0);
     source.setNodeName(QStringLiteral("Storm"));
-    source.getData()->eventContent()->setDescription(QStringLiteral("Rain\nand\nwind"));
+    source.payload()->eventContent()->setDescription(QStringLiteral("Rain\nand\nwind"));
     Node node(0);
     const QSignalSpy changed(&node, &Node::s_changed);
-    node.copyDataFrom(source.getData());
+    node.copyDataFrom(source.payload());
     QCOMPARE(description(node), QStringLiteral("Rain\nand\nwind"));
-    QCOMPARE(node.getTitle(), QStringLiteral("Event"));
+    QCOMPARE(node.title(), QStringLiteral("Event"));
     QCOMPARE(node.boundingRect(), source.boundingRect());
     QCOMPARE(changed.count(), 0);
 
@@ -365,9 +364,9 @@ void tst_Node::dyingWithTheFocusInATextIsQuiet()
     auto *node = new Node(0);
     desk.scene.addItem(node);
     QVERIFY(desk.isReady());
-    QGraphicsTextItem *text = node->getNameItem();
+    QGraphicsTextItem *text = node->nameItem();
     if (!inTitle)
-        text = node->getData()->eventContent()->getDescriptionItem();
+        text = node->payload()->eventContent()->descriptionItem();
     desk.edit(text);
     desk.type(QStringLiteral("and more"));
     if (removedFirst)

@@ -147,11 +147,11 @@ void tst_Node_EndMark::markIsSeenFromFarAway()
 
 void tst_Node_EndMark::markCoversNothing()
 {
-    STLineEdit *text = node->getData()->eventContent()->getDescriptionItem();
+    STLineEdit *text = node->payload()->eventContent()->descriptionItem();
     text->setText(QString(20, u'\n')); // whatever its length
     const double barTop = node->sceneBoundingRect().bottom() - 8;
     QVERIFY(text->sceneBoundingRect().bottom() <= barTop);
-    for (const Socket *socket : {node->getInSocket(), node->getOutSocket()})
+    for (const Socket *socket : {node->inSocket(), node->outSocket()})
         QVERIFY(socket->sceneBoundingRect().bottom() <= barTop);
 }
 

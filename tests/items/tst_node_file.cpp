@@ -39,13 +39,13 @@ void tst_Node_File::savesItsRecord()
     QFETCH(bool, important);
     Node node(0);
     node.setNodeName(QStringLiteral("Set"));
-    node.getNameItem()->setPlainText(QStringLiteral("Typed")); // what the user sees counts
+    node.nameItem()->setPlainText(QStringLiteral("Typed")); // what the user sees counts
     node.setPos(-3.25, 1e6);
     node.setIndex(11);
     node.setPrevIndex(9);
     node.setIsEndOfStory(endOfStory);
     node.setImportant(important);
-    node.getData()->eventContent()->setDescription(QStringLiteral("Rain"));
+    node.payload()->eventContent()->setDescription(QStringLiteral("Rain"));
     const LogCapture log;
     const QByteArray saved = savedBy(node);
     const Record expected{QStringLiteral("Typed"), QPointF(-3.25, 1e6),   11, 9, endOfStory ? 1 : 0,
@@ -70,13 +70,13 @@ void tst_Node_File::loadsItsRecord()
 {
     Node node(0);
     load(node, Record());
-    QCOMPARE(node.getTitle(), QStringLiteral("Storm"));
+    QCOMPARE(node.title(), QStringLiteral("Storm"));
     QCOMPARE(node.pos(), QPointF(12.5, -7));
     QCOMPARE(node.getIndex(), 4);
     QCOMPARE(node.getPrevIndex(), 2);
     QCOMPARE(description(node), QStringLiteral("Rain"));
-    QCOMPARE(node.getIsEndOfStory(), false);
-    QCOMPARE(node.getIsImportant(), false);
+    QCOMPARE(node.isEndOfStory(), false);
+    QCOMPARE(node.isImportant(), false);
 }
 
 void tst_Node_File::loadingReportsTheIndexOnceMore_data()
@@ -97,7 +97,7 @@ void tst_Node_File::loadingReportsTheIndexOnceMore()
     QStringList titles;
     connect(&node, &Node::s_indexChanged, &node, [&](Node *changed, int index) {
         indices << index;
-        titles << changed->getTitle() + QLatin1Char('/') + description(*changed);
+        titles << changed->title() + QLatin1Char('/') + description(*changed);
     });
     load(node, Record());
     QCOMPARE(indices, QList<int>(reports, 4));
@@ -126,8 +126,8 @@ void tst_Node_File::loadedMarks()
     record.endOfStory = endOfStory;
     record.important = important;
     load(node, record);
-    QTEST(node.getIsEndOfStory(), "isEnd");
-    QTEST(node.getIsImportant(), "isImportant");
+    QTEST(node.isEndOfStory(), "isEnd");
+    QTEST(node.isImportant(), "isImportant");
     QCOMPARE(changed.count(), 0);
 }
 
@@ -137,8 +137,8 @@ void tst_Node_File::loadingClearsNoMark()
     node.setIsEndOfStory(true);
     node.setImportant(true);
     load(node, Record());
-    QCOMPARE(node.getIsEndOfStory(), true);
-    QCOMPARE(node.getIsImportant(), true);
+    QCOMPARE(node.isEndOfStory(), true);
+    QCOMPARE(node.isImportant(), true);
 }
 
 void tst_Node_File::loadingLogsThePayload()
@@ -173,12 +173,12 @@ void tst_Node_File::shortRecordLeavesWhatTheStreamGives()
     QDataStream in(bytes);
     node.openFromStream(in);
     QCOMPARE(in.status(), QDataStream::ReadPastEnd);
-    QCOMPARE(node.getTitle(), QStringLiteral("Storm"));
+    QCOMPARE(node.title(), QStringLiteral("Storm"));
     QCOMPARE(node.pos(), QPointF(12.5, -7));
     QCOMPARE(node.getIndex(), 4);
     QCOMPARE(node.getPrevIndex(), 0);
-    QCOMPARE(node.getIsEndOfStory(), false);
-    QCOMPARE(node.getIsImportant(), false);
+    QCOMPARE(node.isEndOfStory(), false);
+    QCOMPARE(node.isImportant(), false);
     QCOMPARE(description(node), QString());
 }
 

@@ -19,7 +19,7 @@ const QString longTitle =
     QStringLiteral("The morning on which nobody at all came down to the harbour, not even "
                    "the harbour master");
 
-STLineEdit *descriptionOf(const Node *node) { return node->getData()->eventContent()->getDescriptionItem(); }
+STLineEdit *descriptionOf(const Node *node) { return node->payload()->eventContent()->descriptionItem(); }
 
 QGraphicsPathItem *headerOf(const Node *node)
 {
@@ -69,9 +69,8 @@ void compareLayout(const Node *node)
     const int width = int(10 + 10 + (panelWidth + 20) + 15);
     const int height = int(34 + (text.height() + 20) + 15);
     QCOMPARE(node->boundingRect(), QRectF(0, 0, width, height));
-    QCOMPARE(node->getInSocket()->pos(), QPointF(0, height / 2)); // NOLINT(bugprone-integer-division)
-    QCOMPARE(node->getOutSocket()->pos(),
-             QPointF(width - 10, height / 2)); // NOLINT(bugprone-integer-division)
+    QCOMPARE(node->inSocket()->pos(), QPointF(0, height / 2));           // NOLINT(bugprone-integer-division)
+    QCOMPARE(node->outSocket()->pos(), QPointF(width - 10, height / 2)); // NOLINT(bugprone-integer-division)
     const QRectF panel = node->mapRectFromItem(descriptionOf(node), descriptionOf(node)->boundingRect());
     QVERIFY(node->boundingRect().contains(panel));
     QCOMPARE(panel.size(), QSizeF(panelWidth, text.height()));
@@ -123,10 +122,10 @@ void tst_Node_Layout::freshEventFitsItsPayload()
 {
     const Node node(0);
     QCOMPARE(node.boundingRect().width(), 455.0);
-    QCOMPARE(node.getData()->pos(), QPointF(25, 49));
-    QCOMPARE(node.getInSocket()->x(), 0.0);
-    QCOMPARE(node.getOutSocket()->x(), 445.0);
-    QCOMPARE(node.getNameItem()->pos(), QPointF(15, 3));
+    QCOMPARE(node.payload()->pos(), QPointF(25, 49));
+    QCOMPARE(node.inSocket()->x(), 0.0);
+    QCOMPARE(node.outSocket()->x(), 445.0);
+    QCOMPARE(node.nameItem()->pos(), QPointF(15, 3));
     compareLayout(&node);
 }
 
@@ -135,10 +134,10 @@ void tst_Node_Layout::partsLieAboveOneAnother()
     const Node node(0);
     QCOMPARE(node.zValue(), 1.0);
     QCOMPARE(headerOf(&node)->zValue(), 2.0);
-    QCOMPARE(node.getData()->zValue(), 2.0);
-    QCOMPARE(node.getNameItem()->zValue(), 3.0);
-    QCOMPARE(node.getInSocket()->zValue(), 3.0);
-    QCOMPARE(node.getOutSocket()->zValue(), 3.0);
+    QCOMPARE(node.payload()->zValue(), 2.0);
+    QCOMPARE(node.nameItem()->zValue(), 3.0);
+    QCOMPARE(node.inSocket()->zValue(), 3.0);
+    QCOMPARE(node.outSocket()->zValue(), 3.0);
     QCOMPARE(node.childItems().size(), 5);
 }
 
@@ -173,7 +172,7 @@ void tst_Node_Layout::headerAndTitleFollowTheWidth()
     QCOMPARE(node.boundingRect().width(), 555.0);
     QCOMPARE(headerOf(&node)->path().boundingRect(), QRectF(0, 0, 555, 34));
     node.setNodeName(QString(200, QLatin1Char('m')));
-    QCOMPARE(node.getNameItem()->boundingRect().width(), 525.0); // a margin of 15 on both sides
+    QCOMPARE(node.nameItem()->boundingRect().width(), 525.0); // a margin of 15 on both sides
 }
 
 void tst_Node_Layout::sizesAreTruncatedOnce()
@@ -181,10 +180,10 @@ void tst_Node_Layout::sizesAreTruncatedOnce()
     Node node(0);
     descriptionOf(&node)->setRect(QRectF(0, 0, 400.9, 31.9)); // as if a font gave these
     QCOMPARE(node.boundingRect(), QRectF(0, 0, 455, 100));
-    QCOMPARE(node.getOutSocket()->pos(), QPointF(445, 50));
+    QCOMPARE(node.outSocket()->pos(), QPointF(445, 50));
     descriptionOf(&node)->setRect(QRectF(0, 0, 401, 32.99));
     QCOMPARE(node.boundingRect(), QRectF(0, 0, 456, 101));
-    QCOMPARE(node.getOutSocket()->pos(), QPointF(446, 50)); // half of an odd height, truncated
+    QCOMPARE(node.outSocket()->pos(), QPointF(446, 50)); // half of an odd height, truncated
 }
 
 void tst_Node_Layout::everythingFollowsTheTextAtOnce_data()
@@ -214,7 +213,7 @@ void tst_Node_Layout::everythingFollowsTheTextAtOnce()
     const QRectF before = desk.node->boundingRect();
 
     if (way == QLatin1String("set")) {
-        desk.node->getData()->eventContent()->setDescription(tall);
+        desk.node->payload()->eventContent()->setDescription(tall);
     } else if (way == QLatin1String("set on the item")) {
         text->setText(tall);
     } else if (way == QLatin1String("typed")) {
@@ -226,8 +225,8 @@ void tst_Node_Layout::everythingFollowsTheTextAtOnce()
     } else if (way == QLatin1String("loaded")) {
         loadDescription(desk.node, tall);
     } else if (way == QLatin1String("copied")) {
-        desk.upstream.getData()->eventContent()->setDescription(tall);
-        desk.node->copyDataFrom(desk.upstream.getData());
+        desk.upstream.payload()->eventContent()->setDescription(tall);
+        desk.node->copyDataFrom(desk.upstream.payload());
     } else {
         desk.key(Qt::Key_A, Qt::ControlModifier);
         desk.key(Qt::Key_Backspace);
@@ -235,10 +234,10 @@ void tst_Node_Layout::everythingFollowsTheTextAtOnce()
 
     QVERIFY(desk.node->boundingRect() != before);
     compareLayout(desk.node);
-    QCOMPARE(startOf(desk.in), desk.node->getInSocket()->sceneCentre());
+    QCOMPARE(startOf(desk.in), desk.node->inSocket()->sceneCentre());
     QCOMPARE(endOf(desk.in), QPointF(2, 2));
-    QCOMPARE(endOf(desk.firstOut), desk.node->getOutSocket()->sceneCentre());
-    QCOMPARE(endOf(desk.secondOut), desk.node->getOutSocket()->sceneCentre());
+    QCOMPARE(endOf(desk.firstOut), desk.node->outSocket()->sceneCentre());
+    QCOMPARE(endOf(desk.secondOut), desk.node->outSocket()->sceneCentre());
     QCOMPARE(startOf(desk.firstOut), QPointF(3, 3));
 }
 
@@ -248,11 +247,11 @@ void tst_Node_Layout::wideWordWidensTheNode()
     QTextOption wholeWords;
     wholeWords.setWrapMode(QTextOption::WordWrap);
     descriptionOf(desk.node)->document()->setDefaultTextOption(wholeWords);
-    const double before = desk.node->getOutSocket()->x();
-    desk.node->getData()->eventContent()->setDescription(QString(60, QLatin1Char('W')));
-    QVERIFY(desk.node->getOutSocket()->x() > before + 100);
+    const double before = desk.node->outSocket()->x();
+    desk.node->payload()->eventContent()->setDescription(QString(60, QLatin1Char('W')));
+    QVERIFY(desk.node->outSocket()->x() > before + 100);
     compareLayout(desk.node);
-    QCOMPARE(endOf(desk.firstOut), desk.node->getOutSocket()->sceneCentre());
+    QCOMPARE(endOf(desk.firstOut), desk.node->outSocket()->sceneCentre());
 }
 
 void tst_Node_Layout::lineEndsLieOnTheSockets()
@@ -260,7 +259,7 @@ void tst_Node_Layout::lineEndsLieOnTheSockets()
     GraphDesk desk;
     desk.node->setPos(-40, 300);
     desk.node->updateLines();
-    const double middle = desk.node->getInSocket()->y() + 11;
+    const double middle = desk.node->inSocket()->y() + 11;
     QCOMPARE(startOf(desk.in), QPointF(-40 + 5, 300 + middle));
     QCOMPARE(endOf(desk.firstOut), QPointF(-40 + 450, 300 + middle));
     QCOMPARE(endOf(desk.secondOut), QPointF(-40 + 450, 300 + middle));
@@ -272,7 +271,7 @@ void tst_Node_Layout::lineStaysWithoutAnInput()
     desk.node->setHasInput(false);
     desk.node->sl_updateSize();
     QCOMPARE(startOf(desk.in), QPointF(1, 1));
-    QCOMPARE(endOf(desk.firstOut), desk.node->getOutSocket()->sceneCentre());
+    QCOMPARE(endOf(desk.firstOut), desk.node->outSocket()->sceneCentre());
 }
 
 void tst_Node_Layout::downstreamNodeWithoutALineIsPassedOver()
@@ -281,7 +280,7 @@ void tst_Node_Layout::downstreamNodeWithoutALineIsPassedOver()
     desk.first.setInLine(nullptr);
     desk.node->sl_updateSize();
     QCOMPARE(endOf(desk.firstOut), QPointF(4, 4));
-    QCOMPARE(endOf(desk.secondOut), desk.node->getOutSocket()->sceneCentre());
+    QCOMPARE(endOf(desk.secondOut), desk.node->outSocket()->sceneCentre());
 }
 
 void tst_Node_Layout::updatingTwiceChangesNothing()
@@ -290,7 +289,7 @@ void tst_Node_Layout::updatingTwiceChangesNothing()
     const QRectF body = node.boundingRect();
     node.sl_updateSize();
     QCOMPARE(node.boundingRect(), body);
-    QCOMPARE(node.getData()->pos(), QPointF(25, 49));
+    QCOMPARE(node.payload()->pos(), QPointF(25, 49));
 }
 
 void tst_Node_Layout::grownNodeIsFoundWhereItIsPainted()
@@ -383,14 +382,14 @@ void tst_Node_Layout::longTitleStaysInTheHeader()
     const QImage canvas = painted(desk.scene, beside);
     desk.node->setNodeName(longTitle);
     QCOMPARE(painted(desk.scene, beside), canvas);
-    QCOMPARE(desk.node->getNameItem()->boundingRect().width(), 425.0);
-    QVERIFY(desk.node->getNameItem()->boundingRect().height() + 3 <= 34);
-    QCOMPARE(desk.node->getNameItem()->toolTip(), longTitle);
-    desk.edit(desk.node->getNameItem());
+    QCOMPARE(desk.node->nameItem()->boundingRect().width(), 425.0);
+    QVERIFY(desk.node->nameItem()->boundingRect().height() + 3 <= 34);
+    QCOMPARE(desk.node->nameItem()->toolTip(), longTitle);
+    desk.edit(desk.node->nameItem());
     QVERIFY(painted(desk.scene, beside) != canvas);
-    desk.node->getNameItem()->clearFocus();
+    desk.node->nameItem()->clearFocus();
     QCOMPARE(painted(desk.scene, beside), canvas);
-    QCOMPARE(desk.node->getTitle(), longTitle);
+    QCOMPARE(desk.node->title(), longTitle);
 }
 
 QTEST_MAIN(tst_Node_Layout)

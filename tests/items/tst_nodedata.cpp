@@ -136,7 +136,7 @@ void tst_NodeData::typingReportsOncePerChange()
     QStringList order;
     connect(data->eventContent(), &EventData::s_isChanged, data, [&] { order << QStringLiteral("content"); });
     connect(data, &NodeData::s_dataChanged, data, [&] { order << QStringLiteral("payload"); });
-    desk.edit(data->eventContent()->getDescriptionItem());
+    desk.edit(data->eventContent()->descriptionItem());
     desk.type(QStringLiteral("!"));
     QCOMPARE(order.count(QStringLiteral("content")), 1);
     QCOMPARE(order.count(QStringLiteral("payload")), 1);
@@ -227,7 +227,7 @@ void tst_NodeData::contentOfACloneReportsAndSavesNothing()
     data.eventContent()->setDescription(QStringLiteral("Rain"));
     const std::unique_ptr<NodeData> copy(data.clone());
     const QSignalSpy changed(copy.get(), &NodeData::s_dataChanged);
-    copy->eventContent()->getDescriptionItem()->setText(QStringLiteral("Wind"));
+    copy->eventContent()->descriptionItem()->setText(QStringLiteral("Wind"));
     QCOMPARE(changed.count(), 0);
     QCOMPARE(savedBy(*copy), placeholder);
 }

@@ -88,7 +88,7 @@ void tst_Socket::startsUnconnected()
     QCOMPARE(box.input->parentItem(), box.body);
     QCOMPARE(box.input->parent(), nullptr);
     QCOMPARE(box.input->getIsConnected(), false);
-    QCOMPARE(box.input->getConnectedSocket(), nullptr);
+    QCOMPARE(box.input->connectedSocket(), nullptr);
     QCOMPARE(box.input->boundingRect(), QRectF(0, 0, 10, 22));
 }
 
@@ -133,10 +133,10 @@ void tst_Socket::keepsTheSocketAtTheOtherEnd()
 {
     const Box box;
     box.input->setConnectedSocket(box.output);
-    QCOMPARE(box.input->getConnectedSocket(), box.output);
+    QCOMPARE(box.input->connectedSocket(), box.output);
     QCOMPARE(box.input->getIsConnected(), false);
     box.input->setConnectedSocket(nullptr);
-    QCOMPARE(box.input->getConnectedSocket(), nullptr);
+    QCOMPARE(box.input->connectedSocket(), nullptr);
 }
 
 void tst_Socket::colourTellsWhetherAConnectionIsAttached_data()

@@ -25,7 +25,7 @@ struct TitleHand : ShownScene
         QVERIFY(QTest::qWaitForWindowActive(&view));
         node = addLoose(scene, QPointF(100, 100));
         node->setNodeName(stormTitle);
-        title = node->getNameItem();
+        title = node->nameItem();
     }
 
     /// Where that letter of the title begins, on the screen's pixels.

@@ -20,7 +20,7 @@ struct TitleStage : ShownScene
         view.activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(&view));
         node = addLoose(scene, QPointF(100, 100));
-        title = node->getNameItem();
+        title = node->nameItem();
         node->setNodeName(text);
     }
 
@@ -145,7 +145,7 @@ void tst_TitleGround::emptyTitleIsClickedAnywhereInTheHeader()
     stage.click(stage.title->mapToScene(QPointF(along * room, 14)));
     QVERIFY(stage.title->hasFocus());
     QTest::keyClicks(&stage.view, QStringLiteral("Rain"));
-    QCOMPARE(stage.node->getTitle(), QStringLiteral("Rain"));
+    QCOMPARE(stage.node->title(), QStringLiteral("Rain"));
 }
 
 void tst_TitleGround::placeOfAnEmptyTitleIsSeen_data()
@@ -202,7 +202,7 @@ void tst_TitleGround::emptiedTitleIsHitAtOnce()
     stage.title->clearFocus();
     const QRectF place = stage.title->boundingRect();
     QCOMPARE(unmade.childrenBoundingRect(), stage.node->childrenBoundingRect());
-    QCOMPARE(unmade.getNameItem()->boundingRect(), place);
+    QCOMPARE(unmade.nameItem()->boundingRect(), place);
 }
 
 QTEST_MAIN(tst_TitleGround)

@@ -45,11 +45,11 @@ struct Story
     std::vector<Node *> nodes;
 };
 
-inline STLineEdit *textOf(const Node *node) { return node->getData()->eventContent()->getDescriptionItem(); }
+inline STLineEdit *textOf(const Node *node) { return node->payload()->eventContent()->descriptionItem(); }
 
 inline STLineEdit *textOf(OvNode *entry)
 {
-    return dynamic_cast<EventData *>(entry->getEventData())->getDescriptionItem();
+    return dynamic_cast<EventData *>(entry->eventData())->descriptionItem();
 }
 
 /// Replaces the text as an edit by the user does.
@@ -63,7 +63,7 @@ inline void edit(STLineEdit *item, const QString &text)
 inline QList<int> indices(const OverViewerScene &panel)
 {
     QList<int> all;
-    for (const OvNode *entry : panel.getOvNodes())
+    for (const OvNode *entry : panel.ovNodes())
         all << entry->getIndex();
     return all;
 }
@@ -71,14 +71,14 @@ inline QList<int> indices(const OverViewerScene &panel)
 inline QStringList texts(const OverViewerScene &panel)
 {
     QStringList all;
-    for (OvNode *entry : panel.getOvNodes())
+    for (OvNode *entry : panel.ovNodes())
         all << textOf(entry)->toPlainText();
     return all;
 }
 
 inline std::vector<QPointer<OvNode>> watch(const OverViewerScene &panel)
 {
-    return {panel.getOvNodes().begin(), panel.getOvNodes().end()};
+    return {panel.ovNodes().begin(), panel.ovNodes().end()};
 }
 
 inline bool allGone(const std::vector<QPointer<OvNode>> &entries)
@@ -89,7 +89,7 @@ inline bool allGone(const std::vector<QPointer<OvNode>> &entries)
 inline QRectF covered(const OverViewerScene &panel)
 {
     QRectF all;
-    for (const OvNode *entry : panel.getOvNodes())
+    for (const OvNode *entry : panel.ovNodes())
         all |= entry->sceneBoundingRect();
     return all;
 }
@@ -98,7 +98,7 @@ inline QRectF covered(const OverViewerScene &panel)
 inline void verifyStacked(const OverViewerScene &panel)
 {
     int y = 0;
-    for (const OvNode *entry : panel.getOvNodes()) {
+    for (const OvNode *entry : panel.ovNodes()) {
         QCOMPARE(entry->pos(), QPointF(0, y));
         y = static_cast<int>(5 + entry->boundingRect().height() + y);
     }

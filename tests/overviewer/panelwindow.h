@@ -29,17 +29,17 @@ struct PanelWindow
     PanelWindow &operator=(const PanelWindow &) = delete;
 
     bool isReady() { return QTest::qWaitForWindowActive(&window); }
-    const std::vector<OvNode *> &entries() const { return panel.getOvNodes(); }
+    const std::vector<OvNode *> &entries() const { return panel.ovNodes(); }
     Node *node(int index) const { return scene.findNodeByIndex(index); }
     /// The description of the event on the canvas.
     QString description(int index) const
     {
-        return node(index) ? node(index)->getData()->eventContent()->getDescription()
+        return node(index) ? node(index)->payload()->eventContent()->getDescription()
                            : QStringLiteral("it is not there");
     }
     QString entryText(int index) const
     {
-        return entryOf(index) ? descriptionOf(entryOf(index))->getText() : QStringLiteral("it is not listed");
+        return entryOf(index) ? descriptionOf(entryOf(index))->text() : QStringLiteral("it is not listed");
     }
     OvNode *entryOf(int index) const
     {

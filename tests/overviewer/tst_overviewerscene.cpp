@@ -51,7 +51,7 @@ void tst_OverviewerScene::startsEmpty()
     QCOMPARE(log.lines(), QStringList({u"No of ovnodes now:  0"_s}));
     QCOMPARE(panel.parent(), nullptr);
     QCOMPARE(panel.backgroundBrush(), QBrush(QColor(u"#EAEAEA"_s), Qt::SolidPattern));
-    QVERIFY(panel.getOvNodes().empty());
+    QVERIFY(panel.ovNodes().empty());
     QVERIFY(panel.items().isEmpty());
     QCOMPARE(panel.layoutOvNodes(), 0);
 }
@@ -62,11 +62,11 @@ void tst_OverviewerScene::emptyStoryLeavesThePanelEmpty()
     const LogCapture log;
     story.panel.sl_recieveNodes({});
     QCOMPARE(log.lines(), QStringList({u"No of ovnodes now:  0"_s}));
-    QVERIFY(story.panel.getOvNodes().empty());
+    QVERIFY(story.panel.ovNodes().empty());
     QVERIFY(story.panel.items().isEmpty());
     QVERIFY2(story.panel.height() <= 1 && story.panel.width() <= 1, "no area is left of the old list");
     story.panel.sl_recieveNodes({});
-    QVERIFY(story.panel.getOvNodes().empty());
+    QVERIFY(story.panel.ovNodes().empty());
 }
 
 void tst_OverviewerScene::listsTheStoryTopToBottom()
@@ -80,7 +80,7 @@ void tst_OverviewerScene::listsTheStoryTopToBottom()
     QCOMPARE(log.lines(), QStringList({u"No of ovnodes now:  3"_s}));
     QCOMPARE(indices(story.panel), QList<int>({2, 0, 1}));
     QCOMPARE(texts(story.panel), QStringList({u"third"_s, u"first"_s, u"second"_s}));
-    for (const OvNode *entry : story.panel.getOvNodes())
+    for (const OvNode *entry : story.panel.ovNodes())
         QCOMPARE(entry->scene(), &story.panel);
 }
 
@@ -117,22 +117,22 @@ void tst_OverviewerScene::everyStoryChangeIsShown()
     story.graph.setEndOfStory(story.nodes[0]);
     QCOMPARE(indices(story.panel), QList<int>({0}));
     story.graph.deleteNode(story.nodes[0]);
-    QVERIFY(story.panel.getOvNodes().empty());
+    QVERIFY(story.panel.ovNodes().empty());
     // Nothing that comes later may look at the node that is gone.
     flushDeferredDeletes();
     story.panel.sl_setFilter_important(true);
     story.panel.sl_setFilter_important(false);
-    QVERIFY(story.panel.getOvNodes().empty());
+    QVERIFY(story.panel.ovNodes().empty());
 }
 
 void tst_OverviewerScene::entriesAreStacked()
 {
     Story story(3);
-    textOf(story.panel.getOvNodes()[0])->setRect(QRectF(0, 0, 400, 80));
-    textOf(story.panel.getOvNodes()[1])->setRect(QRectF(0, 0, 400, 120));
-    textOf(story.panel.getOvNodes()[2])->setRect(QRectF(0, 0, 400, 50));
+    textOf(story.panel.ovNodes()[0])->setRect(QRectF(0, 0, 400, 80));
+    textOf(story.panel.ovNodes()[1])->setRect(QRectF(0, 0, 400, 120));
+    textOf(story.panel.ovNodes()[2])->setRect(QRectF(0, 0, 400, 50));
     QCOMPARE(story.panel.layoutOvNodes(), 105 + 145 + 75);
-    const std::vector<OvNode *> &entries = story.panel.getOvNodes();
+    const std::vector<OvNode *> &entries = story.panel.ovNodes();
     QCOMPARE(entries[0]->pos(), QPointF(0, 0));
     QCOMPARE(entries[1]->pos(), QPointF(0, 105));
     QCOMPARE(entries[2]->pos(), QPointF(0, 250));
@@ -144,10 +144,10 @@ void tst_OverviewerScene::entriesAreStacked()
 void tst_OverviewerScene::fractionsOfAHeightAreCutOff()
 {
     Story story(3);
-    for (OvNode *entry : story.panel.getOvNodes())
+    for (OvNode *entry : story.panel.ovNodes())
         textOf(entry)->setRect(QRectF(0, 0, 400, 100.75));
-    QCOMPARE(story.panel.getOvNodes()[1]->pos(), QPointF(0, 125));
-    QCOMPARE(story.panel.getOvNodes()[2]->pos(), QPointF(0, 250));
+    QCOMPARE(story.panel.ovNodes()[1]->pos(), QPointF(0, 125));
+    QCOMPARE(story.panel.ovNodes()[2]->pos(), QPointF(0, 250));
     QCOMPARE(story.panel.layoutOvNodes(), 375);
 }
 
@@ -182,7 +182,7 @@ void tst_OverviewerScene::wideWordStaysInTheColumn()
     QCOMPARE(texts(story.panel).at(0), QString(200, u'w'));
     QCOMPARE(story.panel.sceneRect().left(), -10.0);
     QCOMPARE(story.panel.sceneRect().right(), 410.0);
-    edit(textOf(story.panel.getOvNodes()[1]), QString(200, u'm'));
+    edit(textOf(story.panel.ovNodes()[1]), QString(200, u'm'));
     QCOMPARE(story.panel.sceneRect().right(), 410.0);
     verifyStacked(story.panel);
 }
@@ -190,7 +190,7 @@ void tst_OverviewerScene::wideWordStaysInTheColumn()
 void tst_OverviewerScene::entriesBelowMoveWhenThePanelIsEdited()
 {
     Story story(3);
-    const std::vector<OvNode *> entries = story.panel.getOvNodes();
+    const std::vector<OvNode *> entries = story.panel.ovNodes();
     const double secondBefore = entries[1]->y();
     const double thirdBefore = entries[2]->y();
     edit(textOf(entries[0]), u"one\ntwo\nthree\nfour"_s);
@@ -202,13 +202,13 @@ void tst_OverviewerScene::entriesBelowMoveWhenThePanelIsEdited()
     QCOMPARE(entries[1]->y(), secondBefore);
     QCOMPARE(entries[2]->y(), thirdBefore);
     verifyStacked(story.panel);
-    QCOMPARE(story.panel.getOvNodes(), entries);
+    QCOMPARE(story.panel.ovNodes(), entries);
 }
 
 void tst_OverviewerScene::entriesBelowMoveWhenANodeIsEdited()
 {
     Story story(3);
-    const std::vector<OvNode *> entries = story.panel.getOvNodes();
+    const std::vector<OvNode *> entries = story.panel.ovNodes();
     const double secondBefore = entries[1]->y();
     const double thirdBefore = entries[2]->y();
     edit(textOf(story.nodes[1]), u"one\ntwo\nthree"_s);
@@ -228,7 +228,7 @@ void tst_OverviewerScene::entriesBelowMoveWhenAWindowIsTypedIn()
     view.resize(440, 500);
     view.show();
     QVERIFY(QTest::qWaitForWindowActive(&view));
-    const std::vector<OvNode *> entries = story.panel.getOvNodes();
+    const std::vector<OvNode *> entries = story.panel.ovNodes();
     const double before = entries[1]->y();
     QTest::mouseClick(view.viewport(), Qt::LeftButton, Qt::NoModifier, view.mapFromScene(QPointF(100, 30)));
     QCOMPARE(story.panel.focusItem(), textOf(entries[0]));

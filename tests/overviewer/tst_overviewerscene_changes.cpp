@@ -52,7 +52,7 @@ void tst_OverViewerScene_Changes::filterWithoutImportantEventsEmptiesThePanel()
     Story story(3);
     const LogCapture log;
     story.panel.sl_setFilter_important(true);
-    QVERIFY(story.panel.getOvNodes().empty());
+    QVERIFY(story.panel.ovNodes().empty());
     QVERIFY(story.panel.items().isEmpty());
     QVERIFY(log.contains(u"No of ovnodes now:  0"_s));
     story.panel.sl_setFilter_important(false);
@@ -112,12 +112,12 @@ void tst_OverViewerScene_Changes::importanceChangeRebuilds()
 void tst_OverViewerScene_Changes::updatedNodeIsRefreshed()
 {
     Story story(2);
-    const std::vector<OvNode *> entries = story.panel.getOvNodes();
+    const std::vector<OvNode *> entries = story.panel.ovNodes();
     QSignalSpy reported(&story.panel, &OverViewerScene::s_nodeChanged);
-    story.nodes[0]->getData()->eventContent()->setDescription(u"not reported yet"_s);
+    story.nodes[0]->payload()->eventContent()->setDescription(u"not reported yet"_s);
     edit(textOf(story.nodes[1]), u"typed in the graph"_s);
     QCOMPARE(texts(story.panel), QStringList({u"Enter description"_s, u"typed in the graph"_s}));
-    QCOMPARE(story.panel.getOvNodes(), entries);
+    QCOMPARE(story.panel.ovNodes(), entries);
     QCOMPARE(reported.count(), 0);
 }
 
@@ -132,7 +132,7 @@ void tst_OverViewerScene_Changes::updatedNodeOutsideTheStoryIsIgnored()
     Node *namesake = addChain(other, 1).front();
     QCOMPARE(namesake->getIndex(), 0);
     edit(textOf(namesake), u"stranger"_s);
-    story.nodes[0]->getData()->eventContent()->setDescription(u"not reported yet"_s);
+    story.nodes[0]->payload()->eventContent()->setDescription(u"not reported yet"_s);
     story.panel.sl_updatedNode(namesake);
     story.panel.sl_updatedNode(story.nodes[1]);
     QCOMPARE(texts(story.panel), QStringList({u"Enter description"_s}));
@@ -154,7 +154,7 @@ void tst_OverViewerScene_Changes::everyEntryOfANodeIsRefreshed()
     Story story(2);
     Node *twice = story.nodes[0];
     story.panel.sl_recieveNodes({twice, story.nodes[1], twice});
-    twice->getData()->eventContent()->setDescription(u"both"_s);
+    twice->payload()->eventContent()->setDescription(u"both"_s);
     story.panel.sl_updatedNode(twice);
     QCOMPARE(texts(story.panel), QStringList({u"both"_s, u"Enter description"_s, u"both"_s}));
 }
@@ -162,24 +162,24 @@ void tst_OverViewerScene_Changes::everyEntryOfANodeIsRefreshed()
 void tst_OverViewerScene_Changes::editedEntryIsReported()
 {
     Story story(3);
-    OvNode *entry = story.panel.getOvNodes()[1];
+    OvNode *entry = story.panel.ovNodes()[1];
     QSignalSpy reported(&story.panel, SIGNAL(s_nodeChanged(QGraphicsItem*,int)));
     edit(textOf(entry), u"changed"_s);
     QVERIFY(reported.count() > 0);
-    QCOMPARE(reported.last().at(0).value<QGraphicsItem *>(), entry->getEventData());
+    QCOMPARE(reported.last().at(0).value<QGraphicsItem *>(), entry->eventData());
     QCOMPARE(reported.last().at(1).toInt(), 1);
     reported.clear();
     entry->setIndex(12);
     story.panel.sl_updateOvNode(entry);
     QCOMPARE(reported.count(), 1);
-    QCOMPARE(reported.at(0).at(0).value<QGraphicsItem *>(), entry->getEventData());
+    QCOMPARE(reported.at(0).at(0).value<QGraphicsItem *>(), entry->eventData());
     QCOMPARE(reported.at(0).at(1).toInt(), 12);
 }
 
 void tst_OverViewerScene_Changes::panelEditReachesTheGraphOnce()
 {
     Story story(3);
-    const std::vector<OvNode *> entries = story.panel.getOvNodes();
+    const std::vector<OvNode *> entries = story.panel.ovNodes();
     QSignalSpy updated(&story.graph, &NodegraphScene::s_updateNode);
     QSignalSpy published(&story.graph, &NodegraphScene::s_updateStory);
     QTextCursor(textOf(entries[1])->document()).insertText(u"!"_s);
@@ -188,19 +188,19 @@ void tst_OverViewerScene_Changes::panelEditReachesTheGraphOnce()
     QCOMPARE(textOf(story.nodes[2])->toPlainText(), u"Enter description"_s);
     QCOMPARE(updated.count(), 0);
     QCOMPARE(published.count(), 0);
-    QCOMPARE(story.panel.getOvNodes(), entries);
+    QCOMPARE(story.panel.ovNodes(), entries);
 }
 
 void tst_OverViewerScene_Changes::changedIndexIsTakenOver()
 {
     Story story(3);
-    const std::vector<OvNode *> entries = story.panel.getOvNodes();
+    const std::vector<OvNode *> entries = story.panel.ovNodes();
     const LogCapture log;
     story.nodes[1]->setIndex(7); // reported before the node stores it
     QCOMPARE(log.lines(), QStringList({u"Old node index  1  New node index  7"_s, u"Found ovNode"_s,
                                        u"Changing ovNode index from:  1  to  7"_s}));
     QCOMPARE(indices(story.panel), QList<int>({0, 7, 2}));
-    QCOMPARE(story.panel.getOvNodes(), entries);
+    QCOMPARE(story.panel.ovNodes(), entries);
     edit(textOf(entries[1]), u"still mine"_s);
     QCOMPARE(textOf(story.nodes[1])->toPlainText(), u"still mine"_s);
 }
@@ -220,7 +220,7 @@ void tst_OverViewerScene_Changes::changedIndexOfAStrangerIsIgnored()
 void tst_OverViewerScene_Changes::findsTheFirstEntryOfAnIndex()
 {
     Story story(3);
-    const std::vector<OvNode *> entries = story.panel.getOvNodes();
+    const std::vector<OvNode *> entries = story.panel.ovNodes();
     entries[0]->setIndex(5);
     entries[2]->setIndex(5);
     LogCapture log;
@@ -243,10 +243,10 @@ void tst_OverViewerScene_Changes::forgetsAStoryWhoseSceneGoes()
         panel.forgetScene(graph.get());
         QVERIFY(allGone(entries));
     }
-    QVERIFY(panel.getOvNodes().empty());
+    QVERIFY(panel.ovNodes().empty());
     panel.sl_setFilter_important(true);
     panel.sl_setFilter_important(false);
-    QVERIFY(panel.getOvNodes().empty());
+    QVERIFY(panel.ovNodes().empty());
 }
 
 void tst_OverViewerScene_Changes::keepsAStoryWhenAnotherSceneGoes()
@@ -259,7 +259,7 @@ void tst_OverViewerScene_Changes::keepsAStoryWhenAnotherSceneGoes()
     QVERIFY(entries[0] && entries[1]);
     OverViewerScene empty;
     empty.forgetScene(&other);
-    QVERIFY(empty.getOvNodes().empty());
+    QVERIFY(empty.ovNodes().empty());
 }
 
 QTEST_MAIN(tst_OverViewerScene_Changes)

@@ -31,19 +31,19 @@ struct LongStory
         pushCommandsOn(graph, stack);
         nodes = addChain(graph, int(length));
         for (const Node *node : nodes)
-            node->getData()->eventContent()->setDescription(textOfEvent(node->getIndex()));
+            node->payload()->eventContent()->setDescription(textOfEvent(node->getIndex()));
         QObject::connect(&panel, SIGNAL(s_nodeChanged(QGraphicsItem*,int)), &graph,
                                         SLOT(sl_ovNodeChanged(QGraphicsItem*,int)));
         QObject::connect(&graph, SIGNAL(s_updateNode(Node*)), &panel, SLOT(sl_updatedNode(Node*)));
         panel.sl_recieveNodes(nodes);
     }
 
-    OvNode *entry(std::size_t place) const { return panel.getOvNodes().at(place); }
+    OvNode *entry(std::size_t place) const { return panel.ovNodes().at(place); }
     EventData *content(std::size_t place) const
     {
-        return dynamic_cast<EventData *>(entry(place)->getEventData());
+        return dynamic_cast<EventData *>(entry(place)->eventData());
     }
-    EventData *nodeContent(std::size_t place) const { return nodes.at(place)->getData()->eventContent(); }
+    EventData *nodeContent(std::size_t place) const { return nodes.at(place)->payload()->eventContent(); }
     bool isMade(std::size_t place) const { return !entry(place)->childItems().isEmpty(); }
 
     NodegraphScene graph;
@@ -92,7 +92,7 @@ void tst_OverviewerSceneLong::placesAndSizesAreThoseOfMadeEntries()
     }
     for (std::size_t place = 0; place < length; ++place) {
         const QRectF before = story.entry(place)->boundingRect();
-        story.content(place)->getDescriptionItem();
+        story.content(place)->descriptionItem();
         QCOMPARE(story.entry(place)->boundingRect(), before);
     }
     QCOMPARE(story.panel.sceneRect().height(), story.entry(length - 1)->sceneBoundingRect().bottom() + 10);
@@ -106,7 +106,7 @@ void tst_OverviewerSceneLong::textsAreThoseOfTheRebuild()
     story.nodeContent(50)->setDescription(u"Set without a report"_s);
     QVERIFY(!story.isMade(50));
     QCOMPARE(story.content(50)->getDescription(), listed);
-    QCOMPARE(story.content(50)->getDescriptionItem()->toPlainText(), listed);
+    QCOMPARE(story.content(50)->descriptionItem()->toPlainText(), listed);
 }
 
 void tst_OverviewerSceneLong::whatIsPaintedIsMade()
@@ -136,14 +136,14 @@ void tst_OverviewerSceneLong::pressBeforeThePaintFindsTheText()
     QCoreApplication::sendEvent(&story.panel, &activate);
     SceneMouse{story.panel}.press(story.entry(45)->sceneBoundingRect().center());
     QVERIFY(story.panel.focusItem());
-    QCOMPARE(story.panel.focusItem(), story.content(45)->getDescriptionItem());
+    QCOMPARE(story.panel.focusItem(), story.content(45)->descriptionItem());
 }
 
 void tst_OverviewerSceneLong::editOfALateEntryReachesItsNode()
 {
     LongStory story;
     const QSignalSpy reported(&story.panel, &OverViewerScene::s_nodeChanged);
-    story.content(55)->getDescriptionItem()->setPlainText(u"Typed in the panel"_s);
+    story.content(55)->descriptionItem()->setPlainText(u"Typed in the panel"_s);
     QCOMPARE(reported.count(), 1);
     QCOMPARE(reported.at(0).at(1).toInt(), story.nodes.at(55)->getIndex());
     QCOMPARE(story.nodeContent(55)->getDescription(), u"Typed in the panel"_s);
@@ -153,7 +153,7 @@ void tst_OverviewerSceneLong::editOfANodeReachesALateEntry()
 {
     LongStory story;
     const double below = story.entry(56)->y();
-    story.nodeContent(55)->getDescriptionItem()->setPlainText(u"line\n"_s.repeated(30));
+    story.nodeContent(55)->descriptionItem()->setPlainText(u"line\n"_s.repeated(30));
     QVERIFY(!story.isMade(55));
     QCOMPARE(story.entry(55)->boundingRect(), story.nodeContent(55)->boundingRect());
     QVERIFY(story.entry(56)->y() > below);

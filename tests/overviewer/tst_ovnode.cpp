@@ -20,9 +20,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-EventData *contentOf(OvNode &entry) { return dynamic_cast<EventData *>(entry.getEventData()); }
+EventData *contentOf(OvNode &entry) { return dynamic_cast<EventData *>(entry.eventData()); }
 
-STLineEdit *textOf(const Node &node) { return node.getData()->eventContent()->getDescriptionItem(); }
+STLineEdit *textOf(const Node &node) { return node.payload()->eventContent()->descriptionItem(); }
 
 /// What an entry leaves on a transparent image whose pixel (20, 20) is the entry's origin.
 QImage painted(OvNode &entry, const QPen &pen, const QBrush &brush)
@@ -100,11 +100,11 @@ void tst_OvNode::copiesTheNode()
     QCOMPARE(entry.parent(), nullptr);
     QCOMPARE(entry.parentItem(), nullptr);
     QVERIFY(contentOf(entry));
-    QVERIFY(contentOf(entry) != node.getData()->eventContent());
+    QVERIFY(contentOf(entry) != node.payload()->eventContent());
     QCOMPARE(contentOf(entry)->getDescription(), u"He leaves"_s);
     QCOMPARE(contentOf(entry)->parentItem(), static_cast<const QGraphicsItem *>(&entry));
     QCOMPARE(contentOf(entry)->pos(), QPointF(0, 0));
-    QCOMPARE(contentOf(entry)->getDescriptionItem()->textInteractionFlags(), Qt::TextEditorInteraction);
+    QCOMPARE(contentOf(entry)->descriptionItem()->textInteractionFlags(), Qt::TextEditorInteraction);
 }
 
 void tst_OvNode::keepsWhatItCopied()
@@ -131,8 +131,8 @@ void tst_OvNode::outlineIsThatOfItsContent()
     QCOMPARE(entry.boundingRect().top(), -10.0);
     QCOMPARE(entry.boundingRect().width(), 420.0);
     QCOMPARE(entry.boundingRect().height(),
-             contentOf(entry)->getDescriptionItem()->boundingRect().height() + 20);
-    QCOMPARE(entry.boundingRect(), node.getData()->eventContent()->boundingRect());
+             contentOf(entry)->descriptionItem()->boundingRect().height() + 20);
+    QCOMPARE(entry.boundingRect(), node.payload()->eventContent()->boundingRect());
 }
 
 void tst_OvNode::longerDescriptionMakesATallerEntry()
@@ -144,7 +144,7 @@ void tst_OvNode::longerDescriptionMakesATallerEntry()
     QCOMPARE(entry.boundingRect().height(), before);
     entry.updateFromNode();
     QVERIFY(entry.boundingRect().height() > before);
-    QCOMPARE(entry.boundingRect(), node.getData()->eventContent()->boundingRect());
+    QCOMPARE(entry.boundingRect(), node.payload()->eventContent()->boundingRect());
     textOf(node)->setText(u"one"_s);
     entry.updateFromNode();
     QCOMPARE(entry.boundingRect().height(), before);
@@ -159,7 +159,7 @@ void tst_OvNode::wideWordIsBroken()
     entry.updateFromNode();
     QCOMPARE(entry.boundingRect().width(), 420.0);
     QVERIFY(entry.boundingRect().height() > before);
-    QCOMPARE(entry.boundingRect(), node.getData()->eventContent()->boundingRect());
+    QCOMPARE(entry.boundingRect(), node.payload()->eventContent()->boundingRect());
 }
 
 void tst_OvNode::typingIsReportedOncePerChange()
@@ -167,7 +167,7 @@ void tst_OvNode::typingIsReportedOncePerChange()
     Node node(0);
     OvNode entry(&node);
     QSignalSpy changes(&entry, SIGNAL(s_nodeChanged(OvNode*)));
-    QTextCursor cursor(contentOf(entry)->getDescriptionItem()->document());
+    QTextCursor cursor(contentOf(entry)->descriptionItem()->document());
     cursor.insertText(u"a"_s);
     QCOMPARE(changes.count(), 1);
     QCOMPARE(changes.at(0).at(0).value<OvNode *>(), &entry);
@@ -176,7 +176,7 @@ void tst_OvNode::typingIsReportedOncePerChange()
     cursor.deletePreviousChar();
     QCOMPARE(changes.count(), 3);
     QCOMPARE(contentOf(entry)->getDescription(), u"aEnter description"_s);
-    QCOMPARE(node.getData()->eventContent()->getDescription(), u"Enter description"_s);
+    QCOMPARE(node.payload()->eventContent()->getDescription(), u"Enter description"_s);
 }
 
 void tst_OvNode::refreshReportsNothing()
@@ -210,7 +210,7 @@ void tst_OvNode::contentGoesWithTheEntry()
     const QPointer<EventData> content = contentOf(*entry);
     entry.reset();
     QVERIFY(!content);
-    QVERIFY(node.getData()->eventContent());
+    QVERIFY(node.payload()->eventContent());
 }
 
 void tst_OvNode::nodeWithoutContentGivesAnEmptyEntry_data()
@@ -231,7 +231,7 @@ void tst_OvNode::nodeWithoutContentGivesAnEmptyEntry()
     QCOMPARE(node.getType(), event ? 0 : 1);
     OvNode entry(&node);
     QVERIFY(entry.childItems().isEmpty());
-    QCOMPARE(entry.getEventData() != nullptr, event);
+    QCOMPARE(entry.eventData() != nullptr, event);
     entry.updateFromNode();
     QVERIFY(entry.childItems().isEmpty());
     entry.setImportant(true);
@@ -327,7 +327,7 @@ void tst_OvNode::panelShowsTheOutline()
     const QImage image = shown(panel);
     const QColor background(u"#EAEAEA"_s);
     const QColor outline = important ? QColor(Qt::black) : background;
-    const int bottom = 20 + int(panel.getOvNodes()[0]->boundingRect().bottom());
+    const int bottom = 20 + int(panel.ovNodes()[0]->boundingRect().bottom());
     QCOMPARE(image.pixelColor(200, 10), outline);
     QCOMPARE(image.pixelColor(10, 40), outline);
     QCOMPARE(image.pixelColor(430, 40), outline);

@@ -48,8 +48,8 @@ struct Panel
     }
     STLineEdit *text(int entry) const
     {
-        return dynamic_cast<EventData *>(scene.getOvNodes().at(std::size_t(entry))->getEventData())
-            ->getDescriptionItem();
+        return dynamic_cast<EventData *>(scene.ovNodes().at(std::size_t(entry))->eventData())
+            ->descriptionItem();
     }
     /// Makes the one entry so tall that the list is as high as told.
     void setListHeight(double height) const { text(0)->setRect(QRectF(0, 0, 400, height - 20)); }

@@ -149,7 +149,7 @@ void tst_PanelFocus::commandOfAMenuLeavesTheKeyboard()
     while (openMenu()->activeAction() != importance)
         QTest::keyClick(openMenu(), Qt::Key_Down);
     QTest::keyClick(openMenu(), Qt::Key_Return);
-    QVERIFY(w.node(4)->getIsImportant());
+    QVERIFY(w.node(4)->isImportant());
     w.type(u"def"_s);
     w.key(Qt::Key_Delete);
     QCOMPARE(w.description(written), u"abcdef"_s);

@@ -298,7 +298,7 @@ void tst_PanelKeys::keysOfATextDoNothingWithoutOne()
     for (const Node *node : w.scene.getNodes())
         QVERIFY(node->isVisible());
     w.key(Qt::Key_I, Qt::ControlModifier);
-    QVERIFY(w.node(2)->getIsImportant());
+    QVERIFY(w.node(2)->isImportant());
     w.window.getViews().front()->setFocus(Qt::MouseFocusReason);
     w.key(Qt::Key_Delete);
     QCOMPARE(w.scene.getNodes().size(), std::size_t(2));
@@ -333,7 +333,7 @@ void tst_PanelKeys::longListIsGoneAboutAsAnyOther()
     w.key(Qt::Key_Up);
     w.key(Qt::Key_F2);
     w.type(u"!"_s);
-    QCOMPARE(sceneOf(w.window, 0)->findNodeByIndex(2998)->getData()->eventContent()->getDescription(),
+    QCOMPARE(sceneOf(w.window, 0)->findNodeByIndex(2998)->payload()->eventContent()->getDescription(),
              u"Text 2998!"_s);
     const QRect place = placeOf(w, 2998);
     QVERIFY(w.view.viewport()->rect().contains(place.adjusted(1, 1, -1, -1)));

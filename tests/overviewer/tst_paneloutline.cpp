@@ -115,7 +115,7 @@ void tst_PanelOutline::lineIsWholeOnEachSide()
     showStory(events);
     QTRY_COMPARE(panel->verticalScrollBar()->isVisible(), scrolls);
     const QImage image = shown();
-    const QRect place = placeOf(window->getOverviewerScene()->getOvNodes().front());
+    const QRect place = placeOf(window->getOverviewerScene()->ovNodes().front());
     QVERIFY2(image.rect().contains(place), "the entry reaches beyond the panel");
     compareSides(image, place, !scrolls);
 }
@@ -125,7 +125,7 @@ void tst_PanelOutline::lineIsWholeAtTheEndOfTheList()
     showStory(30);
     QTRY_VERIFY(panel->verticalScrollBar()->isVisible());
     panel->verticalScrollBar()->setValue(panel->verticalScrollBar()->maximum());
-    compareSides(shown(), placeOf(window->getOverviewerScene()->getOvNodes().back()), false);
+    compareSides(shown(), placeOf(window->getOverviewerScene()->ovNodes().back()), false);
 }
 
 void tst_PanelOutline::unimportantEntryHasNone()

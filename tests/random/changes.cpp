@@ -53,12 +53,12 @@ Changes::Nodes Changes::statesOf(const NodegraphView *view)
         state.index = node->getIndex();
         state.prevIndex = node->getPrevIndex();
         if (node->hasInput())
-            state.line = numberOf(node->getInLine());
-        state.title = node->getTitle();
-        state.description = node->getData()->eventContent()->getDescription();
+            state.line = numberOf(node->inLine());
+        state.title = node->title();
+        state.description = node->payload()->eventContent()->getDescription();
         state.pos = node->scenePos();
-        state.important = node->getIsImportant();
-        state.end = node->getIsEndOfStory();
+        state.important = node->isImportant();
+        state.end = node->isEndOfStory();
         states.insert(numberOf(node), state);
     }
     return states;

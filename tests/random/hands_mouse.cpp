@@ -31,12 +31,12 @@ QPointF Hands::pointOf(Place place)
     case Place::output:
         return outputOf(node);
     case Place::title:
-        return middleOf(node->getNameItem());
+        return middleOf(node->nameItem());
     case Place::description:
         return middleOf(descriptionOf(node));
     case Place::line:
-        if (node->getInLine())
-            return nearEnd(node->getInLine(), choices.below(2));
+        if (node->inLine())
+            return nearEnd(node->inLine(), choices.below(2));
         return inputOf(node);
     default:
         return bodyOf(node);

@@ -58,7 +58,7 @@ QString Hands::anyText()
 void Hands::typeTitle()
 {
     if (const Node *node = anyNode())
-        typeInto(node->getNameItem(), view());
+        typeInto(node->nameItem(), view());
 }
 
 void Hands::typeDescription()
@@ -70,8 +70,8 @@ void Hands::typeDescription()
 void Hands::typeOnPanel()
 {
     OverViewerScene *panel = window.getOverviewerScene();
-    if (!panel->getOvNodes().empty())
-        typeInto(descriptionOf(choices.anyOf(panel->getOvNodes())), panel->views().constFirst());
+    if (!panel->ovNodes().empty())
+        typeInto(descriptionOf(choices.anyOf(panel->ovNodes())), panel->views().constFirst());
 }
 
 /// Goes on in whichever text was being edited.
@@ -126,6 +126,6 @@ void Hands::replaceText()
         return;
     step.effects = Effect::types;
     const QGraphicsTextItem *item =
-        choices.oneIn(2) ? static_cast<QGraphicsTextItem *>(node->getNameItem()) : descriptionOf(node);
+        choices.oneIn(2) ? static_cast<QGraphicsTextItem *>(node->nameItem()) : descriptionOf(node);
     ::typeInto(item, anyText());
 }

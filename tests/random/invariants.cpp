@@ -72,8 +72,8 @@ QString faultOfCanvas(const Canvas &canvas, const std::vector<Node *> &nodes, bo
         return QStringLiteral("%1 lines that lead nowhere").arg(canvas.loose.size());
     QSet<const ConnectionLine *> lines;
     for (const Node *node : nodes) {
-        if (node->getInLine())
-            lines.insert(node->getInLine());
+        if (node->inLine())
+            lines.insert(node->inLine());
     }
     if (lines != canvas.lines)
         return QStringLiteral("%1 lines on the canvas, %2 of events")
@@ -86,7 +86,7 @@ QString faultOfLinks(const Node *node, const std::vector<Node *> &nodes)
 {
     const Node *upstream = node->prevNode();
     const bool isFed = node->hasInput();
-    if (isFed != (upstream != nullptr) || isFed != (node->getInLine() != nullptr))
+    if (isFed != (upstream != nullptr) || isFed != (node->inLine() != nullptr))
         return QStringLiteral("is fed by half a connection");
     if (node->getPrevIndex() != (isFed ? upstream->getIndex() : -1))
         return QStringLiteral("has the upstream index %1").arg(node->getPrevIndex());
@@ -106,22 +106,22 @@ QString faultOfLinks(const Node *node, const std::vector<Node *> &nodes)
 
 QString faultOfSockets(const Node *node)
 {
-    const Socket *input = node->getInSocket();
-    const Socket *output = node->getOutSocket();
+    const Socket *input = node->inSocket();
+    const Socket *output = node->outSocket();
     if (input->getIsConnected() != node->hasInput() ||
-        input->getConnectedSocket() != (node->hasInput() ? node->prevNode()->getOutSocket() : nullptr))
+        input->connectedSocket() != (node->hasInput() ? node->prevNode()->outSocket() : nullptr))
         return QStringLiteral("has an input socket that says otherwise");
     const std::vector<Node *> &fed = node->nextNodes();
     const bool partnerIsFed = std::any_of(fed.begin(), fed.end(), [output](const Node *downstream) {
-        return downstream->getInSocket() == output->getConnectedSocket();
+        return downstream->inSocket() == output->connectedSocket();
     });
     if (output->getIsConnected() == fed.empty() || partnerIsFed == fed.empty() ||
-        (fed.empty() && output->getConnectedSocket()))
+        (fed.empty() && output->connectedSocket()))
         return QStringLiteral("has an output socket that says otherwise");
     const QRectF body = node->boundingRect();
     if (input->pos().x() != 0 || output->pos().x() + output->boundingRect().width() != body.width())
         return QStringLiteral("has a socket that is not at its edge");
-    if (!body.contains(node->mapRectFromItem(node->getData(), node->getData()->boundingRect())))
+    if (!body.contains(node->mapRectFromItem(node->payload(), node->payload()->boundingRect())))
         return QStringLiteral("is smaller than its description");
     return {};
 }
@@ -135,11 +135,11 @@ bool canBeDrawn(QPointF point)
 
 QString faultOfLine(const Node *node, bool mayLag)
 {
-    const ConnectionLine *line = node->getInLine();
+    const ConnectionLine *line = node->inLine();
     if (!line)
         return {};
     const Node *upstream = node->prevNode();
-    if (line->inputSocket() != node->getInSocket() || line->outputSocket() != upstream->getOutSocket())
+    if (line->inputSocket() != node->inSocket() || line->outputSocket() != upstream->outSocket())
         return QStringLiteral("has a line between other sockets");
     const bool isDrawn = !mayLag && canBeDrawn(inputOf(node)) && canBeDrawn(outputOf(upstream));
     if (isDrawn && startOf(line) != inputOf(node))
@@ -160,7 +160,7 @@ QString faultOfNode(const Node *node, const NodegraphScene &scene, bool held)
         return QStringLiteral("shares its index");
     if (scene.findNodeByIndex(index) != node)
         return QStringLiteral("is not found by its index");
-    if (node->getIsEndOfStory() != (scene.endOfStoryNode() == node))
+    if (node->isEndOfStory() != (scene.endOfStoryNode() == node))
         return QStringLiteral("has an end mark that the tab does not know");
     if (node->isSelected() && !node->isVisible())
         return QStringLiteral("is selected and out of sight");
@@ -222,13 +222,13 @@ QString faultOfBytes(NodegraphScene &scene)
         if (!node)
             return QStringLiteral("an event %1 is saved that is not there").arg(record.index);
         SceneBytes::Record shown;
-        shown.title = node->getTitle();
+        shown.title = node->title();
         shown.pos = node->pos(); // scenePos() loses the sign of a zero
         shown.index = node->getIndex();
         shown.prevIndex = node->prevNode() ? node->prevNode()->getIndex() : -1;
         shown.endOfStory = node == scene.endOfStoryNode();
-        shown.important = node->getIsImportant();
-        shown.description = node->getData()->eventContent()->getDescription();
+        shown.important = node->isImportant();
+        shown.description = node->payload()->eventContent()->getDescription();
         if (SceneBytes::nodeRecord(record) != SceneBytes::nodeRecord(shown))
             return QStringLiteral("saved as %1, shown as %2").arg(record.text(), shown.text());
     }

@@ -49,7 +49,7 @@ const NodegraphView *currentView(const MainWindow &window)
     return dynamic_cast<const NodegraphView *>(tabs->currentWidget());
 }
 
-EventData *contentOf(OvNode *entry) { return dynamic_cast<EventData *>(entry->getEventData()); }
+EventData *contentOf(OvNode *entry) { return dynamic_cast<EventData *>(entry->eventData()); }
 
 } // namespace
 
@@ -70,11 +70,11 @@ void PanelWatch::follow(const MainWindow &window, const Step &step)
                 published = current;
         }
         for (const Node *node : scene->getNodes()) {
-            EventData *content = node->getData()->eventContent();
+            EventData *content = node->payload()->eventContent();
             followText(content, mayBeLoaded ? content->getDescription() : placeholder);
         }
     }
-    for (OvNode *entry : window.getOverviewerScene()->getOvNodes())
+    for (OvNode *entry : window.getOverviewerScene()->ovNodes())
         followText(contentOf(entry), placeholder);
     strayed = published != current && (strayed || step.effects & Effect::strays);
 }
@@ -99,11 +99,11 @@ QString PanelWatch::fault(const MainWindow &window, const Step &step)
     std::vector<const Node *> listed;
     if (published) {
         for (const Node *node : published->getStory()) {
-            if (!filtered || node->getIsImportant())
+            if (!filtered || node->isImportant())
                 listed.push_back(node);
         }
     }
-    const std::vector<OvNode *> &entries = window.getOverviewerScene()->getOvNodes();
+    const std::vector<OvNode *> &entries = window.getOverviewerScene()->ovNodes();
     if (entries.size() != listed.size())
         return QStringLiteral("the panel lists %1 events of %2").arg(entries.size()).arg(listed.size());
     double y = 0;
@@ -117,7 +117,7 @@ QString PanelWatch::fault(const MainWindow &window, const Step &step)
     }
     for (const NodegraphView *view : window.getViews()) {
         for (const Node *node : view->nodegraphScene()->getNodes()) {
-            EventData *content = node->getData()->eventContent();
+            EventData *content = node->payload()->eventContent();
             content->setProperty(seenNote, content->getDescription());
         }
     }
@@ -130,9 +130,9 @@ QString PanelWatch::faultOfEntry(OvNode *entry, const Node *node)
 {
     if (entry->getIndex() != node->getIndex())
         return QStringLiteral("has the index %1").arg(entry->getIndex());
-    if (isShownImportant(entry) != node->getIsImportant())
+    if (isShownImportant(entry) != node->isImportant())
         return QStringLiteral("has the wrong importance");
-    return faultOfText(node->getData()->eventContent(), contentOf(entry));
+    return faultOfText(node->payload()->eventContent(), contentOf(entry));
 }
 
 QString PanelWatch::faultOfText(const EventData *ofNode, EventData *ofEntry)

@@ -29,10 +29,10 @@ struct StoryWindow
 
 inline Node *node(const NodegraphScene &scene, int index) { return scene.findNodeByIndex(index); }
 inline Node *node(const MainWindow &window, int index) { return node(*sceneOf(window, 0), index); }
-inline EventData *contentOf(const Node *node) { return node->getData()->eventContent(); }
+inline EventData *contentOf(const Node *node) { return node->payload()->eventContent(); }
 
 inline OvNode *entry(const MainWindow &window, std::size_t place)
 {
-    return window.getOverviewerScene()->getOvNodes().at(place);
+    return window.getOverviewerScene()->ovNodes().at(place);
 }
-inline EventData *contentOf(OvNode *entry) { return dynamic_cast<EventData *>(entry->getEventData()); }
+inline EventData *contentOf(OvNode *entry) { return dynamic_cast<EventData *>(entry->eventData()); }

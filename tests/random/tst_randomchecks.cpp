@@ -71,19 +71,17 @@ void tst_RandomChecks::damageToASceneIsFound_data()
         "forgotten line", [](auto &s) { node(s, 1)->setInLine(nullptr); },
         "2 lines on the canvas, 1 of events");
     row(
-        "line that lags", [](auto &s) { node(s, 1)->getInLine()->sl_setStart(QPointF()); },
+        "line that lags", [](auto &s) { node(s, 1)->inLine()->sl_setStart(QPointF()); },
         "event 1 has a line that does not end on its input");
     row(
         "event moved alone", [](auto &s) { node(s, 0)->moveBy(0, 1); },
         "event 1 has a line that does not end on the output of 0");
     row(
-        "line out of sight", [](auto &s) { node(s, 1)->getInLine()->hide(); },
+        "line out of sight", [](auto &s) { node(s, 1)->inLine()->hide(); },
         "event 1 has a line that is not seen as its ends are");
     row(
         "line between others",
-        [](auto &s) {
-            node(s, 1)->getInLine()->setSockets(node(s, 3)->getInSocket(), node(s, 0)->getOutSocket());
-        },
+        [](auto &s) { node(s, 1)->inLine()->setSockets(node(s, 3)->inSocket(), node(s, 0)->outSocket()); },
         "event 1 has a line between other sockets");
     row(
         "half a connection", [](auto &s) { node(s, 3)->setHasInput(true); },
@@ -100,19 +98,19 @@ void tst_RandomChecks::damageToASceneIsFound_data()
         "listed only", [](auto &s) { node(s, 2)->addNextNode(node(s, 3)); },
         "event 2 feeds one that is not fed by it");
     row(
-        "input socket", [](auto &s) { node(s, 1)->getInSocket()->setIsConnected(false); },
+        "input socket", [](auto &s) { node(s, 1)->inSocket()->setIsConnected(false); },
         "event 1 has an input socket that says otherwise");
     row(
-        "partner", [](auto &s) { node(s, 1)->getInSocket()->setConnectedSocket(node(s, 3)->getOutSocket()); },
+        "partner", [](auto &s) { node(s, 1)->inSocket()->setConnectedSocket(node(s, 3)->outSocket()); },
         "event 1 has an input socket that says otherwise");
     row(
-        "output socket", [](auto &s) { node(s, 3)->getOutSocket()->setIsConnected(true); },
+        "output socket", [](auto &s) { node(s, 3)->outSocket()->setIsConnected(true); },
         "event 3 has an output socket that says otherwise");
     row(
-        "partner of output", [](auto &s) { node(s, 0)->getOutSocket()->setConnectedSocket(nullptr); },
+        "partner of output", [](auto &s) { node(s, 0)->outSocket()->setConnectedSocket(nullptr); },
         "event 0 has an output socket that says otherwise");
     row(
-        "socket off its edge", [](auto &s) { node(s, 3)->getOutSocket()->moveBy(1, 0); },
+        "socket off its edge", [](auto &s) { node(s, 3)->outSocket()->moveBy(1, 0); },
         "event 3 has a socket that is not at its edge");
     row(
         "shared index", [](auto &s) { node(s, 3)->setIndex(2); }, "event 2 shares its index");
@@ -158,7 +156,7 @@ void tst_RandomChecks::linesOfADragAreAllowedWhileTheMouseHoldsThem()
     const QPointF start = bodyOf(dragged);
     mouse.press(start);
     mouse.move(start + QPointF(50, 50));
-    QVERIFY(startOf(dragged->getInLine()) != inputOf(dragged));
+    QVERIFY(startOf(dragged->inLine()) != inputOf(dragged));
     QCOMPARE(Invariants::faultOfScene(story.scene, true), QString());
     mouse.release(start + QPointF(50, 50));
     QCOMPARE(Invariants::faultOfScene(story.scene, false), QString());

@@ -70,7 +70,7 @@ struct ClipboardTab : GraphTab
     {
         const std::vector<Node *> &nodes = scene.getNodes();
         const auto found = std::find_if(nodes.rbegin(), nodes.rend(),
-                                        [&title](const Node *node) { return node->getTitle() == title; });
+                                        [&title](const Node *node) { return node->title() == title; });
         return found == nodes.rend() ? nullptr : *found;
     }
 
@@ -78,7 +78,7 @@ struct ClipboardTab : GraphTab
     {
         QStringList all;
         for (const Node *node : scene.getNodes())
-            all << node->getTitle();
+            all << node->title();
         all.sort();
         return all;
     }
@@ -89,7 +89,7 @@ struct ClipboardTab : GraphTab
         QStringList all;
         for (const Node *node : scene.getNodes()) {
             if (node->hasInput())
-                all << QStringLiteral("%1 > %2").arg(node->prevNode()->getTitle(), node->getTitle());
+                all << QStringLiteral("%1 > %2").arg(node->prevNode()->title(), node->title());
         }
         const QStringList exact = connections(scene);
         const bool isWhole = exact.filter(QStringLiteral("half")).isEmpty() && exact.size() == all.size();
@@ -114,7 +114,7 @@ struct ClipboardTab : GraphTab
         QStringList all;
         for (const Node *node : scene.getNodes()) {
             if (!node->isVisible())
-                all << node->getTitle();
+                all << node->title();
         }
         all.sort();
         return all;
@@ -125,8 +125,8 @@ struct ClipboardTab : GraphTab
     {
         QStringList all;
         for (const Node *node : scene.getNodes()) {
-            if (node->getInLine() && !node->getInLine()->isVisible())
-                all << QStringLiteral("%1 > %2").arg(node->prevNode()->getTitle(), node->getTitle());
+            if (node->inLine() && !node->inLine()->isVisible())
+                all << QStringLiteral("%1 > %2").arg(node->prevNode()->title(), node->title());
         }
         all.sort();
         return all;

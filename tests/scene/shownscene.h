@@ -65,14 +65,14 @@ inline bool linesAreExact(const NodegraphScene &scene)
 {
     std::size_t fed = 0;
     for (const Node *node : scene.getNodes()) {
-        const ConnectionLine *line = node->getInLine();
+        const ConnectionLine *line = node->inLine();
         if (node->hasInput() != (line != nullptr))
             return false;
         if (!line)
             continue;
         ++fed;
-        if (line->scene() != &scene || startOf(line) != node->getInSocket()->sceneCentre() ||
-            endOf(line) != node->prevNode()->getOutSocket()->sceneCentre())
+        if (line->scene() != &scene || startOf(line) != node->inSocket()->sceneCentre() ||
+            endOf(line) != node->prevNode()->outSocket()->sceneCentre())
             return false;
     }
     return linesOf(scene).size() == fed;
@@ -80,8 +80,8 @@ inline bool linesAreExact(const NodegraphScene &scene)
 
 /// A place on the node's body where neither a text nor a socket lies.
 inline QPointF bodyOf(const Node *node) { return node->mapToScene(QPointF(18, 55)); }
-inline QPointF inputOf(const Node *node) { return node->getInSocket()->sceneCentre(); }
-inline QPointF outputOf(const Node *node) { return node->getOutSocket()->sceneCentre(); }
+inline QPointF inputOf(const Node *node) { return node->inSocket()->sceneCentre(); }
+inline QPointF outputOf(const Node *node) { return node->outSocket()->sceneCentre(); }
 
 /// A tab's view in a window of its own, showing the canvas's upper left corner; takes a real mouse's events.
 struct ShownScene

@@ -137,7 +137,7 @@ void tst_Clipboard::aPasteMoves()
     QVERIFY(!board.scene.isMember(a));
     const Node *pasted = board.titled(text("A"));
     QCOMPARE(pasted->getIndex(), 2);
-    QVERIFY(pasted->getIsImportant());
+    QVERIFY(pasted->isImportant());
     QCOMPARE(descriptionOf(pasted), text("About A"));
     QCOMPARE(board.clipboard.remembered(), Nodes());
     QCOMPARE(log.lines().first(2), (QStringList{text("Pasting"), text("Pasting node  0")}));

@@ -114,7 +114,7 @@ void tst_ConnectionDrag::aGrabbedLineStaysAtTheOtherEnd()
     QFETCH(int, grabbed);
     DragBoard board;
     board.scene.connectNodes(board[1], board[0]);
-    board.drag.grabLine(*board[1]->getInLine(), grabbed, mouse);
+    board.drag.grabLine(*board[1]->inLine(), grabbed, mouse);
     QCOMPARE(board.handedOut, 1);
     QVERIFY(!board[1]->hasInput());
     QVERIFY(board.drag.isByLine());
@@ -147,7 +147,7 @@ void tst_ConnectionDrag::aDropJoins()
     DragBoard board;
     const bool fromOutput = pressed == SocketType::output;
     board.drag.pressSocket(*board[2], pressed, mouse);
-    board.drag.dropOn(fromOutput ? board[0]->getInSocket() : board[0]->getOutSocket());
+    board.drag.dropOn(fromOutput ? board[0]->inSocket() : board[0]->outSocket());
     QCOMPARE(board.handedOut, 1);
     QCOMPARE(board[0]->prevNode(), fromOutput ? board[2] : nullptr);
     QCOMPARE(board[2]->prevNode(), fromOutput ? nullptr : board[0]);
@@ -170,20 +170,20 @@ void tst_ConnectionDrag::aDropThatFitsNothingJoinsNothing()
     board.scene.connectNodes(board[0], board[1]);
     board.drag.pressSocket(*board[0], SocketType::output, mouse);
     const Node *target = board[std::size_t(node)];
-    board.drag.dropOn(type == SocketType::input ? target->getInSocket() : target->getOutSocket());
+    board.drag.dropOn(type == SocketType::input ? target->inSocket() : target->outSocket());
     QCOMPARE(board.handedOut, 0);
 }
 
 void tst_ConnectionDrag::aDropWithoutADragJoinsNothing()
 {
     DragBoard board;
-    board.drag.dropOn(board[0]->getInSocket());
+    board.drag.dropOn(board[0]->inSocket());
     board.drag.pressSocket(*board[1], SocketType::output, mouse);
     board.drag.dropOn(nullptr);
-    board.drag.dropOn(board[0]->getInSocket()); // a drop ends it, whatever it was on
+    board.drag.dropOn(board[0]->inSocket()); // a drop ends it, whatever it was on
     board.drag.pressSocket(*board[1], SocketType::output, mouse);
     board.drag.end();
-    board.drag.dropOn(board[0]->getInSocket());
+    board.drag.dropOn(board[0]->inSocket());
     QCOMPARE(board.handedOut, 0);
     QVERIFY(!board.drag.hasLine());
     QCOMPARE(board.line(), nullptr);
@@ -193,13 +193,13 @@ void tst_ConnectionDrag::theSocketIsRememberedWithoutTheLine()
 {
     DragBoard board;
     board.scene.connectNodes(board[2], board[0]);
-    board.drag.grabLine(*board[2]->getInLine(), SocketType::input, mouse);
+    board.drag.grabLine(*board[2]->inLine(), SocketType::input, mouse);
     board.drag.removeLine();
     QVERIFY(!board.drag.hasLine());
     QVERIFY(!board.drag.isByLine());
     flushDeferredDeletes();
     QVERIFY(linesOf(board.scene).empty());
-    board.drag.dropOn(board[1]->getInSocket());
+    board.drag.dropOn(board[1]->inSocket());
     QCOMPARE(board[1]->prevNode(), board[0]);
 }
 
@@ -210,7 +210,7 @@ void tst_ConnectionDrag::theNextPressDropsTheLastLine()
     board.drag.pressSocket(*board[1], SocketType::output, further);
     QCOMPARE(int(linesOf(board.scene).size()), 1);
     QCOMPARE(endOf(board.line()), further);
-    board.drag.dropOn(board[2]->getInSocket());
+    board.drag.dropOn(board[2]->inSocket());
     QCOMPARE(board[2]->prevNode(), board[1]);
 }
 
@@ -222,7 +222,7 @@ void tst_ConnectionDrag::aDyingNodeEndsItsOwnDrag()
     QVERIFY(board.drag.hasLine());
     board.drag.forget(board[0]);
     QVERIFY(!board.drag.hasLine());
-    board.drag.dropOn(board[2]->getInSocket());
+    board.drag.dropOn(board[2]->inSocket());
     QCOMPARE(board.handedOut, 0);
 }
 

@@ -162,12 +162,12 @@ void tst_NodegraphScene::createNodeTakesNameAndCopiesData()
     source->eventContent()->setDescription(QStringLiteral("What happens"));
     tab.scene.createNode(QPointF(7.5, 8.5), 4, 0, source.get(), QStringLiteral("Title"));
     const Node *node = tab.scene.getNodes().front();
-    QVERIFY(node->getData() != source.get());
+    QVERIFY(node->payload() != source.get());
     source.reset(); // stays the caller's
     QCOMPARE(node->pos(), QPointF(7.5, 8.5));
     QCOMPARE(node->getIndex(), 4);
-    QCOMPARE(node->getTitle(), QStringLiteral("Title"));
-    QCOMPARE(node->getData()->eventContent()->getDescription(), QStringLiteral("What happens"));
+    QCOMPARE(node->title(), QStringLiteral("Title"));
+    QCOMPARE(node->payload()->eventContent()->getDescription(), QStringLiteral("What happens"));
 }
 
 void tst_NodegraphScene::createNodeWithoutNameAndDataKeepsDefaults()
@@ -177,9 +177,9 @@ void tst_NodegraphScene::createNodeWithoutNameAndDataKeepsDefaults()
     tab.scene.createNode(QPointF(), 0, 0, nullptr, QString());
     tab.scene.createNode(QPointF(), 1, 0, nullptr, QStringLiteral(""));
     for (const Node *node : tab.scene.getNodes()) {
-        QCOMPARE(node->getTitle(), QStringLiteral("Event"));
-        QCOMPARE(node->getData()->eventContent()->getDescription(),
-                 fresh.getData()->eventContent()->getDescription());
+        QCOMPARE(node->title(), QStringLiteral("Event"));
+        QCOMPARE(node->payload()->eventContent()->getDescription(),
+                 fresh.payload()->eventContent()->getDescription());
     }
 }
 
@@ -327,10 +327,10 @@ void tst_NodegraphScene::movingNodeChangesNothingByItself()
     const Nodes nodes = addChain(tab.scene, 2);
     QSignalSpy commands(&tab.scene, &NodegraphScene::s_UndoCommandAdded);
     QSignalSpy story(&tab.scene, &NodegraphScene::s_updateStory);
-    const QPointF start = startOf(nodes[1]->getInLine());
+    const QPointF start = startOf(nodes[1]->inLine());
     nodes[1]->moveBy(50, 50);
     tab.scene.sl_nodeMove(nodes[1]);
-    QCOMPARE(startOf(nodes[1]->getInLine()), start);
+    QCOMPARE(startOf(nodes[1]->inLine()), start);
     QVERIFY(commands.isEmpty());
     QVERIFY(story.isEmpty());
 }

@@ -56,9 +56,9 @@ void tst_NodegraphSceneAdding::threeAddsMakeChain()
     QCOMPARE(tab.scene.currentNode(), nodes[2]);
     QCOMPARE(tab.scene.selectedItems(), QList<QGraphicsItem *>{nodes[2]});
     QCOMPARE(tab.scene.endOfStoryNode(), nodes[2]);
-    QVERIFY(!nodes[0]->getIsEndOfStory());
-    QVERIFY(!nodes[1]->getIsEndOfStory());
-    QVERIFY(nodes[2]->getIsEndOfStory());
+    QVERIFY(!nodes[0]->isEndOfStory());
+    QVERIFY(!nodes[1]->isEndOfStory());
+    QVERIFY(nodes[2]->isEndOfStory());
     QCOMPARE(tab.scene.getStory(), nodes);
     QVERIFY(linesAreExact(tab.scene));
     QVERIFY(tab.scene.getSelectedNodes().empty());
@@ -86,7 +86,7 @@ void tst_NodegraphSceneAdding::addCommandDoesNothingUntilSomebodyRunsIt()
     QCOMPARE(node->pos(), QPointF(12.5, 34.5));
     QCOMPARE(node->getIndex(), 0);
     QCOMPARE(node->getType(), 0);
-    QCOMPARE(node->getTitle(), QStringLiteral("Event"));
+    QCOMPARE(node->title(), QStringLiteral("Event"));
     QVERIFY(!story.isEmpty());
 }
 
@@ -97,7 +97,7 @@ void tst_NodegraphSceneAdding::firstAddedEventIsCurrentAndSelected()
     Node *node = tab.scene.getNodes().front();
     QCOMPARE(tab.scene.currentNode(), node);
     QVERIFY(node->isSelected());
-    QVERIFY(node->getIsEndOfStory());
+    QVERIFY(node->isEndOfStory());
     QCOMPARE(tab.scene.endOfStoryNode(), node);
 }
 
@@ -107,7 +107,7 @@ void tst_NodegraphSceneAdding::onlyAddCommandMakesFirstNodeCurrent()
     tab.scene.createNode(QPointF(10, 10), 0, 0, nullptr, QString());
     QCOMPARE(tab.scene.currentNode(), nullptr);
     QVERIFY(!tab.scene.getNodes().front()->isSelected());
-    QVERIFY(tab.scene.getNodes().front()->getIsEndOfStory());
+    QVERIFY(tab.scene.getNodes().front()->isEndOfStory());
 
     tab.scene.deleteSelectedNodes(tab.scene.getNodes().front());
     QVERIFY(tab.scene.getNodes().empty());
@@ -167,7 +167,7 @@ void tst_NodegraphSceneAdding::addedEventLeavesMarkThatCurrentNodeDoesNotHave()
     QCOMPARE(tab.scene.currentNode(), branch);
     QVERIFY(branch->isSelected());
     QCOMPARE(tab.scene.endOfStoryNode(), nodes[1]);
-    QVERIFY(!branch->getIsEndOfStory());
+    QVERIFY(!branch->isEndOfStory());
     QCOMPARE(tab.scene.getStory(), nodes);
 }
 
@@ -185,7 +185,7 @@ void tst_NodegraphSceneAdding::looseEventStandsExactlyAtMouse()
     QCOMPARE(loose->pos(), QPointF(5000.25, 4999.75));
     QVERIFY(!loose->hasInput());
     QVERIFY(loose->nextNodes().empty());
-    QVERIFY(!loose->getIsEndOfStory());
+    QVERIFY(!loose->isEndOfStory());
     QVERIFY(!loose->isSelected());
     QCOMPARE(tab.scene.currentNode(), nullptr);
     QCOMPARE(tab.scene.endOfStoryNode(), nodes[1]);
@@ -227,7 +227,7 @@ void tst_NodegraphSceneAdding::addUndoneAfterReplacedIndexTakesItsOwnNode()
     QCOMPARE(indicesOf(tab.scene.getNodes()), (std::vector<int>{1, 2}));
     tab.stack.undo();
     QCOMPARE(tab.scene.getNodes().size(), std::size_t(1));
-    QCOMPARE(tab.scene.getNodes().front()->getTitle(), QStringLiteral("kept"));
+    QCOMPARE(tab.scene.getNodes().front()->title(), QStringLiteral("kept"));
 }
 
 void tst_NodegraphSceneAdding::middleOfViewCountsUntilMouseWasThere()

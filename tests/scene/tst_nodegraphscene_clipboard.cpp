@@ -61,7 +61,7 @@ void tst_NodegraphSceneClipboard::selectionIsCopiedWithoutCurrentNode()
              (QStringList{text("Pasting"), text("Pasting node  2"), text("Pasting node  0")}));
     QCOMPARE(tab.titles(), (QStringList{text("A"), text("B"), text("C")}));
     QCOMPARE(sortedIndices(tab.scene), (QList<int>{1, 3, 4}));
-    QCOMPARE(tab.node(3)->getTitle(), text("C"));
+    QCOMPARE(tab.node(3)->title(), text("C"));
 }
 
 void tst_NodegraphSceneClipboard::copyingChangesNothing()
@@ -141,7 +141,7 @@ void tst_NodegraphSceneClipboard::pastedNodeHasContentAndFreshIndex()
     tab.pasteAt(elsewhere);
     QCOMPARE(sortedIndices(tab.scene), QList<int>{1});
     const Node *pasted = tab.node(1);
-    QCOMPARE(pasted->getTitle(), text("Arrival"));
+    QCOMPARE(pasted->title(), text("Arrival"));
     QCOMPARE(descriptionOf(pasted), text("First line\nsecond line"));
     QCOMPARE(pasted->getType(), 0);
     QCOMPARE(pasted->boundingRect(), body);
@@ -156,7 +156,7 @@ void tst_NodegraphSceneClipboard::pastedNodeKeepsEmptyTexts()
     typeDescription(a, QString());
     tab.copyCurrent(a);
     tab.pasteAt(elsewhere);
-    QCOMPARE(tab.node(1)->getTitle(), QString());
+    QCOMPARE(tab.node(1)->title(), QString());
     QCOMPARE(descriptionOf(tab.node(1)), QString());
 }
 

@@ -6,7 +6,7 @@ QStringList titlesOf(const std::vector<Node *> &nodes)
 {
     QStringList titles;
     for (const Node *node : nodes)
-        titles << node->getTitle();
+        titles << node->title();
     return titles;
 }
 
@@ -150,8 +150,8 @@ void tst_NodegraphScene_Clipboard_Group::importanceComesAlong()
     tab.scene.copyNodes();
     QSignalSpy told(&tab.scene, &NodegraphScene::s_importanceChanged);
     tab.pasteAt(elsewhere);
-    QVERIFY(tab.titled(text("A"))->getIsImportant());
-    QVERIFY(!tab.titled(text("B"))->getIsImportant());
+    QVERIFY(tab.titled(text("A"))->isImportant());
+    QVERIFY(!tab.titled(text("B"))->isImportant());
     QCOMPARE(told.count(), 1);
     QCOMPARE(told.first().first().value<Node *>(), tab.titled(text("A")));
     QCOMPARE(told.first().at(1).toBool(), true);
@@ -197,8 +197,8 @@ void tst_NodegraphScene_Clipboard_Group::endOfStoryComesAlong()
     tab.pasteAt(elsewhere);
     QStringList carriers;
     for (const Node *node : tab.scene.getNodes()) {
-        if (node->getIsEndOfStory())
-            carriers << node->getTitle();
+        if (node->isEndOfStory())
+            carriers << node->title();
     }
     QCOMPARE(carriers.join(text(" ")), marked);
     QCOMPARE(tab.scene.endOfStoryNode(), marked.isEmpty() ? nullptr : tab.titled(marked));

@@ -107,9 +107,9 @@ QString faultOf(const ClipboardTab &tab)
         return text("a node that is gone is remembered");
     for (const Node *node : nodes) {
         const bool bothSeen = node->isVisible() && (!node->prevNode() || node->prevNode()->isVisible());
-        if (node->getInLine() && node->getInLine()->isVisible() != bothSeen)
+        if (node->inLine() && node->inLine()->isVisible() != bothSeen)
             return text("a line is not seen as its ends are");
-        if (node->getIsEndOfStory() != (node == scene.endOfStoryNode()))
+        if (node->isEndOfStory() != (node == scene.endOfStoryNode()))
             return text("the mark is on a wrong node");
     }
     return {};
@@ -360,10 +360,10 @@ void tst_NodegraphSceneClipboardUndo::markThatUserMovedStays()
     tab.scene.setEndOfStory(other);
     undoAll(tab.stack);
     QCOMPARE(tab.scene.endOfStoryNode(), other);
-    QVERIFY(!tab.node(1)->getIsEndOfStory());
+    QVERIFY(!tab.node(1)->isEndOfStory());
     redoAll(tab.stack);
     QCOMPARE(tab.scene.endOfStoryNode(), other);
-    QVERIFY(!tab.titled(text("A"))->getIsEndOfStory());
+    QVERIFY(!tab.titled(text("A"))->isEndOfStory());
 }
 
 void tst_NodegraphSceneClipboardUndo::historyAfterUndoneCutOfDuplicate()

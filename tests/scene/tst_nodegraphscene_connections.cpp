@@ -30,13 +30,13 @@ struct Tab
 
 bool arePartners(const Node *downstream, const Node *upstream)
 {
-    const Socket *input = downstream->getInSocket();
-    const Socket *output = upstream->getOutSocket();
-    return input->getIsConnected() && output->getIsConnected() && input->getConnectedSocket() == output &&
-           output->getConnectedSocket() == input;
+    const Socket *input = downstream->inSocket();
+    const Socket *output = upstream->outSocket();
+    return input->getIsConnected() && output->getIsConnected() && input->connectedSocket() == output &&
+           output->connectedSocket() == input;
 }
 
-bool isFree(const Socket *socket) { return !socket->getIsConnected() && !socket->getConnectedSocket(); }
+bool isFree(const Socket *socket) { return !socket->getIsConnected() && !socket->connectedSocket(); }
 
 } // namespace
 
@@ -86,8 +86,8 @@ void tst_NodegraphSceneConnections::connectingLinksBothNodes()
     QCOMPARE(tab[1]->getPrevIndex(), 0);
     QCOMPARE(tab[0]->nextNodes(), Nodes{tab[1]});
     QVERIFY(arePartners(tab[1], tab[0]));
-    QVERIFY(isFree(tab[0]->getInSocket()));
-    QVERIFY(isFree(tab[1]->getOutSocket()));
+    QVERIFY(isFree(tab[0]->inSocket()));
+    QVERIFY(isFree(tab[1]->outSocket()));
     QVERIFY(!tab[0]->hasInput());
     QCOMPARE(tab.stack.count(), 2); // no command of its own
 }
@@ -108,22 +108,22 @@ void tst_NodegraphSceneConnections::newLineRunsFromInputToOutput()
 {
     Tab tab(2);
     tab.scene.connectNodes(tab[1], tab[0]);
-    ConnectionLine *line = tab[1]->getInLine();
+    ConnectionLine *line = tab[1]->inLine();
     QVERIFY(line);
     QCOMPARE(linesOf(tab.scene), std::vector<ConnectionLine *>{line});
-    QCOMPARE(line->inputSocket(), tab[1]->getInSocket());
-    QCOMPARE(line->outputSocket(), tab[0]->getOutSocket());
-    QCOMPARE(startOf(line), tab[1]->getInSocket()->scenePos() + QPointF(5, 11));
-    QCOMPARE(endOf(line), tab[0]->getOutSocket()->scenePos() + QPointF(5, 11));
-    QCOMPARE(tab[0]->getOutLine(), line);
-    QCOMPARE(tab[0]->getInLine(), nullptr);
+    QCOMPARE(line->inputSocket(), tab[1]->inSocket());
+    QCOMPARE(line->outputSocket(), tab[0]->outSocket());
+    QCOMPARE(startOf(line), tab[1]->inSocket()->scenePos() + QPointF(5, 11));
+    QCOMPARE(endOf(line), tab[0]->outSocket()->scenePos() + QPointF(5, 11));
+    QCOMPARE(tab[0]->outLine(), line);
+    QCOMPARE(tab[0]->inLine(), nullptr);
 }
 
 void tst_NodegraphSceneConnections::newLineFollowsBothNodes()
 {
     Tab tab(2);
     tab.scene.connectNodes(tab[1], tab[0]);
-    const ConnectionLine *line = tab[1]->getInLine();
+    const ConnectionLine *line = tab[1]->inLine();
     const QPointF end = endOf(line);
     emit tab[1]->s_inSocketMove(QPointF(1, 2));
     QCOMPARE(startOf(line), QPointF(1, 2));
@@ -137,8 +137,8 @@ void tst_NodegraphSceneConnections::lineFollowsItsOwnNodesOnly()
 {
     Tab tab(3);
     tab.chain();
-    const ConnectionLine *first = tab[1]->getInLine();
-    const ConnectionLine *second = tab[2]->getInLine();
+    const ConnectionLine *first = tab[1]->inLine();
+    const ConnectionLine *second = tab[2]->inLine();
     const QPointF firstStart = startOf(first);
     emit tab[1]->s_outSocketMove(QPointF(1, 2));
     QCOMPARE(endOf(second), QPointF(1, 2));
@@ -155,7 +155,7 @@ void tst_NodegraphSceneConnections::clickOnNewLineReachesScene()
     Tab tab(2);
     tab.scene.connectNodes(tab[1], tab[0]);
     QSignalSpy commands(&tab.scene, &NodegraphScene::s_UndoCommandAdded);
-    emit tab[1]->getInLine()->s_clicked(tab[1]->getInLine(), SocketType::input);
+    emit tab[1]->inLine()->s_clicked(tab[1]->inLine(), SocketType::input);
     QCOMPARE(commands.size(), 1);
     QVERIFY(!tab[1]->hasInput());
 }
@@ -168,10 +168,10 @@ void tst_NodegraphSceneConnections::outputFeedsManyNodesInOrder()
     tab.scene.connectNodes(tab[2], tab[0]);
     QCOMPARE(tab[0]->nextNodes(), (Nodes{tab[3], tab[1], tab[2]}));
     QVERIFY(arePartners(tab[2], tab[0])); // the newest
-    QCOMPARE(tab[0]->getOutLine(), tab[2]->getInLine());
+    QCOMPARE(tab[0]->outLine(), tab[2]->inLine());
     for (const Node *fed : {tab[1], tab[2], tab[3]}) {
-        QVERIFY(fed->getInSocket()->getIsConnected());
-        QCOMPARE(fed->getInSocket()->getConnectedSocket(), tab[0]->getOutSocket());
+        QVERIFY(fed->inSocket()->getIsConnected());
+        QCOMPARE(fed->inSocket()->connectedSocket(), tab[0]->outSocket());
     }
     QVERIFY(linesAreExact(tab.scene));
     emit tab[0]->s_outSocketMove(QPointF(1, 2));
@@ -190,7 +190,7 @@ void tst_NodegraphSceneConnections::connectingIntoFedInputReplaces()
     QCOMPARE(tab[1]->getPrevIndex(), 2);
     QVERIFY(tab[1]->hasInput());
     QVERIFY(tab[0]->nextNodes().empty());
-    QVERIFY(isFree(tab[0]->getOutSocket()));
+    QVERIFY(isFree(tab[0]->outSocket()));
     QVERIFY(arePartners(tab[1], tab[2]));
     QVERIFY(linesAreExact(tab.scene));
 }
@@ -299,11 +299,11 @@ void tst_NodegraphSceneConnections::disconnectingFreesBothNodes()
     QVERIFY(!tab[1]->hasInput());
     QCOMPARE(tab[1]->prevNode(), nullptr);
     QCOMPARE(tab[1]->getPrevIndex(), -1);
-    QCOMPARE(tab[1]->getInLine(), nullptr);
+    QCOMPARE(tab[1]->inLine(), nullptr);
     QVERIFY(tab[0]->nextNodes().empty());
-    QCOMPARE(tab[0]->getOutLine(), nullptr);
-    QVERIFY(isFree(tab[0]->getOutSocket()));
-    QVERIFY(isFree(tab[1]->getInSocket()));
+    QCOMPARE(tab[0]->outLine(), nullptr);
+    QVERIFY(isFree(tab[0]->outSocket()));
+    QVERIFY(isFree(tab[1]->inSocket()));
     QVERIFY(arePartners(tab[2], tab[1]));
     QVERIFY(linesAreExact(tab.scene));
 }
@@ -328,11 +328,11 @@ void tst_NodegraphSceneConnections::disconnectingKeepsOutputOfFirstRemaining()
         tab.scene.connectNodes(tab[fed], tab[0]);
     tab.scene.disconnectNode(tab[3]);
     QVERIFY(arePartners(tab[1], tab[0]));
-    QVERIFY(tab[2]->getInSocket()->getIsConnected());
+    QVERIFY(tab[2]->inSocket()->getIsConnected());
     tab.scene.disconnectNode(tab[1]);
     QVERIFY(arePartners(tab[2], tab[0]));
     tab.scene.disconnectNode(tab[2]);
-    QVERIFY(isFree(tab[0]->getOutSocket()));
+    QVERIFY(isFree(tab[0]->outSocket()));
     QVERIFY(linesOf(tab.scene).empty());
 }
 
@@ -366,7 +366,7 @@ void tst_NodegraphSceneConnections::disconnectedLineIsDestroyedSoonAfter()
 {
     Tab tab(2);
     tab.chain();
-    const QPointer<ConnectionLine> line = tab[1]->getInLine();
+    const QPointer<ConnectionLine> line = tab[1]->inLine();
     tab.scene.disconnectNode(tab[1]);
     QVERIFY(line); // its own press may still be running
     QCOMPARE(line->scene(), nullptr);
@@ -378,7 +378,7 @@ void tst_NodegraphSceneConnections::disconnectedLineHearsAndTellsNothing()
 {
     Tab tab(2);
     tab.chain();
-    ConnectionLine *line = tab[1]->getInLine();
+    ConnectionLine *line = tab[1]->inLine();
     const QPainterPath path = line->path();
     tab.scene.disconnectNode(tab[1]);
 
@@ -397,7 +397,7 @@ void tst_NodegraphSceneConnections::upstreamThatIsDestroyedFirstLeavesNoLine()
 {
     Tab tab(2);
     tab.chain();
-    const QPointer<ConnectionLine> line = tab[1]->getInLine();
+    const QPointer<ConnectionLine> line = tab[1]->inLine();
     tab.scene.deleteNode(tab[0]);
     flushDeferredDeletes();
     QVERIFY(!line);
@@ -418,7 +418,7 @@ void tst_NodegraphSceneConnections::socketsArePaintedByTheirState()
     shown.scene.connectNodes(downstream, upstream);
     QCOMPARE(colourAt(outputOf(upstream)), QColor(Qt::yellow));
     QCOMPARE(colourAt(inputOf(downstream)), QColor(Qt::yellow));
-    QCOMPARE(colourAt(downstream->getInLine()->path().pointAtPercent(0.5)), QColor("#D9D9D9"));
+    QCOMPARE(colourAt(downstream->inLine()->path().pointAtPercent(0.5)), QColor("#D9D9D9"));
     shown.scene.disconnectNode(downstream);
     QCOMPARE(colourAt(outputOf(upstream)), QColor("#B4A523"));
     QCOMPARE(colourAt(inputOf(downstream)), QColor("#B4A523"));

@@ -227,8 +227,8 @@ void tst_NodegraphSceneDeleting::middleOfChainLeavesBothSidesFree()
     QCOMPARE(nodes[2]->prevNode(), nullptr);
     QCOMPARE(nodes[2]->getPrevIndex(), -1);
     QVERIFY(nodes[0]->nextNodes().empty());
-    QVERIFY(!nodes[0]->getOutSocket()->getIsConnected());
-    QVERIFY(!nodes[2]->getInSocket()->getIsConnected());
+    QVERIFY(!nodes[0]->outSocket()->getIsConnected());
+    QVERIFY(!nodes[2]->inSocket()->getIsConnected());
     QCOMPARE(tab.scene.getStory(), Nodes{nodes[2]});
     QCOMPARE(story.last().at(0).value<Nodes>(), Nodes{nodes[2]});
     QVERIFY(linesOf(tab.scene).empty());
@@ -249,8 +249,8 @@ void tst_NodegraphSceneDeleting::nodeThatFeedsThreeLeavesThemWithoutInput()
         QVERIFY(!node->hasInput());
         QCOMPARE(node->prevNode(), nullptr);
         QCOMPARE(node->getPrevIndex(), -1);
-        QVERIFY(!node->getInSocket()->getIsConnected());
-        QCOMPARE(node->getInSocket()->getConnectedSocket(), nullptr);
+        QVERIFY(!node->inSocket()->getIsConnected());
+        QCOMPARE(node->inSocket()->connectedSocket(), nullptr);
     }
     QVERIFY(linesOf(tab.scene).empty());
     QStringList disconnections;
@@ -270,8 +270,8 @@ void tst_NodegraphSceneDeleting::upstreamKeepsItsOtherNodes()
     tab.scene.connectNodes(branch, nodes[0]);
     tab.scene.deleteNode(nodes[1]);
     QCOMPARE(nodes[0]->nextNodes(), Nodes{branch});
-    QCOMPARE(nodes[0]->getOutSocket()->getConnectedSocket(), branch->getInSocket());
-    QVERIFY(nodes[0]->getOutSocket()->getIsConnected());
+    QCOMPARE(nodes[0]->outSocket()->connectedSocket(), branch->inSocket());
+    QVERIFY(nodes[0]->outSocket()->getIsConnected());
     QVERIFY(linesAreExact(tab.scene));
 }
 
@@ -286,7 +286,7 @@ void tst_NodegraphSceneDeleting::endOfStoryGoesWithItsNode()
     QVERIFY(!story.isEmpty());
     QVERIFY(story.last().at(0).value<Nodes>().empty());
     for (const Node *node : {nodes[0], nodes[1]})
-        QVERIFY(!node->getIsEndOfStory());
+        QVERIFY(!node->isEndOfStory());
 }
 
 void tst_NodegraphSceneDeleting::noStoryWithDyingNodeIsPublished()
@@ -347,7 +347,7 @@ void tst_NodegraphSceneDeleting::deletedNodeIsForgottenEverywhere()
     QCOMPARE(tab.scene.findNodeByIndex(1), nullptr);
     QVERIFY(linesOf(tab.scene).empty());
     flushDeferredDeletes();
-    tab.scene.sl_manualNodeConnect(nodes[0]->getInSocket());
+    tab.scene.sl_manualNodeConnect(nodes[0]->inSocket());
     QVERIFY(!nodes[0]->hasInput());
 }
 
@@ -355,7 +355,7 @@ void tst_NodegraphSceneDeleting::deletedNodeIsDestroyedSoonAfter()
 {
     Tab tab;
     const QPointer<Node> node = addChain(tab.scene, 1).front();
-    const QPointer<Socket> socket = node->getOutSocket();
+    const QPointer<Socket> socket = node->outSocket();
     tab.scene.deleteNode(node);
     QVERIFY(node); // its own press or key may have led here
     QCOMPARE(node->scene(), nullptr);
@@ -409,7 +409,7 @@ void tst_NodegraphSceneDeleting::deletedCurrentNodeAttractsNoNewOne()
     QVERIFY(!added->hasInput());
     tab.scene.setEndOfStoryNode();
     tab.scene.toggleImportance(nullptr);
-    QVERIFY(!added->getIsImportant());
+    QVERIFY(!added->isImportant());
 }
 
 void tst_NodegraphSceneDeleting::deletingWhileTitleIsEditedIsQuiet()
@@ -434,7 +434,7 @@ void tst_NodegraphSceneDeleting::undoBringsNodeBackAsItWas()
     Tab tab;
     const Nodes nodes = addChain(tab.scene, 3);
     nodes[1]->setNodeName(QStringLiteral("Storm"));
-    nodes[1]->getData()->eventContent()->setDescription(QStringLiteral("The mast breaks."));
+    nodes[1]->payload()->eventContent()->setDescription(QStringLiteral("The mast breaks."));
     nodes[1]->setPos(QPointF(123.5, 456.25));
     tab.scene.deleteSelectedNodes(nodes[1]);
     flushDeferredDeletes();
@@ -442,8 +442,8 @@ void tst_NodegraphSceneDeleting::undoBringsNodeBackAsItWas()
 
     const Node *back = tab.scene.findNodeByIndex(1);
     QVERIFY(back);
-    QCOMPARE(back->getTitle(), QStringLiteral("Storm"));
-    QCOMPARE(back->getData()->eventContent()->getDescription(), QStringLiteral("The mast breaks."));
+    QCOMPARE(back->title(), QStringLiteral("Storm"));
+    QCOMPARE(back->payload()->eventContent()->getDescription(), QStringLiteral("The mast breaks."));
     QCOMPARE(back->pos(), QPointF(123.5, 456.25));
     QCOMPARE(back->prevNode(), nodes[0]);
     QCOMPARE(nodes[2]->prevNode(), back);

@@ -136,7 +136,7 @@ void tst_NodegraphSceneDragging::dragIntoFedInputReplacesInOneStep()
     canvas.scene.connectNodes(canvas[3], canvas[0]);
     canvas.drag(outputOf(canvas[2]), inputOf(canvas[3]));
     QCOMPARE(canvas[3]->prevNode(), canvas[2]);
-    QVERIFY(!canvas[0]->getOutSocket()->getIsConnected());
+    QVERIFY(!canvas[0]->outSocket()->getIsConnected());
     QCOMPARE(canvas.stack.count(), 1);
     canvas.stack.undo(); // what was replaced does not come back
     QVERIFY(!canvas[3]->hasInput());
@@ -229,7 +229,7 @@ void tst_NodegraphSceneDragging::dragLineFollowsMouse()
     QFETCH(QString, grab);
     FourNodes canvas;
     canvas.scene.connectNodes(canvas[3], canvas[0]);
-    const ConnectionLine *line = canvas[3]->getInLine();
+    const ConnectionLine *line = canvas[3]->inLine();
     QPointF from = nearEnd(line, SocketType::output);
     QPointF fixed = inputOf(canvas[3]);
     if (grab == "output")
@@ -313,7 +313,7 @@ void tst_NodegraphSceneDragging::releaseForgetsDragSource()
     canvas.move(inputOf(canvas[3]));
     canvas.release(inputOf(canvas[3]), Qt::MiddleButton);
     QCOMPARE(canvas.stack.count(), 0);
-    canvas.scene.sl_manualNodeConnect(canvas[3]->getInSocket());
+    canvas.scene.sl_manualNodeConnect(canvas[3]->inSocket());
     QCOMPARE(canvas.stack.count(), 0);
     QVERIFY(linesOf(canvas.scene).empty());
 }
@@ -321,7 +321,7 @@ void tst_NodegraphSceneDragging::releaseForgetsDragSource()
 void tst_NodegraphSceneDragging::socketsNeedDragSource()
 {
     FourNodes canvas;
-    canvas.scene.sl_manualNodeConnect(canvas[3]->getInSocket());
+    canvas.scene.sl_manualNodeConnect(canvas[3]->inSocket());
     canvas.scene.sl_manualNodeConnect(nullptr);
     QCOMPARE(canvas.stack.count(), 0);
 
@@ -330,7 +330,7 @@ void tst_NodegraphSceneDragging::socketsNeedDragSource()
     QGraphicsRectItem noNode;
     Socket loose(SocketType::input, &noNode);
     canvas.scene.sl_manualNodeConnect(&loose);
-    canvas.scene.sl_manualNodeConnect(canvas[3]->getInSocket());
+    canvas.scene.sl_manualNodeConnect(canvas[3]->inSocket());
     QCOMPARE(canvas.stack.count(), 0);
     canvas.release(emptySpace);
     QVERIFY(linesOf(canvas.scene).empty());
@@ -366,7 +366,7 @@ void tst_NodegraphSceneDragging::secondSocketClickLeavesNoFirstLine()
     const ConnectionLine *second = dragLineOf(canvas.scene);
     QVERIFY(second);
     QCOMPARE(endOf(second), QPointF(2, 2));
-    canvas.scene.sl_manualNodeConnect(canvas[3]->getOutSocket());
+    canvas.scene.sl_manualNodeConnect(canvas[3]->outSocket());
     QCOMPARE(canvas[1]->prevNode(), canvas[3]);
     SceneMouse{canvas.scene}.release(emptySpace);
     QVERIFY(linesAreExact(canvas.scene));
@@ -385,7 +385,7 @@ void tst_NodegraphSceneDragging::dragMoveWithoutLineDoesNothing()
 void tst_NodegraphSceneDragging::socketClickFromStrangerIsIgnored()
 {
     FourNodes canvas;
-    Socket *socket = canvas[0]->getOutSocket();
+    Socket *socket = canvas[0]->outSocket();
     canvas.scene.sl_socketClick(SocketType::output, QPointF(1, 1));
     QVERIFY(linesOf(canvas.scene).empty());
     connect(socket, SIGNAL(s_clicked(int,QPointF)), &canvas.scene, SLOT(sl_socketClick(int,QPointF)));
@@ -413,7 +413,7 @@ void tst_NodegraphSceneDragging::nodeDeletedDuringItsDragEndsIt()
     QFETCH(bool, connects);
     FourNodes canvas;
     canvas.scene.connectNodes(canvas[3], canvas[0]);
-    const QPointF grab = byLine ? nearEnd(canvas[3]->getInLine(), SocketType::input) : outputOf(canvas[0]);
+    const QPointF grab = byLine ? nearEnd(canvas[3]->inLine(), SocketType::input) : outputOf(canvas[0]);
     canvas.move(grab);
     canvas.press(grab);
     canvas.move(QPointF(500, 400));

@@ -138,11 +138,11 @@ void tst_NodegraphSceneFile::exampleIsReadAndWrittenByteForByte()
     SceneBytes::load(tab.scene, exampleFile().mid(4));
     QCOMPARE(tab.scene.getNodes().size(), std::size_t(1));
     const Node *node = tab.node(0);
-    QCOMPARE(node->getTitle(), QStringLiteral("A"));
+    QCOMPARE(node->title(), QStringLiteral("A"));
     QCOMPARE(node->scenePos(), QPointF(10, 20));
     QCOMPARE(descriptionOf(node), QString());
-    QVERIFY(node->getIsEndOfStory());
-    QVERIFY(!node->getIsImportant());
+    QVERIFY(node->isEndOfStory());
+    QVERIFY(!node->isImportant());
     QCOMPARE(tab.stack.count(), 0);
     QCOMPARE(SceneBytes::saved(tab.scene).toHex(' '), exampleFile().mid(4).toHex(' '));
 }
@@ -194,7 +194,7 @@ void tst_NodegraphSceneFile::textsAreWrittenWhole()
 
     GraphTab opened;
     SceneBytes::load(opened.scene, bytes);
-    QCOMPARE(opened.node(0)->getTitle(), text);
+    QCOMPARE(opened.node(0)->title(), text);
     QCOMPARE(descriptionOf(opened.node(0)), text);
 }
 
@@ -321,8 +321,8 @@ void tst_NodegraphSceneFile::threeAddedTwoDeletedOneAddedAllComeBack()
     GraphTab opened;
     SceneBytes::load(opened.scene, SceneBytes::saved(tab.scene));
     QCOMPARE(sortedIndices(opened.scene), (QList<int>{2, 3}));
-    QCOMPARE(opened.node(2)->getTitle(), QStringLiteral("Third"));
-    QCOMPARE(opened.node(3)->getTitle(), QStringLiteral("Fourth"));
+    QCOMPARE(opened.node(2)->title(), QStringLiteral("Third"));
+    QCOMPARE(opened.node(3)->title(), QStringLiteral("Fourth"));
     QCOMPARE(opened.node(3)->scenePos(), QPointF(70, 80));
     QCOMPARE(opened.scene.endOfStoryNode(), opened.node(2));
 }
@@ -372,7 +372,7 @@ void tst_NodegraphSceneFile::threeTabsStandBackToBack()
     GraphTab opened[3];
     for (GraphTab &tab : opened)
         tab.scene.loadSceneFromFile(stream);
-    QCOMPARE(opened[0].node(0)->getTitle(), QStringLiteral("First"));
+    QCOMPARE(opened[0].node(0)->title(), QStringLiteral("First"));
     QVERIFY(opened[1].scene.getNodes().empty());
     QCOMPARE(connections(opened[2].scene), QStringList{"1 from 0"});
     QVERIFY(stream.atEnd());
@@ -419,12 +419,12 @@ void tst_NodegraphSceneFile::nodeReadsItsOwnRecord()
     const LogCapture log;
     node.openFromStream(stream);
     QVERIFY(stream.atEnd());
-    QCOMPARE(node.getTitle(), QStringLiteral("Read"));
+    QCOMPARE(node.title(), QStringLiteral("Read"));
     QCOMPARE(node.pos(), QPointF(-5, 0.5));
     QCOMPARE(node.getIndex(), 12);
     QCOMPARE(node.getPrevIndex(), 4);
-    QVERIFY(node.getIsEndOfStory());
-    QVERIFY(node.getIsImportant());
+    QVERIFY(node.isEndOfStory());
+    QVERIFY(node.isImportant());
     QCOMPARE(descriptionOf(&node), QStringLiteral("A text\nof two lines"));
     QCOMPARE(marks.count(), 0);
     QCOMPARE(changes.count(), 1);
@@ -473,8 +473,8 @@ void tst_NodegraphSceneFile::readingClearsNoMark()
     node.setIsEndOfStory(true);
     node.setImportant(true);
     node.openFromStream(stream);
-    QVERIFY(node.getIsEndOfStory());
-    QVERIFY(node.getIsImportant());
+    QVERIFY(node.isEndOfStory());
+    QVERIFY(node.isImportant());
 }
 
 QTEST_MAIN(tst_NodegraphSceneFile)

@@ -126,7 +126,7 @@ void tst_NodegraphScene_File_Damaged::storedIndexMayMeetAProvisionalOne()
     QCOMPARE(indicesOf(tab.scene.getNodes()), indices);
     for (qsizetype i = 0; i < titles.size(); ++i) {
         const Node *node = tab.scene.getNodes().at(std::size_t(i));
-        QCOMPARE(node->getTitle(), titles.at(i));
+        QCOMPARE(node->title(), titles.at(i));
         const bool isBlank = titles.at(i) == QStringLiteral("Event");
         QCOMPARE(node->scenePos(), isBlank ? QPointF(0, 0) : QPointF(10.5 * indices.at(i), 20));
     }
@@ -152,9 +152,9 @@ void tst_NodegraphScene_File_Damaged::overwrittenNodeKeepsItsMarks()
     GraphTab tab;
     load(tab, {eventRecord(2, -1, 0, 1), eventRecord(1)});
     const Node *node = tab.node(1);
-    QCOMPARE(node->getTitle(), QStringLiteral("Title 1"));
-    QVERIFY(node->getIsImportant());
-    QVERIFY(node->getIsEndOfStory());
+    QCOMPARE(node->title(), QStringLiteral("Title 1"));
+    QVERIFY(node->isImportant());
+    QVERIFY(node->isEndOfStory());
 }
 
 void tst_NodegraphScene_File_Damaged::dataThatEndsEarlyGivesBlankNodes()
@@ -166,10 +166,10 @@ void tst_NodegraphScene_File_Damaged::dataThatEndsEarlyGivesBlankNodes()
     expectRefusals(2);
     SceneBytes::load(tab.scene, bytes);
     QCOMPARE(indicesOf(tab.scene.getNodes()), (QList<int>{5, 0, 0}));
-    QCOMPARE(tab.node(5)->getTitle(), QStringLiteral("Title 5"));
+    QCOMPARE(tab.node(5)->title(), QStringLiteral("Title 5"));
     for (const std::size_t place : {1, 2}) {
         const Node *blank = tab.scene.getNodes().at(place);
-        QCOMPARE(blank->getTitle(), QString());
+        QCOMPARE(blank->title(), QString());
         QCOMPARE(descriptionOf(blank), QString());
         QCOMPARE(blank->scenePos(), QPointF(0, 0));
     }
@@ -206,7 +206,7 @@ void tst_NodegraphScene_File_Damaged::dataThatEndsInARecord()
         expectRefusals(1);
     SceneBytes::load(tab.scene, SceneBytes::block({eventRecord(5)}).left(kept));
     QCOMPARE(tab.scene.getNodes().size(), std::size_t(1));
-    QCOMPARE(tab.node(index)->getTitle(), title);
+    QCOMPARE(tab.node(index)->title(), title);
     QCOMPARE(descriptionOf(tab.node(index)), QString());
     QCOMPARE(tab.node(index)->getPrevIndex(), -1);
     QCOMPARE(connections(tab.scene), QStringList());
@@ -241,7 +241,7 @@ void tst_NodegraphScene_File_Damaged::damagedTextCutsNothingOff()
     GraphTab tab;
     SceneBytes::load(tab.scene, bytes);
     QCOMPARE(tab.scene.getNodes().size(), std::size_t(count));
-    QCOMPARE(tab.scene.getNodes().back()->getTitle(), QStringLiteral("Title %1").arg(2 * count - 1));
+    QCOMPARE(tab.scene.getNodes().back()->title(), QStringLiteral("Title %1").arg(2 * count - 1));
 }
 
 QTEST_MAIN(tst_NodegraphScene_File_Damaged)

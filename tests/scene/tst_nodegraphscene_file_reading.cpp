@@ -65,11 +65,11 @@ void tst_NodegraphSceneFileReading::chainComesBackWhole()
     QCOMPARE(indicesOf(tab.scene.getNodes()), (QList<int>{0, 1, 2}));
     for (const Record &record : records) {
         const Node *node = tab.node(record.index);
-        QCOMPARE(node->getTitle(), record.title);
+        QCOMPARE(node->title(), record.title);
         QCOMPARE(node->scenePos(), record.pos);
         QCOMPARE(descriptionOf(node), record.description);
-        QCOMPARE(node->getIsEndOfStory(), record.endOfStory == 1);
-        QCOMPARE(node->getIsImportant(), record.important == 1);
+        QCOMPARE(node->isEndOfStory(), record.endOfStory == 1);
+        QCOMPARE(node->isImportant(), record.important == 1);
     }
     QCOMPARE(connections(tab.scene), (QStringList{"1 from 0", "2 from 1"}));
     QCOMPARE(indicesOf(tab.scene.getStory()), (QList<int>{0, 1, 2}));
@@ -123,7 +123,7 @@ void tst_NodegraphSceneFileReading::typeTagIsIgnored()
     GraphTab tab;
     load(tab, {record, eventRecord(1, 0)});
     QCOMPARE(tab.node(0)->getType(), 0);
-    QCOMPARE(tab.node(0)->getTitle(), QStringLiteral("Title 0"));
+    QCOMPARE(tab.node(0)->title(), QStringLiteral("Title 0"));
     QCOMPARE(connections(tab.scene), QStringList{"1 from 0"});
     QCOMPARE(SceneBytes::savedRecords(tab.scene).first().tag, QStringLiteral("Event"));
 }
@@ -143,9 +143,9 @@ void tst_NodegraphSceneFileReading::titleMayBeStoredEmptyOrNull()
     record.description = title;
     GraphTab tab;
     load(tab, {record, eventRecord(1)});
-    QCOMPARE(tab.node(0)->getTitle(), QString());
+    QCOMPARE(tab.node(0)->title(), QString());
     QCOMPARE(descriptionOf(tab.node(0)), QString());
-    QCOMPARE(tab.node(1)->getTitle(), QStringLiteral("Title 1"));
+    QCOMPARE(tab.node(1)->title(), QStringLiteral("Title 1"));
 }
 
 void tst_NodegraphSceneFileReading::endMarkIsReadFromExactlyOne_data()
@@ -166,7 +166,7 @@ void tst_NodegraphSceneFileReading::endMarkIsReadFromExactlyOne()
     load(tab, {eventRecord(0), eventRecord(1, -1, stored), eventRecord(2)});
     QCOMPARE(tab.scene.endOfStoryNode(), tab.node(end));
     for (int index = 0; index < 3; ++index)
-        QCOMPARE(tab.node(index)->getIsEndOfStory(), index == end);
+        QCOMPARE(tab.node(index)->isEndOfStory(), index == end);
     QCOMPARE(indicesOf(tab.scene.getStory()), QList<int>{end});
 }
 
@@ -175,8 +175,8 @@ void tst_NodegraphSceneFileReading::lastEndMarkWins()
     GraphTab tab;
     load(tab, {eventRecord(0, -1, 1), eventRecord(1, -1, 1), eventRecord(2, -1, 1), eventRecord(3)});
     QCOMPARE(tab.scene.endOfStoryNode(), tab.node(2));
-    QVERIFY(!tab.node(0)->getIsEndOfStory());
-    QVERIFY(!tab.node(1)->getIsEndOfStory());
+    QVERIFY(!tab.node(0)->isEndOfStory());
+    QVERIFY(!tab.node(1)->isEndOfStory());
 }
 
 void tst_NodegraphSceneFileReading::importanceIsReadFromAnyNonZero_data()
@@ -195,7 +195,7 @@ void tst_NodegraphSceneFileReading::importanceIsReadFromAnyNonZero()
     QFETCH(bool, important);
     GraphTab tab;
     load(tab, {eventRecord(0, -1, 0, stored)});
-    QCOMPARE(tab.node(0)->getIsImportant(), important);
+    QCOMPARE(tab.node(0)->isImportant(), important);
     QCOMPARE(SceneBytes::savedRecords(tab.scene).first().important, important ? 1 : 0);
 }
 

@@ -34,12 +34,12 @@ void tst_NodegraphSceneGrabbing::pressOnLineDisconnectsAndKeepsOtherEnd()
     QFETCH(int, nearer);
     FourNodes canvas;
     canvas.scene.connectNodes(canvas[3], canvas[0]);
-    const QPointF press = nearEnd(canvas[3]->getInLine(), nearer);
+    const QPointF press = nearEnd(canvas[3]->inLine(), nearer);
     canvas.move(press);
     const QPointF mouse = canvas.view.mapToScene(canvas.at(press)); // whole pixels
     canvas.press(press);
     QVERIFY(!canvas[3]->hasInput());
-    QVERIFY(!canvas[0]->getOutSocket()->getIsConnected());
+    QVERIFY(!canvas[0]->outSocket()->getIsConnected());
     QCOMPARE(canvas.stack.count(), 1);
     QCOMPARE(canvas.stack.undoText(), QStringLiteral("Disonnect Node"));
     QCOMPARE(linesOf(canvas.scene).size(), std::size_t(1));
@@ -70,7 +70,7 @@ void tst_NodegraphSceneGrabbing::grabbedLineIsRerouted()
     canvas.scene.connectNodes(canvas[3], canvas[0]);
     const bool movesInput = nearer == SocketType::input;
     Node *target = canvas.nodes[onto];
-    canvas.drag(nearEnd(canvas[3]->getInLine(), nearer), movesInput ? inputOf(target) : outputOf(target));
+    canvas.drag(nearEnd(canvas[3]->inLine(), nearer), movesInput ? inputOf(target) : outputOf(target));
 
     Node *downstream = movesInput ? target : canvas[3];
     Node *upstream = movesInput ? canvas[0] : target;
@@ -90,7 +90,7 @@ void tst_NodegraphSceneGrabbing::grabbedLineDroppedOnEmptySpaceStaysCut()
 {
     FourNodes canvas;
     canvas.scene.connectNodes(canvas[3], canvas[0]);
-    canvas.drag(nearEnd(canvas[3]->getInLine(), SocketType::input), emptySpace);
+    canvas.drag(nearEnd(canvas[3]->inLine(), SocketType::input), emptySpace);
     QVERIFY(!canvas[3]->hasInput());
     QVERIFY(linesOf(canvas.scene).empty());
     QCOMPARE(canvas.stack.count(), 1);
@@ -131,7 +131,7 @@ void tst_NodegraphSceneGrabbing::doubleClickOnLineCutsItOnce()
 {
     FourNodes canvas;
     canvas.scene.connectNodes(canvas[3], canvas[0]);
-    const QPointF pos = nearEnd(canvas[3]->getInLine(), SocketType::input);
+    const QPointF pos = nearEnd(canvas[3]->inLine(), SocketType::input);
     canvas.move(pos);
     QTest::mouseDClick(canvas.view.windowHandle(), Qt::LeftButton, Qt::NoModifier, canvas.inWindow(pos));
     QCOMPARE(canvas.stack.count(), 1);
@@ -152,7 +152,7 @@ void tst_NodegraphSceneGrabbing::secondButtonOnTheWayLeavesOneLine()
 {
     FourNodes canvas;
     canvas.scene.connectNodes(canvas[3], canvas[0]);
-    const QPointF grab = nearEnd(canvas[3]->getInLine(), SocketType::input);
+    const QPointF grab = nearEnd(canvas[3]->inLine(), SocketType::input);
     canvas.move(grab);
     canvas.press(grab);
     canvas.move(QPointF(500, 400));

@@ -88,7 +88,7 @@ void tst_NodegraphSceneHits::pressTakesTheLineOrBeginsABand()
     QFETCH(double, scale);
     QFETCH(bool, isColumn);
     PixelScene pixels(scale);
-    const QPointF middle = pixels.downstream->getInLine()->path().pointAtPercent(0.5);
+    const QPointF middle = pixels.downstream->inLine()->path().pointAtPercent(0.5);
     int taken = 0;
     int bands = 0;
     const QList<QPoint> across = pixels.pixelsAcross(middle, isColumn, 6 + int(12 * scale));

@@ -84,17 +84,17 @@ void tst_NodegraphSceneMany::lateEventsOfAFileHaveTheirSizes()
     SceneBytes::load(tab.scene, SceneBytes::block(chainOf(many)));
     for (const Node *node : tab.scene.getNodes()) {
         Node whole(0);
-        whole.getData()->eventContent()->setDescription(descriptionOf(node));
+        whole.payload()->eventContent()->setDescription(descriptionOf(node));
         QCOMPARE(node->boundingRect(), whole.boundingRect());
         const QRectF before = node->boundingRect();
-        node->getData()->eventContent()->getDescriptionItem();
+        node->payload()->eventContent()->descriptionItem();
         QCOMPARE(node->boundingRect(), before);
-        QCOMPARE(node->getNameItem()->toPlainText(), node->getTitle());
-        const ConnectionLine *line = node->getInLine();
+        QCOMPARE(node->nameItem()->toPlainText(), node->title());
+        const ConnectionLine *line = node->inLine();
         QCOMPARE(line != nullptr, node->getIndex() > 0);
         if (line)
             QCOMPARE(line->path().elementAt(0),
-                     QPainterPath::Element(QPainterPath(node->getInSocket()->sceneCentre()).elementAt(0)));
+                     QPainterPath::Element(QPainterPath(node->inSocket()->sceneCentre()).elementAt(0)));
     }
 }
 
@@ -107,7 +107,7 @@ void tst_NodegraphSceneMany::lateEventsOfAFileCanBeEdited()
     typeDescription(late, u"line\n"_s.repeated(20));
     typeTitle(late, u"Typed"_s);
     QCOMPARE(updated.count(), 1);
-    QCOMPARE(late->getTitle(), u"Typed"_s);
+    QCOMPARE(late->title(), u"Typed"_s);
     QCOMPARE(descriptionOf(late), u"line\n"_s.repeated(20));
     QVERIFY(late->boundingRect().height() > 400);
 }
@@ -184,7 +184,7 @@ void tst_NodegraphSceneMany::sceneWithManyEventsGoesAtOnce()
     auto tab = std::make_unique<GraphTab>();
     SceneBytes::load(tab->scene, SceneBytes::block(chainOf(many)));
     const QPointer<Node> node = tab->node(20);
-    const QPointer<ConnectionLine> line = node->getInLine();
+    const QPointer<ConnectionLine> line = node->inLine();
     tab.reset();
     QVERIFY(!node);
     QVERIFY(!line);

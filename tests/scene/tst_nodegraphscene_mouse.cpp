@@ -124,9 +124,9 @@ void tst_NodegraphSceneMouse::listedNodesReportTheirSocketsOnEveryMove()
         QSignalSpy output(node, &Node::s_outSocketMove);
         canvas.mouse.move(QPointF(3000, 3000), Qt::NoButton);
         QCOMPARE(input.size(), 1);
-        QCOMPARE(input.at(0).at(0).toPointF(), node->getInSocket()->scenePos() + QPointF(5, 11));
+        QCOMPARE(input.at(0).at(0).toPointF(), node->inSocket()->scenePos() + QPointF(5, 11));
         QCOMPARE(output.size(), 1);
-        QCOMPARE(output.at(0).at(0).toPointF(), node->getOutSocket()->scenePos() + QPointF(5, 11));
+        QCOMPARE(output.at(0).at(0).toPointF(), node->outSocket()->scenePos() + QPointF(5, 11));
     }
 }
 
@@ -149,8 +149,8 @@ void tst_NodegraphSceneMouse::draggedGroupsLinesFollowOneStepBehind()
     const QPointF afterFirst = inputOf(companion);
     shown.move(from + QPointF(100, 0));
     QCOMPARE(inputOf(companion), afterFirst + QPointF(60, 0));
-    QCOMPARE(startOf(companion->getInLine()), afterFirst);
-    QCOMPARE(endOf(companion->getInLine()), outputOf(outside));
+    QCOMPARE(startOf(companion->inLine()), afterFirst);
+    QCOMPARE(endOf(companion->inLine()), outputOf(outside));
     shown.release(from + QPointF(100, 0));
     QVERIFY(linesAreExact(shown.scene));
 }

@@ -61,7 +61,7 @@ void tst_NodegraphScene_RubberBand::pressBesideLineStartsRubberBand()
     Node *upstream = addLoose(shown.scene, QPointF(20, 20));
     Node *downstream = addLoose(shown.scene, QPointF(700, 500));
     shown.scene.connectNodes(downstream, upstream);
-    const ConnectionLine *line = downstream->getInLine();
+    const ConnectionLine *line = downstream->inLine();
     const QPointF onStroke = strokeOf(line, 0.25);
     const QPointF onChord = startOf(line) + (endOf(line) - startOf(line)) / 4;
     const QPointF beside = (onStroke + onChord) / 2;
@@ -83,7 +83,7 @@ void tst_NodegraphScene_RubberBand::pressOnStrokeStartsNoRubberBand()
     Node *third = addLoose(shown.scene, QPointF(20, 500));
     shown.scene.connectNodes(downstream, upstream);
     shown.scene.selectAll();
-    const QPointF onStroke = strokeOf(downstream->getInLine(), 0.4);
+    const QPointF onStroke = strokeOf(downstream->inLine(), 0.4);
 
     shown.press(onStroke);
     shown.move(QPointF(10, 860));

@@ -26,13 +26,10 @@ struct Tab
     Nodes published() const { return story.last().at(0).value<Nodes>(); }
 };
 
-EventData *eventOf(const Node *node) { return node->getData()->eventContent(); }
+EventData *eventOf(const Node *node) { return node->payload()->eventContent(); }
 
 /// As if the user had typed into the node's description.
-void typeInto(const Node *node, const QString &text)
-{
-    eventOf(node)->getDescriptionItem()->setPlainText(text);
-}
+void typeInto(const Node *node, const QString &text) { eventOf(node)->descriptionItem()->setPlainText(text); }
 
 class PaintCounter : public QObject
 {
@@ -198,8 +195,8 @@ void tst_NodegraphSceneStory::endOfStoryMovesToCurrentNode()
     tab.scene.sl_selectCurrentNode(tab[1]);
     tab.scene.setEndOfStoryNode();
     QCOMPARE(tab.scene.endOfStoryNode(), tab[1]);
-    QVERIFY(tab[1]->getIsEndOfStory());
-    QVERIFY(!tab[2]->getIsEndOfStory());
+    QVERIFY(tab[1]->isEndOfStory());
+    QVERIFY(!tab[2]->isEndOfStory());
     QCOMPARE(tab.story.size(), 1);
     QCOMPARE(tab.scene.currentNode(), tab[1]);
     QCOMPARE(tab.stack.count(), 3); // no step to be undone
@@ -218,7 +215,7 @@ void tst_NodegraphSceneStory::endOfStoryMayStayWhereItIs()
 {
     Tab tab(2);
     tab.scene.setEndOfStoryNode();
-    QVERIFY(tab[1]->getIsEndOfStory());
+    QVERIFY(tab[1]->isEndOfStory());
     QCOMPARE(tab.scene.endOfStoryNode(), tab[1]);
     QCOMPARE(tab.published(), tab.nodes);
 }
@@ -249,9 +246,9 @@ void tst_NodegraphSceneStory::importanceIsFlippedAndRelayed()
     Tab tab(2);
     QSignalSpy importance(&tab.scene, &NodegraphScene::s_importanceChanged);
     tab.scene.toggleImportance(nullptr);
-    QVERIFY(tab[1]->getIsImportant());
+    QVERIFY(tab[1]->isImportant());
     tab.scene.toggleImportance(nullptr);
-    QVERIFY(!tab[1]->getIsImportant());
+    QVERIFY(!tab[1]->isImportant());
     QCOMPARE(importance.size(), 2);
     for (int i = 0; i < 2; ++i) {
         QCOMPARE(importance.at(i).at(0).value<Node *>(), tab[1]);
@@ -266,8 +263,8 @@ void tst_NodegraphSceneStory::importanceOfGivenNode()
 {
     Tab tab(2);
     tab.scene.toggleImportance(tab[0]);
-    QVERIFY(tab[0]->getIsImportant());
-    QVERIFY(!tab[1]->getIsImportant()); // the current one
+    QVERIFY(tab[0]->isImportant());
+    QVERIFY(!tab[1]->isImportant()); // the current one
     QCOMPARE(tab.story.size(), 1);
 }
 
@@ -300,7 +297,7 @@ void tst_NodegraphSceneStory::importanceIsToldBeforeStory()
     QStringList told;
     connect(&tab.scene, &NodegraphScene::s_importanceChanged, this, [&] { told << "importance"; });
     connect(&tab.scene, &NodegraphScene::s_updateStory, this,
-            [&] { told << (tab[0]->getIsImportant() ? "story with it" : "story without it"); });
+            [&] { told << (tab[0]->isImportant() ? "story with it" : "story without it"); });
     tab.scene.toggleImportance(nullptr);
     QCOMPARE(told, (QStringList{"importance", "story with it"}));
 }

@@ -68,13 +68,13 @@ void tst_StoryChain::onlyOneEventCarriesTheMark()
     Events events;
     events.story.setEnd(events[0]);
     QCOMPARE(events.story.end(), events[0]);
-    QVERIFY(events[0]->getIsEndOfStory());
+    QVERIFY(events[0]->isEndOfStory());
     events.story.setEnd(events[2]);
     QCOMPARE(events.story.end(), events[2]);
-    QVERIFY(!events[0]->getIsEndOfStory());
-    QVERIFY(events[2]->getIsEndOfStory());
+    QVERIFY(!events[0]->isEndOfStory());
+    QVERIFY(events[2]->isEndOfStory());
     events.story.setEnd(events[2]);
-    QVERIFY(events[2]->getIsEndOfStory());
+    QVERIFY(events[2]->isEndOfStory());
 }
 
 void tst_StoryChain::isWalkedAgainAfterAChangeOnly()

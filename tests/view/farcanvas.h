@@ -65,7 +65,7 @@ struct FarCanvas : Canvas
     }
     static STLineEdit *descriptionOf(const Node *node)
     {
-        return node->getData()->eventContent()->getDescriptionItem();
+        return node->payload()->eventContent()->descriptionItem();
     }
     QPointF letterOf(const Node *node) const { return descriptionOf(node)->mapToScene(QPointF(60, 28)); }
 

@@ -49,7 +49,7 @@ void tst_CanvasDetail::textsAreBarsWhereManyAreTooSmall()
     QFETCH(const bool, bars);
     const FarCanvas canvas(scale, count);
     for (const Node *node : canvas.nodes) {
-        QCOMPARE(node->getNameItem()->isVisible(), !bars);
+        QCOMPARE(node->nameItem()->isVisible(), !bars);
         QCOMPARE(FarCanvas::descriptionOf(node)->isVisible(), !bars);
     }
 }
@@ -60,7 +60,7 @@ void tst_CanvasDetail::onlyEventsInViewCount()
     const FarCanvas canvas(0.199, 201);
     const auto barsAreShown = [&canvas] {
         canvas.frame();
-        return !canvas.nodes.front()->getNameItem()->isVisible();
+        return !canvas.nodes.front()->nameItem()->isVisible();
     };
     QVERIFY(!barsAreShown());
     for (Node *node : canvas.nodes)
@@ -112,7 +112,7 @@ void tst_CanvasDetail::writingEndsWhereBarsBegin()
     QVERIFY(QTest::qWaitForWindowActive(canvas.view.get()));
     canvas.view->setFocus();
     Node *node = canvas.nodes.front();
-    QGraphicsTextItem *text = node->getNameItem();
+    QGraphicsTextItem *text = node->nameItem();
     if (!title)
         text = FarCanvas::descriptionOf(node);
     text->setPlainText(QString());
@@ -133,12 +133,12 @@ void tst_CanvasDetail::writtenWordsAreShownAgain()
 {
     const FarCanvas canvas(0.02, 250);
     Node *node = canvas.nodes.front();
-    node->getNameItem()->setPlainText(u"Words"_s);
+    node->nameItem()->setPlainText(u"Words"_s);
     canvas.show(1.0);
-    QVERIFY(node->getNameItem()->isVisible());
-    QCOMPARE(canvas.scene->itemAt(node->getNameItem()->sceneBoundingRect().center(), QTransform()),
-             node->getNameItem());
-    QCOMPARE(node->getTitle(), u"Words"_s);
+    QVERIFY(node->nameItem()->isVisible());
+    QCOMPARE(canvas.scene->itemAt(node->nameItem()->sceneBoundingRect().center(), QTransform()),
+             node->nameItem());
+    QCOMPARE(node->title(), u"Words"_s);
 }
 
 void tst_CanvasDetail::nobodyWritesInBars()
@@ -146,7 +146,7 @@ void tst_CanvasDetail::nobodyWritesInBars()
     const FarCanvas canvas(0.02, 250);
     canvas.view->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(canvas.view.get()));
-    canvas.nodes.front()->getNameItem()->setFocus();
+    canvas.nodes.front()->nameItem()->setFocus();
     QVERIFY(!canvas.scene->focusItem());
     canvas.view->clearFocus();
     canvas.view->setFocus(Qt::TabFocusReason);
@@ -162,15 +162,15 @@ void tst_CanvasDetail::keyToEditComesClose()
     Node *node = canvas.nodes.at(120);
     canvas.scene->sl_selectCurrentNode(node);
     QTest::keyClick(canvas.view.get(), Qt::Key_F2);
-    QCOMPARE(canvas.scene->focusItem(), node->getNameItem());
+    QCOMPARE(canvas.scene->focusItem(), node->nameItem());
     QCOMPARE(canvas.view->transform().m11(), 1.0);
     QCOMPARE(canvas.view->getZoomDivisor(), 1.0);
     QTest::keyClicks(canvas.view->viewport(), u"Now"_s);
-    QCOMPARE(node->getTitle(), u"Now"_s);
+    QCOMPARE(node->title(), u"Now"_s);
     canvas.frame();
-    QCOMPARE(canvas.scene->focusItem(), node->getNameItem());
+    QCOMPARE(canvas.scene->focusItem(), node->nameItem());
     const QRect seen = canvas.view->viewport()->rect();
-    QVERIFY(seen.contains(canvas.pixel(node->getNameItem()->sceneBoundingRect().center())));
+    QVERIFY(seen.contains(canvas.pixel(node->nameItem()->sceneBoundingRect().center())));
 }
 
 void tst_CanvasDetail::socketsStayWhileTheyAreSeen()
@@ -180,17 +180,17 @@ void tst_CanvasDetail::socketsStayWhileTheyAreSeen()
         node->setPos(canvas.nodes.front()->pos());
     canvas.frame();
     const Node *node = canvas.nodes.back();
-    QVERIFY(!node->getNameItem()->isVisible());
-    QVERIFY(node->getInSocket()->isVisible());
-    QVERIFY(node->getOutSocket()->isVisible());
-    QCOMPARE(canvas.scene->itemAt(node->getOutSocket()->sceneCentre(), QTransform()), node->getOutSocket());
+    QVERIFY(!node->nameItem()->isVisible());
+    QVERIFY(node->inSocket()->isVisible());
+    QVERIFY(node->outSocket()->isVisible());
+    QCOMPARE(canvas.scene->itemAt(node->outSocket()->sceneCentre(), QTransform()), node->outSocket());
     canvas.show(0.09);
-    QVERIFY(!node->getInSocket()->isVisible());
-    QVERIFY(!node->getOutSocket()->isVisible());
+    QVERIFY(!node->inSocket()->isVisible());
+    QVERIFY(!node->outSocket()->isVisible());
     canvas.show(0.11);
-    QVERIFY(node->getInSocket()->isVisible());
+    QVERIFY(node->inSocket()->isVisible());
     canvas.show(0.5);
-    QVERIFY(node->getOutSocket()->isVisible());
+    QVERIFY(node->outSocket()->isVisible());
 }
 
 void tst_CanvasDetail::newAndReturningEventsAreAsTheOthers()
@@ -199,22 +199,22 @@ void tst_CanvasDetail::newAndReturningEventsAreAsTheOthers()
     canvas.scene->sl_addEventNode();
     const Node *added = canvas.nodes.empty() ? nullptr : canvas.scene->getNodes().back();
     canvas.frame();
-    QVERIFY(added && !added->getNameItem()->isVisible());
+    QVERIFY(added && !added->nameItem()->isVisible());
     canvas.view->undoStack()->undo();
     canvas.view->undoStack()->redo();
     canvas.frame();
-    QVERIFY(!canvas.scene->getNodes().back()->getNameItem()->isVisible());
+    QVERIFY(!canvas.scene->getNodes().back()->nameItem()->isVisible());
 }
 
 void tst_CanvasDetail::pictureForSomethingElseChangesNothing()
 {
     const FarCanvas canvas(1.0, 250);
-    canvas.nodes.front()->getNameItem()->setFocus();
+    canvas.nodes.front()->nameItem()->setFocus();
     QImage picture(400, 300, QImage::Format_RGB32);
     QPainter painter(&picture);
     canvas.scene->render(&painter);
-    QVERIFY(canvas.nodes.front()->getNameItem()->isVisible());
-    QCOMPARE(canvas.scene->focusItem(), canvas.nodes.front()->getNameItem());
+    QVERIFY(canvas.nodes.front()->nameItem()->isVisible());
+    QCOMPARE(canvas.scene->focusItem(), canvas.nodes.front()->nameItem());
 }
 
 QTEST_MAIN(tst_CanvasDetail)

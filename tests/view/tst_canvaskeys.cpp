@@ -163,17 +163,17 @@ void tst_CanvasKeys::keyEditsTitleThenDescription()
     const KeyCanvas canvas;
     canvas.makeCurrent(canvas.middle);
     canvas.press(Qt::Key_F2);
-    QVERIFY(canvas.middle->getNameItem()->hasFocus());
+    QVERIFY(canvas.middle->nameItem()->hasFocus());
     QTest::keyClicks(canvas.view.get(), QStringLiteral("Rain"));
     canvas.press(Qt::Key_F2);
-    STLineEdit *description = canvas.middle->getData()->eventContent()->getDescriptionItem();
+    STLineEdit *description = canvas.middle->payload()->eventContent()->descriptionItem();
     QVERIFY(description->hasFocus());
     QTest::keyClicks(canvas.view.get(), QStringLiteral("?"));
     canvas.press(Qt::Key_F2);
-    QVERIFY(canvas.middle->getNameItem()->hasFocus());
+    QVERIFY(canvas.middle->nameItem()->hasFocus());
     canvas.press(Qt::Key_F2);
     QTest::keyClicks(canvas.view.get(), QStringLiteral("!"));
-    QCOMPARE(canvas.middle->getTitle(), QStringLiteral("Rain"));
+    QCOMPARE(canvas.middle->title(), QStringLiteral("Rain"));
     QCOMPARE(description->toPlainText(), QStringLiteral("?!")); // what asks for a description has gone
 }
 
@@ -206,8 +206,8 @@ void tst_CanvasKeys::keysBelongToTheTextWhileItIsEdited()
     QTest::keyClicks(canvas.view.get(), QStringLiteral("The last "));
     canvas.press(Qt::Key_Left, Qt::ControlModifier); // a word back
     QTest::keyClicks(canvas.view.get(), QStringLiteral("very "));
-    QCOMPARE(canvas.middle->getTitle(), QStringLiteral("The very last Event"));
-    QVERIFY(canvas.middle->getNameItem()->hasFocus());
+    QCOMPARE(canvas.middle->title(), QStringLiteral("The very last Event"));
+    QVERIFY(canvas.middle->nameItem()->hasFocus());
 }
 
 QTEST_MAIN(tst_CanvasKeys)

@@ -43,7 +43,7 @@ void tst_CanvasTab::tabWritesNothing()
     NodegraphView *view = window.getViews().front();
     view->setFocus();
     if (wroteBefore) {
-        scene->getNodes().at(1)->getNameItem()->setFocus();
+        scene->getNodes().at(1)->nameItem()->setFocus();
         QTest::keyClick(window.windowHandle(), Qt::Key_Escape);
     }
     const QByteArray before = SceneBytes::saved(*scene);
@@ -65,10 +65,10 @@ void tst_CanvasTab::tabIsWrittenByWhoWrites()
     addChain(*scene, 1);
     window.getViews().front()->setFocus();
     Node *node = scene->getNodes().front();
-    node->getNameItem()->setFocus();
+    node->nameItem()->setFocus();
     QTest::keyClick(window.windowHandle(), Qt::Key_End);
     QTest::keyClick(window.windowHandle(), Qt::Key_Tab);
-    QVERIFY(node->getTitle().endsWith(u'\t'));
+    QVERIFY(node->title().endsWith(u'\t'));
 }
 
 QTEST_MAIN(tst_CanvasTab)

@@ -61,7 +61,7 @@ void tst_FarCanvas::barsLookLikeTheirText()
     QFETCH(const double, scale);
     FarCanvas canvas(scale, 201);
     for (Node *node : canvas.nodes) {
-        node->getData()->eventContent()->setDescription(
+        node->payload()->eventContent()->setDescription(
             u"The tide turns and the keeper counts. "_s.repeated(7));
         node->setPos(canvas.nodes.front()->pos() + QPointF(2, 2));
     }
@@ -71,10 +71,10 @@ void tst_FarCanvas::barsLookLikeTheirText()
     const QRect box =
         canvas.view->viewportTransform().mapRect(canvas.nodes.front()->sceneBoundingRect()).toRect();
     const QImage bars = canvas.shown();
-    QVERIFY(!canvas.nodes.front()->getNameItem()->isVisible());
+    QVERIFY(!canvas.nodes.front()->nameItem()->isVisible());
     canvas.nodes.back()->setPos(90000, 90000);
     const QImage letters = canvas.shown();
-    QVERIFY(canvas.nodes.front()->getNameItem()->isVisible());
+    QVERIFY(canvas.nodes.front()->nameItem()->isVisible());
     QVERIFY2(std::abs(greyOf(bars, box) - greyOf(letters, box)) < 6,
              qPrintable(u"%1 %2"_s.arg(greyOf(bars, box)).arg(greyOf(letters, box))));
 }
@@ -102,9 +102,9 @@ void tst_FarCanvas::boxIsNeverEmpty()
     const QRect words = canvas.view->viewportTransform()
                             .mapRect(FarCanvas::descriptionOf(node)->sceneBoundingRect())
                             .toRect();
-    node->getData()->eventContent()->setDescription(u" "_s); // as large, without words
+    node->payload()->eventContent()->setDescription(u" "_s); // as large, without words
     const double empty = greyOf(canvas.shown(), words);
-    node->getData()->eventContent()->setDescription(u"The tide turns at night now"_s);
+    node->payload()->eventContent()->setDescription(u"The tide turns at night now"_s);
     const double written = greyOf(canvas.shown(), words);
     QVERIFY2(written < empty - 3, qPrintable(u"%1 %2"_s.arg(written).arg(empty)));
 }
@@ -162,7 +162,7 @@ void tst_FarCanvas::lineStaysVisible()
     last->setPos(before->pos() + QPointF(0, 4000));
     last->moveBy(2000, 0);
     last->updateLines();
-    const QPointF half = last->getInLine()->path().pointAtPercent(0.5);
+    const QPointF half = last->inLine()->path().pointAtPercent(0.5);
     canvas.view->centerOn(half);
     const QPoint middle = canvas.pixel(half);
     const QImage image = canvas.shown();

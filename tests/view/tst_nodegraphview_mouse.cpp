@@ -324,7 +324,7 @@ void tst_NodegraphViewMouse::secondRightPressTakesNothingApart()
     const std::vector<Node *> selected = canvas.scene->getSelectedNodes();
     Node *current = canvas.scene->currentNode();
     canvas.view->centerOn(inputOf(chain[1]));
-    const QHash<QString, QPointF> places{{QStringLiteral("line"), nearEnd(chain[1]->getInLine(), 0)},
+    const QHash<QString, QPointF> places{{QStringLiteral("line"), nearEnd(chain[1]->inLine(), 0)},
                                          {QStringLiteral("input"), inputOf(chain[1])},
                                          {QStringLiteral("output"), outputOf(chain[0])},
                                          {QStringLiteral("body"), bodyOf(chain[0])},

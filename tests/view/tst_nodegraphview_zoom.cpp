@@ -264,7 +264,7 @@ void tst_NodegraphViewZoom::panFollowsTheHandAtFullSize()
     node->setPos(program.view->mapToScene(QPoint(100, 100)));
     program.trigger("actionZoom_In");
     program.trigger("actionZoom_to_100");
-    STLineEdit *text = node->getData()->eventContent()->getDescriptionItem();
+    STLineEdit *text = node->payload()->eventContent()->descriptionItem();
     text->setText(QStringLiteral("Rain"));
     if (over == "edited")
         text->setFocus();
