@@ -1,6 +1,7 @@
 #include "scene/clipboard.h"
 
 #include "items/nodedata.h"
+#include "scene/massremoval.h"
 #include "scene/nodegraphscene.h"
 #include "scene/textfocus.h"
 #include "scene/viewroom.h"

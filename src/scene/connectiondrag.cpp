@@ -2,6 +2,7 @@
 
 #include "commands/connectnodescommand.h"
 #include "commands/disconnectnodecommand.h"
+#include "scene/connector.h"
 #include "scene/nodegraphscene.h"
 
 namespace {
@@ -79,7 +80,7 @@ void ConnectionDrag::dropOn(const Socket *target)
     const bool fromOutput = from->getType() == SocketType::output;
     const Node *downstream = fromOutput ? targetNode : sourceNode;
     const Node *upstream = fromOutput ? sourceNode : targetNode;
-    if (NodegraphScene::wouldCloseCycle(downstream, upstream))
+    if (Connector::wouldCloseCycle(downstream, upstream))
         return;
     handOut(std::make_unique<ConnectNodesCommand>(&scene, downstream->getIndex(), upstream->getIndex()));
 }

@@ -1,21 +1,37 @@
 #include "scene/nodegraphscene.h"
 
 #include "commands/addnodecommand.h"
+#include "items/eventdata.h"
 #include "items/nodedata.h"
+#include "scene/canvasdetail.h"
+#include "scene/clipboard.h"
+#include "scene/connectiondrag.h"
+#include "scene/connector.h"
+#include "scene/massremoval.h"
+#include "scene/nodedeletion.h"
+#include "scene/nodeindexmap.h"
+#include "scene/pointing.h"
+#include "scene/rubberband.h"
+#include "scene/scenerecords.h"
+#include "scene/storychain.h"
 #include "scene/textfocus.h"
 #include "scene/viewroom.h"
 
 #include <QDebug>
 #include <QFocusEvent>
+#include <QGraphicsSceneMouseEvent>
 #include <QGraphicsView>
 #include <QMetaMethod>
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace {
 
 constexpr double canvasSize = 99999;
+constexpr int veilAlpha = 28;
 constexpr double attachGap = 100.0;
 constexpr double framingMargin = 50.0;
 
@@ -24,18 +40,51 @@ QColor backgroundColour() { return QColor::fromString(QLatin1String("#606060"));
 QColor veilColour()
 {
     QColor colour = QColor::fromString(QLatin1String("#FFFFFF"));
-    colour.setAlpha(28);
+    colour.setAlpha(veilAlpha);
     return colour;
 }
 
 } // namespace
 
-NodegraphScene::NodegraphScene()
-    : handOut([this](std::unique_ptr<QUndoCommand> command) { emitCommand(std::move(command)); }),
-      band(*this, veilColour()),
-      records(
-          *this, [this](TextMaking making) { return makeForRecord(making); }, handOut)
+/// None of them knows of the others but by what it is given here.
+struct NodegraphScene::Parts
 {
+    Parts(NodegraphScene &scene, const SceneRecords::NodeMaking &makeForRecord, const HandOut &out)
+        : handOut(out), removal(scene), drag(scene, out), band(scene, veilColour()),
+          clipboard(scene, removal), deletion(scene, removal, out), records(scene, makeForRecord, out)
+    {}
+
+    HandOut handOut;
+    MassRemoval removal;
+    Connector connector{removal};
+    StoryChain story;
+    ConnectionDrag drag;
+    RubberBand band;
+    Clipboard clipboard;
+    NodeDeletion deletion;
+    SceneRecords records;
+    CanvasDetail detail;
+    NodeIndexMap nodesByIndex;
+    std::optional<QPointF> mouse; // not set until it has been here
+    int nodeCounter = 0;          // nodes wired since the last clear(); the source of new indices
+};
+
+NodegraphScene::NodegraphScene()
+{
+    // Without a listener a command is dropped, for nobody would free it.
+    const HandOut handOut = [this](std::unique_ptr<QUndoCommand> command) {
+        static const QMetaMethod added = QMetaMethod::fromSignal(&NodegraphScene::s_UndoCommandAdded);
+        if (isSignalConnected(added))
+            emit s_UndoCommandAdded(command.release());
+    };
+    // By the provisional index, not the new node itself: see recordOrder(), which writing relies on.
+    const SceneRecords::NodeMaking makeForRecord = [this](TextMaking making) {
+        const int provisionalIndex = parts->nodeCounter++;
+        attachToCurrentNode(buildNode(QPointF(0, 0), provisionalIndex, 0, nullptr, QString(), making));
+        updateStory();
+        return findNodeByIndex(provisionalIndex);
+    };
+    parts = std::make_unique<Parts>(*this, makeForRecord, handOut);
     qRegisterMetaType<std::vector<Node *>>("std::vector<Node*>");
     setBackgroundBrush(backgroundColour());
     setSceneRect(QRectF(0, 0, canvasSize, canvasSize));
@@ -51,43 +100,32 @@ NodegraphScene::~NodegraphScene()
             all.push_back(line);
     }
     {
-        const MassRemoval::Together together(removal);
+        const MassRemoval::Together together(parts->removal);
         for (QGraphicsItem *item : all)
-            removal.takeOut(item);
+            parts->removal.takeOut(item);
     }
     qDeleteAll(all);
 }
 
-// The items are painted after this. Only the frames of the view count: a picture that is painted for
-// something else changes nothing on the screen.
-void NodegraphScene::drawBackground(QPainter *painter, const QRectF &rect)
-{
-    const QList<QGraphicsView *> all = views();
-    if (!all.isEmpty() && painter->device() == all.first()->viewport())
-        adaptDetail();
-    QGraphicsScene::drawBackground(painter, rect);
-}
+const std::vector<Node *> &NodegraphScene::getStory() const { return parts->story.nodes(); }
 
-// The texts are nobody's stops on the way through the window: a Tab would land in the one that was written in
-// last, or in any, and each further one would be written there.
-bool NodegraphScene::focusNextPrevChild(bool) { return false; }
+Node *NodegraphScene::endOfStoryNode() const { return parts->story.end(); }
 
-void NodegraphScene::adaptDetail()
-{
-    const QList<QGraphicsView *> all = views();
-    if (!all.isEmpty())
-        detail.apply(*all.first(), nodes);
-}
+bool NodegraphScene::isMember(const Node *node) const { return parts->nodesByIndex.contains(node); }
+
+Node *NodegraphScene::findNodeByIndex(int index) const { return parts->nodesByIndex.first(index); }
+
+// Making nodes
 
 void NodegraphScene::sl_addEventNode()
 {
     const bool wasEmpty = nodes.empty();
-    Node *added = addNodeAt(pointerPosition(), 0, -1);
+    Node *added = addNodeAt(placeOfPointer(*this, parts->mouse), 0, -1);
     if (!added)
         return;
     // The first event of a canvas has nothing to attach to; as the current node it starts the chain.
     if (wasEmpty) {
-        setCurrentNode(added);
+        sl_selectCurrentNode(added);
         added->setSelected(true);
     }
     bringIntoSight(*this, added->sceneBoundingRect());
@@ -96,33 +134,24 @@ void NodegraphScene::sl_addEventNode()
 Node *NodegraphScene::addNodeAt(QPointF pos, int type, int index, int markFrom)
 {
     const std::size_t before = nodes.size();
-    auto command =
-        std::make_unique<AddNodeCommand>(this, pos, index == -1 ? nodeCounter : index, type, QString());
+    const int wanted = index == -1 ? parts->nodeCounter : index;
+    auto command = std::make_unique<AddNodeCommand>(this, pos, wanted, type, QString());
     if (markFrom != -1)
         command->willTakeMarkFrom(markFrom);
-    handOut(std::move(command));
+    parts->handOut(std::move(command));
     return nodes.size() == before ? nullptr : nodes.back(); // it may have got another index
-}
-
-/// Where the user points: the mouse, or the middle of what is shown until the mouse has been here.
-QPointF NodegraphScene::pointerPosition() const
-{
-    if (mouseSeen || views().isEmpty())
-        return lastMousePos;
-    const QGraphicsView *view = views().constFirst();
-    return view->mapToScene(view->viewport()->rect().center());
 }
 
 void NodegraphScene::createNode(QPointF pos, int index, int type, const NodeData *data, const QString &name)
 {
     leaveTextsBut(*this, nullptr); // the keys that follow are not meant for what was written before
-    attachToCurrentNode(buildNode(pos, index, type, data, name));
+    attachToCurrentNode(buildNode(pos, index, type, data, name, TextMaking::atOnce));
     updateStory();
 }
 
 Node *NodegraphScene::restoreNode(QPointF pos, int index, int type, const NodeData *data, const QString &name)
 {
-    Node *node = buildNode(pos, index, type, data, name);
+    Node *node = buildNode(pos, index, type, data, name, TextMaking::atOnce);
     updateStory();
     return node;
 }
@@ -131,24 +160,15 @@ Node *NodegraphScene::buildNode(QPointF pos, int index, int type, const NodeData
                                 TextMaking making)
 {
     auto *node = new Node(type, making);
-    removal.bringIn(node);
+    parts->removal.bringIn(node);
     wireNode(node);
     node->placeAt(pos);
     if (!name.isEmpty())
         node->setNodeName(name);
     if (data)
         node->copyDataFrom(data);
-    node->setIndex(freeIndex(index, node));
+    node->setIndex(parts->nodesByIndex.freeIndex(index, node, parts->nodeCounter));
     return node;
-}
-
-Node *NodegraphScene::makeForRecord(TextMaking making)
-{
-    const int provisionalIndex = nodeCounter++;
-    attachToCurrentNode(buildNode(QPointF(0, 0), provisionalIndex, 0, nullptr, QString(), making));
-    updateStory();
-    // By the provisional index, not the new node itself: see recordOrder(), which writing relies on.
-    return findNodeByIndex(provisionalIndex);
 }
 
 void NodegraphScene::wireNode(Node *node)
@@ -161,19 +181,8 @@ void NodegraphScene::wireNode(Node *node)
     connect(node, SIGNAL(s_indexChanged(Node*,int)), this, SLOT(sl_nodeIndexChanged(Node*,int)));
     connect(node, SIGNAL(s_importanceChanged(Node*,bool)), this, SLOT(sl_importanceChanged(Node*,bool)));
     nodes.push_back(node);
-    nodesByIndex.insert(node, node->getIndex());
-    ++nodeCounter;
-}
-
-/// The wanted index if no other node has it, else the counter's value or the first free number above it.
-int NodegraphScene::freeIndex(int wanted, const Node *node) const
-{
-    if (!nodesByIndex.isTakenByOther(wanted, node))
-        return wanted;
-    int candidate = nodeCounter;
-    while (nodesByIndex.isTakenByOther(candidate, node))
-        ++candidate;
-    return candidate;
+    parts->nodesByIndex.insert(node, node->getIndex());
+    ++parts->nodeCounter;
 }
 
 void NodegraphScene::attachToCurrentNode(Node *newNode)
@@ -182,10 +191,10 @@ void NodegraphScene::attachToCurrentNode(Node *newNode)
         const double x = current->scenePos().x() + current->boundingRect().width() + attachGap;
         newNode->setPos(std::trunc(x), std::trunc(current->scenePos().y()));
         connectNodes(newNode, current);
-        if (current == story.end())
+        if (current == endOfStoryNode())
             setEndOfStory(newNode);
         current->setSelected(false);
-        setCurrentNode(newNode);
+        sl_selectCurrentNode(newNode);
         newNode->setSelected(true);
     }
     Node *only = newNode ? newNode : currentNode_;
@@ -193,31 +202,192 @@ void NodegraphScene::attachToCurrentNode(Node *newNode)
         setEndOfStory(only);
 }
 
-Node *NodegraphScene::findNodeByIndex(int index) const { return nodesByIndex.first(index); }
+// Connecting
+
+void NodegraphScene::connectNodes(Node *downstream, Node *upstream)
+{
+    if (!downstream || !upstream || Connector::wouldCloseCycle(downstream, upstream))
+        return;
+    if (downstream->hasInput())
+        disconnectNode(downstream);
+    connect(parts->connector.join(downstream, upstream),
+            SIGNAL(s_clicked(ConnectionLine*,int)), this,
+                   SLOT(sl_connectionLineClicked(ConnectionLine*,int)));
+    updateStory();
+    qInfo() << "Connected node " << downstream->getIndex() << " to " << upstream->getIndex();
+}
+
+void NodegraphScene::disconnectNode(Node *node)
+{
+    if (!node)
+        return;
+    if (ConnectionLine *line = node->inLine())
+        line->disconnect(this);
+    parts->connector.part(node);
+    updateStory();
+    qInfo() << "Disconnected node " << node->getIndex();
+}
+
+void NodegraphScene::sl_socketClick(int type, QPointF pos)
+{
+    if (const auto *node = qobject_cast<Node *>(sender()))
+        parts->drag.pressSocket(*node, type, pos);
+}
+
+void NodegraphScene::sl_connectionLineClicked(ConnectionLine *line, int type)
+{
+    parts->drag.grabLine(*line, type, parts->mouse.value_or(QPointF()));
+}
+
+void NodegraphScene::sl_socketClickDrag() { parts->drag.moveTo(parts->mouse.value_or(QPointF())); }
+
+void NodegraphScene::sl_manualNodeConnect(Socket *socket) { parts->drag.dropOn(socket); }
+
+// Deleting
+
+void NodegraphScene::deleteSelectedNodes(Node *node) { parts->deletion.deleteSelected(node); }
+
+void NodegraphScene::deleteNode(Node *node)
+{
+    if (!node)
+        return;
+    parts->story.forget(node); // before the neighbours go, so that no story with this node is published
+    const std::vector<Node *> downstream = node->nextNodes();
+    for (Node *next : downstream)
+        disconnectNode(next);
+    if (node->hasInput())
+        disconnectNode(node);
+    qInfo() << "Deleted node " << node->getIndex();
+    forgetNode(node);
+    node->disconnect(this);
+    parts->removal.takeOut(node);
+    node->deleteLater(); // its own press or key may have led here
+    updateStory();
+}
+
+/// The one place where a dying node leaves everything that the scene remembers.
+void NodegraphScene::forgetNode(Node *node)
+{
+    for (std::vector<Node *> *list : {&nodes, &selectedNodes}) {
+        const auto found = std::find(list->begin(), list->end(), node);
+        if (found != list->end())
+            list->erase(found);
+    }
+    parts->nodesByIndex.remove(node);
+    parts->clipboard.forget(node);
+    if (currentNode_ == node)
+        sl_deselectCurrentNode();
+    parts->story.forget(node);
+    parts->drag.forget(node);
+}
+
+void NodegraphScene::clear()
+{
+    parts->deletion.deleteAll();
+    selectedNodes.clear();
+    parts->band.end();
+    parts->drag.end();
+    parts->nodeCounter = 0;
+    sl_deselectCurrentNode();
+    QGraphicsScene::clear();
+    parts->band.renew();
+}
+
+// The story
+
+void NodegraphScene::updateStory()
+{
+    parts->story.change();
+    if (!endOfStoryNode())
+        qInfo() << "No storyNode";
+    // Emptying a graph changes its story with every event; if nobody listens it need not be known each time.
+    static const QMetaMethod published = QMetaMethod::fromSignal(&NodegraphScene::s_updateStory);
+    if (isSignalConnected(published))
+        emit s_updateStory(getStory());
+}
+
+void NodegraphScene::setEndOfStoryNode()
+{
+    if (currentNode_)
+        setEndOfStory(currentNode_);
+}
+
+void NodegraphScene::setEndOfStory(Node *node)
+{
+    parts->story.setEnd(node);
+    updateStory();
+}
+
+void NodegraphScene::toggleImportance(Node *node)
+{
+    if (!node)
+        node = currentNode_;
+    if (!node)
+        return;
+    node->setImportant(!node->isImportant());
+    node->update();
+    updateStory();
+}
+
+void NodegraphScene::sl_nodeChanged(Node *node)
+{
+    // Copied: whoever hears of the change may make the story change.
+    const auto occurrences = std::count(getStory().begin(), getStory().end(), node);
+    for (auto i = occurrences; i > 0; --i)
+        emit s_updateNode(node);
+}
+
+// Comes before the node stores its new index, so nothing finds it under a number that it no longer has.
+void NodegraphScene::sl_nodeIndexChanged(Node *node, int index)
+{
+    parts->nodesByIndex.reindex(node, index);
+    emit s_nodeIndexChanged(node, index);
+}
+
+void NodegraphScene::sl_importanceChanged(Node *node, bool isImportant)
+{
+    emit s_importanceChanged(node, isImportant);
+}
+
+void NodegraphScene::sl_ovNodeChanged(QGraphicsItem *nodeData, int index)
+{
+    const Node *node = findNodeByIndex(index);
+    if (!node || node->getType() != 0 || !nodeData || !node->payload())
+        return;
+    const auto *edited = dynamic_cast<EventData *>(nodeData);
+    EventData *event = node->payload()->eventContent();
+    if (edited && event)
+        event->setDescription(edited->getDescription());
+}
+
+// Clipboard and file
+
+void NodegraphScene::copyNodes() { parts->clipboard.copy(); }
+
+void NodegraphScene::cutNodes() { parts->clipboard.cut(); }
+
+void NodegraphScene::pasteNodes() { parts->clipboard.paste(placeOfPointer(*this, parts->mouse)); }
+
+void NodegraphScene::saveSceneToFile(QDataStream &stream) { parts->records.write(stream); }
+
+void NodegraphScene::loadSceneFromFile(QDataStream &stream)
+{
+    parts->records.read(stream);
+    frameSelectedNodes();
+}
+
+// Current and selected nodes
 
 /// The only one to say which node is current. None is current as soon as the mouse is pressed, and the press
 /// itself decides about the keyboard.
-void NodegraphScene::setCurrentNode(Node *node)
+void NodegraphScene::sl_selectCurrentNode(Node *node)
 {
     currentNode_ = node;
     if (node)
         leaveTextsBut(*this, node);
 }
 
-void NodegraphScene::sl_selectCurrentNode(Node *node) { setCurrentNode(node); }
-
-void NodegraphScene::sl_deselectCurrentNode() { setCurrentNode(nullptr); }
-
-// By Tab the framework would go back to the text that was edited last, whatever has become of its event, and
-// the next Tab would be written into it.
-void NodegraphScene::focusInEvent(QFocusEvent *event)
-{
-    const bool isByTab = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
-    QFocusEvent entered(event->type(), isByTab ? Qt::OtherFocusReason : event->reason());
-    QGraphicsScene::focusInEvent(&entered);
-    if (isByTab)
-        setFocusItem(nullptr);
-}
+void NodegraphScene::sl_deselectCurrentNode() { sl_selectCurrentNode(nullptr); }
 
 void NodegraphScene::selectAll()
 {
@@ -232,75 +402,6 @@ void NodegraphScene::deselectAll()
     selectedNodes.clear();
     for (Node *node : nodes)
         node->setSelected(false);
-}
-
-// Lines follow a dragged node through its socket signals; there is nothing else to do.
-void NodegraphScene::sl_nodeMove(Node *) {}
-
-void NodegraphScene::sl_lastMousePos(QPointF pos)
-{
-    lastMousePos = pos;
-    mouseSeen = true;
-}
-
-// Comes before the node stores its new index, so nothing finds it under a number that it no longer has.
-void NodegraphScene::sl_nodeIndexChanged(Node *node, int index)
-{
-    nodesByIndex.reindex(node, index);
-    emit s_nodeIndexChanged(node, index);
-}
-
-void NodegraphScene::sl_importanceChanged(Node *node, bool isImportant)
-{
-    emit s_importanceChanged(node, isImportant);
-}
-
-/// Passes an edit on to whoever runs it; without a listener it is dropped, for nobody would free it.
-void NodegraphScene::emitCommand(std::unique_ptr<QUndoCommand> command)
-{
-    static const QMetaMethod added = QMetaMethod::fromSignal(&NodegraphScene::s_UndoCommandAdded);
-    if (isSignalConnected(added))
-        emit s_UndoCommandAdded(command.release());
-}
-
-void NodegraphScene::removeAllNodes()
-{
-    const MassRemoval::Together together(removal);
-    const std::vector<Node *> all = nodes;
-    for (Node *node : all) {
-        if (!isMember(node)) // the first deletion takes the whole selection with it
-            continue;
-        qInfo() << "clearing scene";
-        deleteSelectedNodes(node);
-    }
-    while (!nodes.empty()) // nobody took the commands
-        deleteNode(nodes.back());
-}
-
-void NodegraphScene::clear()
-{
-    removeAllNodes();
-    selectedNodes.clear();
-    band.end();
-    drag.end();
-    nodeCounter = 0;
-    setCurrentNode(nullptr);
-    QGraphicsScene::clear();
-    band.renew();
-}
-
-void NodegraphScene::copyNodes() { clipboard.copy(); }
-
-void NodegraphScene::cutNodes() { clipboard.cut(); }
-
-void NodegraphScene::pasteNodes() { clipboard.paste(pointerPosition()); }
-
-void NodegraphScene::saveSceneToFile(QDataStream &stream) { records.write(stream); }
-
-void NodegraphScene::loadSceneFromFile(QDataStream &stream)
-{
-    records.read(stream);
-    frameSelectedNodes();
 }
 
 void NodegraphScene::frameSelectedNodes()
@@ -318,4 +419,91 @@ void NodegraphScene::frameSelectedNodes()
         bounds.adjust(-framingMargin, -framingMargin, framingMargin, framingMargin);
     emit s_frameView(bounds);
     qInfo() << "Calculating bounds";
+}
+
+// Mouse, keyboard and screen
+
+void NodegraphScene::sl_lastMousePos(QPointF pos) { parts->mouse = pos; }
+
+// Lines follow a dragged node through its socket signals; there is nothing else to do.
+void NodegraphScene::sl_nodeMove(Node *) {}
+
+void NodegraphScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
+{
+    parts->drag.end(); // a second button during a drag leaves nothing of the first behind
+    sl_deselectCurrentNode();
+    if (event->button() == Qt::LeftButton) {
+        if (itemUnder(*this, *event)) {
+            parts->band.stop();
+        } else {
+            selectedNodes.clear();
+            parts->band.begin(event->scenePos());
+        }
+    }
+    QGraphicsScene::mousePressEvent(event);
+}
+
+void NodegraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
+{
+    if (parts->drag.isByLine())
+        sl_socketClickDrag();
+    if (parts->band.isActive()) {
+        parts->band.stretchTo(event->scenePos());
+        parts->band.catchFrom(nodes, selectedNodes);
+    }
+    // The framework repaints for a band or line only where it is and was in the view, and reckons that in
+    // whole numbers: at the scale of a damaged file's places it reckons wrongly.
+    if (parts->band.isActive() || parts->drag.hasLine())
+        update();
+    for (Node *node : selectedNodes)
+        node->reportSocketPlaces();
+    QGraphicsScene::mouseMoveEvent(event);
+}
+
+void NodegraphScene::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
+{
+    parts->drag.removeLine(); // first, so that it cannot be what lies under the mouse
+    if (auto *socket = dynamic_cast<Socket *>(itemUnder(*this, *event)))
+        sl_manualNodeConnect(socket);
+    parts->drag.end();
+    parts->band.end();
+    update(); // after a scroll or a zoom in its midst, the framework does not know where the band was painted
+    // While nodes are dragged their lines are one step behind; when they are dropped every line must be
+    // exact. That goes for all nodes: what is dragged may have been cut, deselected or joined by new events
+    // since the press.
+    for (Node *node : nodes)
+        node->updateLines();
+    QGraphicsScene::mouseReleaseEvent(event);
+}
+
+// By Tab the framework would go back to the text that was edited last, whatever has become of its event, and
+// the next Tab would be written into it.
+void NodegraphScene::focusInEvent(QFocusEvent *event)
+{
+    const bool isByTab = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    QFocusEvent entered(event->type(), isByTab ? Qt::OtherFocusReason : event->reason());
+    QGraphicsScene::focusInEvent(&entered);
+    if (isByTab)
+        setFocusItem(nullptr);
+}
+
+// The texts are nobody's stops on the way through the window: a Tab would land in the one that was written in
+// last, or in any, and each further one would be written there.
+bool NodegraphScene::focusNextPrevChild(bool) { return false; }
+
+// The items are painted after this. Only the frames of the view count: a picture that is painted for
+// something else changes nothing on the screen.
+void NodegraphScene::drawBackground(QPainter *painter, const QRectF &rect)
+{
+    const QList<QGraphicsView *> all = views();
+    if (!all.isEmpty() && painter->device() == all.first()->viewport())
+        adaptDetail();
+    QGraphicsScene::drawBackground(painter, rect);
+}
+
+void NodegraphScene::adaptDetail()
+{
+    const QList<QGraphicsView *> all = views();
+    if (!all.isEmpty())
+        parts->detail.apply(*all.first(), nodes);
 }

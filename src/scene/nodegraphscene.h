@@ -4,15 +4,6 @@
 #include "items/node.h"
 #include "items/promptscene.h"
 #include "items/socket.h"
-#include "scene/canvasdetail.h"
-#include "scene/clipboard.h"
-#include "scene/connectiondrag.h"
-#include "scene/handout.h"
-#include "scene/massremoval.h"
-#include "scene/nodeindexmap.h"
-#include "scene/rubberband.h"
-#include "scene/scenerecords.h"
-#include "scene/storychain.h"
 
 #include <memory>
 #include <vector>
@@ -26,10 +17,9 @@ Q_MOC_INCLUDE(<QDataStream>)
 
 /// The model of one story graph, one scene a tab: nodes, connections, marks and the story they make.
 ///
-/// The user's edits are never carried out directly. The scene builds an undo command and hands it out through
-/// s_UndoCommandAdded(); whoever pushes it on an undo stack makes it run, and it calls back into the
-/// primitive operations below. All positions are scene coordinates. Created without a parent; whoever makes
-/// the tab ties its life to the tab's view.
+/// The user's edits are handed out as undo commands by s_UndoCommandAdded(), never carried out directly:
+/// pushed on an undo stack they call back into the primitive operations below. All positions are scene
+/// coordinates. Created without a parent; whoever makes the tab ties its life to the tab's view.
 class NodegraphScene : public PromptScene
 {
     Q_OBJECT
@@ -43,53 +33,45 @@ public:
     /// What select all and the rubber band have collected; not the items' own selected state.
     const std::vector<Node *> &getSelectedNodes() const { return selectedNodes; }
     /// The chain from the first event to the end of the story.
-    const std::vector<Node *> &getStory() const { return story.nodes(); }
+    const std::vector<Node *> &getStory() const;
     /// The node that last reported itself pressed, null when there is none.
     Node *currentNode() const { return currentNode_; }
     /// The node that carries the mark, null when there is none.
-    Node *endOfStoryNode() const { return story.end(); }
+    Node *endOfStoryNode() const;
 
-    /// Makes a node for the user: places it behind the current node, if there is one, connects it there and
-    /// hands it the end-of-story mark. A taken index is replaced by the next free one from the counter. The
-    /// description is copied from `data`, which may be null and stays the caller's.
+    /// Makes a node for the user: behind the current one, if there is one, connected to it and with its
+    /// end-of-story mark. A taken index is replaced by a free one; `data`, which may be null, is copied.
     void createNode(QPointF pos, int index, int type, const NodeData *data, const QString &name);
-    /// Adds a node through a command; null if nobody ran it. An `index` of -1 asks for the counter's value.
-    /// `markFrom` is the index of the node that the new one takes the end-of-story mark from, -1 for none.
-    Node *addNodeAt(QPointF pos, int type, int index, int markFrom = -1);
-    /// Makes a node just as told, whichever node is current: for bringing back one that was there before.
+    /// Makes a node just as told, whichever is current: for bringing back one that was there before.
     Node *restoreNode(QPointF pos, int index, int type, const NodeData *data, const QString &name);
+    /// Adds a node by a command, null if nobody ran it; an `index` of -1 asks for the counter's value. The
+    /// mark is taken from the node with the index `markFrom`, -1 for none.
+    Node *addNodeAt(QPointF pos, int type, int index, int markFrom = -1);
     /// Whether that node, which may be gone, is one of this scene's.
-    bool isMember(const Node *node) const { return nodesByIndex.contains(node); }
+    bool isMember(const Node *node) const;
     /// The first node with that index, null if there is none.
     Node *findNodeByIndex(int index) const;
-    /// Feeds the input of `downstream` from the output of `upstream`, replacing what fed it. Nothing happens
-    /// if one is null or if the connection would close a cycle.
+    /// Feeds `downstream` from `upstream` instead of what fed it, unless one is null or a cycle would close.
     void connectNodes(Node *downstream, Node *upstream);
     /// Takes away what feeds the node's input. Null is ignored.
     void disconnectNode(Node *node);
-    /// Whether `upstream` is `downstream` itself or is fed by it over any number of nodes.
-    static bool wouldCloseCycle(const Node *downstream, const Node *upstream);
     /// Cuts the node out of the graph; it is destroyed soon after. Null is ignored.
     void deleteNode(Node *node);
-    /// Deletes the selected nodes, or if none are selected `node`, or if that is null the current node; one
-    /// undo command each.
+    /// Deletes by commands: the selected nodes, or else `node`, or if that is null the current node.
     void deleteSelectedNodes(Node *node);
-
-    /// Shows as much of the events as suits its view now, which else happens with the next frame.
-    void adaptDetail();
 
     /// Computes the story anew and publishes it.
     void updateStory();
-    /// Moves the end-of-story mark to the current node; nothing happens if there is none.
+    /// Moves the end-of-story mark to the current node, if there is one, or to `node`, which is not null.
     void setEndOfStoryNode();
-    /// Moves the mark to `node`, which must not be null.
     void setEndOfStory(Node *node);
     /// Flips the importance of `node`, or of the current node if that is null.
     void toggleImportance(Node *node);
+    /// Shows as much of the events as suits its view now, which else happens with the next frame.
+    void adaptDetail();
 
 signals:
-    /// A new edit; the receiver owns the command and runs it by pushing it. Without any receiver there is no
-    /// edit.
+    /// A new edit: the receiver owns the command and runs it. Without any receiver there is no edit.
     void s_UndoCommandAdded(QUndoCommand *undoCommand);
     void s_frameView(QRectF bounds);
     void s_updateStory(std::vector<Node *>);
@@ -127,46 +109,20 @@ public slots:
 protected:
     void drawBackground(QPainter *painter, const QRectF &rect) override;
     bool focusNextPrevChild(bool next) override;
+    void focusInEvent(QFocusEvent *event) override;
     void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;
-    void focusInEvent(QFocusEvent *event) override;
 
 private:
-    Node *buildNode(QPointF pos, int index, int type, const NodeData *data, const QString &name,
-                    TextMaking making = TextMaking::atOnce);
-    Node *makeForRecord(TextMaking making);
+    Node *buildNode(QPointF pos, int index, int type, const NodeData *data, const QString &name, TextMaking);
     void wireNode(Node *node);
-    int freeIndex(int wanted, const Node *node) const;
     void attachToCurrentNode(Node *newNode);
-    void setCurrentNode(Node *node);
     void forgetNode(Node *node);
-    void removeAllNodes();
-    QPointF pointerPosition() const;
-
-    void emitCommand(std::unique_ptr<QUndoCommand> command);
-    void pushDelNodeCommand(Node *node);
-    void wireLine(ConnectionLine *line, Node *downstream, Node *upstream);
-    void removeInputLine(Node *node);
-
-    QGraphicsItem *itemUnder(const QGraphicsSceneMouseEvent &event) const;
-    void settleMovedLines();
-
-    const HandOut handOut; // given to whoever makes edits in the scene's name
 
     std::vector<Node *> nodes;
     std::vector<Node *> selectedNodes;
-    StoryChain story;
-    QPointF lastMousePos;
     Node *currentNode_ = nullptr;
-    int nodeCounter = 0; // nodes wired since the last clear(); the source of new indices
-
-    NodeIndexMap nodesByIndex;
-    MassRemoval removal{*this};
-    ConnectionDrag drag{*this, handOut};
-    RubberBand band;
-    Clipboard clipboard{*this, removal};
-    SceneRecords records;
-    CanvasDetail detail;
-    bool mouseSeen = false; // lastMousePos means something
+    struct Parts; // each with a state of its own
+    std::unique_ptr<Parts> parts;
 };

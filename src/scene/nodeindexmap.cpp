@@ -47,3 +47,13 @@ bool NodeIndexMap::isTakenByOther(int index, const Node *node) const
     }
     return false;
 }
+
+int NodeIndexMap::freeIndex(int wanted, const Node *node, int counter) const
+{
+    if (!isTakenByOther(wanted, node))
+        return wanted;
+    int candidate = counter;
+    while (isTakenByOther(candidate, node))
+        ++candidate;
+    return candidate;
+}

@@ -25,6 +25,8 @@ public:
     Node *first(int index) const;
     /// Whether a node other than `node` has that index.
     bool isTakenByOther(int index, const Node *node) const;
+    /// The wanted index if no other node has it, else the first free one from `counter` on.
+    int freeIndex(int wanted, const Node *node, int counter) const;
 
 private:
     using Key = std::pair<int, quint64>; // index, age

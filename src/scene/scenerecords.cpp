@@ -1,6 +1,7 @@
 #include "scene/scenerecords.h"
 
 #include "commands/connectnodescommand.h"
+#include "scene/connector.h"
 #include "scene/nodegraphscene.h"
 #include "scene/recordorder.h"
 
@@ -134,7 +135,7 @@ void SceneRecords::connectAll(const std::vector<Node *> &loaded, const QString &
         Node *downstream = scene.findNodeByIndex(node->getIndex());
         const bool isFound = firstWithIndex.contains(upstreamIndex);
         const bool isRefused =
-            isFound && NodegraphScene::wouldCloseCycle(downstream, scene.findNodeByIndex(upstreamIndex));
+            isFound && Connector::wouldCloseCycle(downstream, scene.findNodeByIndex(upstreamIndex));
         if (!isFound || isRefused || downstream != node)
             unfed.push_back(node);
         if (isRefused)

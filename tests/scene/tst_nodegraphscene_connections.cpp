@@ -1,3 +1,4 @@
+#include "scene/connector.h"
 #include "scene/scenetab.h"
 #include "scene/shownscene.h"
 #include "support/testsupport.h"
@@ -260,7 +261,7 @@ void tst_NodegraphSceneConnections::cycleIsRefused()
     tab.scene.setEndOfStory(tab[3]);
     QSignalSpy story(&tab.scene, &NodegraphScene::s_updateStory);
     LogCapture log;
-    QVERIFY(NodegraphScene::wouldCloseCycle(tab.nodes[downstream], tab.nodes[upstream]));
+    QVERIFY(Connector::wouldCloseCycle(tab.nodes[downstream], tab.nodes[upstream]));
     tab.scene.connectNodes(tab.nodes[downstream], tab.nodes[upstream]);
     QVERIFY(log.lines().isEmpty());
     QVERIFY(story.isEmpty());

@@ -53,6 +53,7 @@ private slots:
     void unknownNodesAreIgnored();
     void clearForgetsAll();
     void indexIsTakenByOthersOnly();
+    void aTakenIndexGivesWayToTheNextFreeOne();
     void matchesAWalkThroughTheList_data();
     void matchesAWalkThroughTheList();
 
@@ -169,6 +170,17 @@ void tst_NodeIndexMap::indexIsTakenByOthersOnly()
     QVERIFY(map.isTakenByOther(5, &b));
     map.reindex(&b, 6);
     QVERIFY(!map.isTakenByOther(5, &a));
+}
+
+void tst_NodeIndexMap::aTakenIndexGivesWayToTheNextFreeOne()
+{
+    NodeIndexMap map;
+    map.insert(&a, 5);
+    map.insert(&b, 7);
+    QCOMPARE(map.freeIndex(5, &a, 7), 5); // its own
+    QCOMPARE(map.freeIndex(6, &b, 7), 6);
+    QCOMPARE(map.freeIndex(5, &b, 9), 9);
+    QCOMPARE(map.freeIndex(5, nullptr, 7), 8);
 }
 
 void tst_NodeIndexMap::matchesAWalkThroughTheList_data()

@@ -1,6 +1,9 @@
-#include "scene/nodegraphscene.h"
+#include "scene/connector.h"
 
-#include <QDebug>
+#include "items/connectionline.h"
+#include "items/node.h"
+#include "items/socket.h"
+#include "scene/massremoval.h"
 
 namespace {
 
@@ -22,7 +25,7 @@ void pairSockets(Socket *socket, Socket *partner)
 } // namespace
 
 // Every node has one input at most, so walking up from `upstream` meets every node that could feed it.
-bool NodegraphScene::wouldCloseCycle(const Node *downstream, const Node *upstream)
+bool Connector::wouldCloseCycle(const Node *downstream, const Node *upstream)
 {
     if (!downstream || !upstream)
         return false;
@@ -37,12 +40,8 @@ bool NodegraphScene::wouldCloseCycle(const Node *downstream, const Node *upstrea
     return false;
 }
 
-void NodegraphScene::connectNodes(Node *downstream, Node *upstream)
+ConnectionLine *Connector::join(Node *downstream, Node *upstream)
 {
-    if (!downstream || !upstream || wouldCloseCycle(downstream, upstream))
-        return;
-    if (downstream->hasInput())
-        disconnectNode(downstream);
     downstream->setPrevNode(upstream);
     upstream->addNextNode(downstream);
     downstream->setHasInput(true);
@@ -50,28 +49,18 @@ void NodegraphScene::connectNodes(Node *downstream, Node *upstream)
 
     auto *line =
         new ConnectionLine(downstream->inSocket()->sceneCentre(), upstream->outSocket()->sceneCentre());
-    removal.bringIn(line);
-    wireLine(line, downstream, upstream);
-    downstream->setPrevIndex(upstream->getIndex());
-    updateStory();
-    qInfo() << "Connected node " << downstream->getIndex() << " to " << upstream->getIndex();
-}
-
-void NodegraphScene::wireLine(ConnectionLine *line, Node *downstream, Node *upstream)
-{
-    connect(downstream, SIGNAL(s_inSocketMove(QPointF)), line, SLOT(sl_setStart(QPointF)));
+    lines.bringIn(line);
+    QObject::connect(downstream, SIGNAL(s_inSocketMove(QPointF)), line, SLOT(sl_setStart(QPointF)));
     downstream->setInLine(line);
-    connect(upstream, SIGNAL(s_outSocketMove(QPointF)), line, SLOT(sl_setEnd(QPointF)));
+    QObject::connect(upstream, SIGNAL(s_outSocketMove(QPointF)), line, SLOT(sl_setEnd(QPointF)));
     line->setSockets(downstream->inSocket(), upstream->outSocket());
     line->setVisible(downstream->isVisible() && upstream->isVisible()); // a cut node hides its lines too
-    connect(line, SIGNAL(s_clicked(ConnectionLine*,int)), this,
-                         SLOT(sl_connectionLineClicked(ConnectionLine*,int)));
+    downstream->setPrevIndex(upstream->getIndex());
+    return line;
 }
 
-void NodegraphScene::disconnectNode(Node *node)
+void Connector::part(Node *node)
 {
-    if (!node)
-        return;
     if (node->hasInput()) {
         Node *upstream = node->prevNode();
         pairSockets(node->inSocket(), nullptr);
@@ -84,23 +73,20 @@ void NodegraphScene::disconnectNode(Node *node)
     node->setPrevNode(nullptr);
     removeInputLine(node);
     node->setHasInput(false);
-    updateStory();
-    qInfo() << "Disconnected node " << node->getIndex();
 }
 
 /// Takes the line out at once; it dies later, because this may be running inside the line's own press.
-void NodegraphScene::removeInputLine(Node *node)
+void Connector::removeInputLine(Node *node)
 {
     ConnectionLine *line = node->inLine();
     if (!line)
         return;
     node->setInLine(nullptr);
-    line->disconnect(this);
     node->disconnect(line);
     if (auto *socket = line->outputSocket()) {
         if (auto *upstream = dynamic_cast<Node *>(socket->parentItem()))
             upstream->disconnect(line);
     }
-    removal.takeOut(line);
+    lines.takeOut(line);
     line->deleteLater();
 }

@@ -1,0 +1,52 @@
+#include "scene/nodedeletion.h"
+
+#include "commands/delnodecommand.h"
+#include "scene/massremoval.h"
+#include "scene/nodegraphscene.h"
+
+#include <QDebug>
+
+NodeDeletion::NodeDeletion(NodegraphScene &graph, MassRemoval &together, HandOut out)
+    : scene(graph), removal(together), handOut(std::move(out))
+{}
+
+void NodeDeletion::deleteSelected(Node *node)
+{
+    if (!node) {
+        node = scene.currentNode();
+        if (!node && scene.getSelectedNodes().empty())
+            return;
+        scene.sl_deselectCurrentNode();
+    }
+    if (scene.getSelectedNodes().empty()) {
+        deleteByCommand(node);
+        return;
+    }
+    const MassRemoval::Together together(removal);
+    const std::vector<Node *> selection = scene.getSelectedNodes();
+    for (const Node *selected : selection) {
+        if (scene.isMember(selected))
+            deleteByCommand(selected);
+    }
+}
+
+void NodeDeletion::deleteAll()
+{
+    const MassRemoval::Together together(removal);
+    const std::vector<Node *> all = scene.getNodes();
+    for (Node *node : all) {
+        if (!scene.isMember(node)) // the first deletion takes the whole selection with it
+            continue;
+        qInfo() << "clearing scene";
+        deleteSelected(node);
+    }
+    while (!scene.getNodes().empty()) // nobody took the commands
+        scene.deleteNode(scene.getNodes().back());
+}
+
+void NodeDeletion::deleteByCommand(const Node *node)
+{
+    qInfo() << "Del";
+    handOut(std::make_unique<DelNodeCommand>(&scene, node->pos(), node->getIndex(), node->payload(),
+                                             node->title()));
+}
