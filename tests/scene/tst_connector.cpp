@@ -1,6 +1,7 @@
 #include "scene/connector.h"
 
 #include "items/node.h"
+#include "items/promptscene.h"
 #include "scene/massremoval.h"
 #include "scene/shownscene.h"
 #include "support/testsupport.h"
@@ -14,7 +15,7 @@ namespace {
 /// Four events on a canvas that knows nothing of them.
 struct Wires
 {
-    QGraphicsScene canvas;
+    PromptScene canvas;
     MassRemoval lines{canvas};
     Connector connector{lines};
     Nodes nodes;
