@@ -40,17 +40,17 @@ StoryWindow::StoryWindow() : main(new MainWindow)
 
 StoryWindow::~StoryWindow() { delete main; }
 
-NodegraphView *StoryWindow::view() const { return main->getViews().front(); }
+NodegraphView *StoryWindow::view() const { return main->views().front(); }
 
 NodegraphScene *StoryWindow::scene() const { return view()->nodegraphScene(); }
 
-OverViewerScene *StoryWindow::panel() const { return main->getOverviewerScene(); }
+OverViewerScene *StoryWindow::panel() const { return main->overviewerScene(); }
 
 QGraphicsView *StoryWindow::panelView() const { return panel()->views().first(); }
 
 Node *StoryWindow::node(double part) const
 {
-    const std::vector<Node *> &nodes = scene()->getNodes();
+    const std::vector<Node *> &nodes = scene()->nodes();
     return nodes.at(std::size_t(part * double(nodes.size() - 1)));
 }
 
@@ -58,13 +58,13 @@ void StoryWindow::show()
 {
     canvasPaints = 0;
     panelPaints = 0;
-    if (!main->getViews().empty())
+    if (!main->views().empty())
         view()->viewport()->installEventFilter(this); // the last one installed; twice is once
     QApplication::sendPostedEvents();
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QApplication::processEvents();
     // Whatever was not changed is painted all the same, so that each figure holds both.
-    if (canvasPaints == 0 && !main->getViews().empty())
+    if (canvasPaints == 0 && !main->views().empty())
         view()->viewport()->repaint();
     if (panelPaints == 0)
         panelView()->viewport()->repaint();

@@ -128,7 +128,7 @@ void Works::edits()
     story->lookAt(last);
     const auto selectLast = [scene] {
         scene->deselectAll();
-        scene->sl_selectCurrentNode(scene->getNodes().back());
+        scene->sl_selectCurrentNode(scene->nodes().back());
     };
     selectLast();
     addPair(

@@ -37,7 +37,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent)
     ui = std::make_unique<Ui::MainWindow>();
     ui->setupUi(this);
     setupOverviewer();
-    tabs = std::make_unique<StoryTabs>(ui->Nodegraph, overviewerScene);
+    tabs = std::make_unique<StoryTabs>(ui->Nodegraph, overviewerScene_);
     sceneDocument = std::make_unique<SceneDocument>(*tabs);
     addNodeGraphTab();
     connect(ui->AddNodeGraph_tool_button, &QAbstractButton::clicked, this, &MainWindow::addNodeGraphTab);
@@ -57,7 +57,7 @@ void MainWindow::setupOverviewer()
 {
     auto *panel = new QGraphicsView;
     auto *scene = new OverViewerScene;
-    overviewerScene = scene;
+    overviewerScene_ = scene;
     panel->setViewport(new PanelViewport);
     panel->setScene(scene);
     panel->setViewportUpdateMode(
@@ -114,9 +114,9 @@ void MainWindow::startAutosave()
     timer->start(autosaveInterval);
 }
 
-QString MainWindow::getCurrentFilePath() const { return sceneDocument->path(); }
+QString MainWindow::currentFilePath() const { return sceneDocument->path(); }
 
-const std::vector<NodegraphView *> &MainWindow::getViews() const { return tabs->views(); }
+const std::vector<NodegraphView *> &MainWindow::views() const { return tabs->views(); }
 
 void MainWindow::saveTo(const QString &path) { sceneDocument->saveTo(path); }
 
@@ -131,15 +131,19 @@ QString MainWindow::askForSavePath()
     return QFileDialog::getSaveFileName(this, tr("Save Scene"), QString(), tr("Scene Files (*.scene)"));
 }
 
-void MainWindow::sl_saveFile()
+void MainWindow::sl_saveFile() { save(); }
+
+void MainWindow::sl_saveAsFile() { saveAs(); }
+
+void MainWindow::save()
 {
     if (sceneDocument->path().isEmpty())
-        sl_saveAsFile();
+        saveAs();
     else
         saveTo(sceneDocument->path());
 }
 
-void MainWindow::sl_saveAsFile()
+void MainWindow::saveAs()
 {
     const QString path = askForSavePath();
     if (path.isEmpty())
@@ -167,7 +171,7 @@ void MainWindow::closeTab(int index)
     if (answer == QMessageBox::Cancel)
         return;
     if (answer == QMessageBox::Yes)
-        sl_saveFile();
+        save();
     if (closing)
         tabs->close(closing);
 }
@@ -178,7 +182,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
         this, tr("Save Changes"),
         tr("The file has unsaved changes. Do you want to save them before closing?"), answers);
     if (answer == QMessageBox::Yes)
-        sl_saveFile();
+        save();
     event->setAccepted(answer != QMessageBox::Cancel);
 }
 
@@ -186,7 +190,7 @@ void MainWindow::addEventNode()
 {
     if (NodegraphView *view = tabs->current()) {
         qInfo() << "Undoing"; // the same line as for undo, and for a change of tabs
-        view->nodegraphScene()->sl_addEventNode();
+        view->nodegraphScene()->addEvent();
     }
 }
 
@@ -252,13 +256,13 @@ void MainWindow::sl_delete()
     if (!view)
         return;
     NodegraphScene *scene = view->nodegraphScene();
-    const bool many = scene->getSelectedNodes().size() > 1;
+    const bool many = scene->selectedNodes().size() > 1;
     if (many)
         tabs->hideStoryOf(scene);
     scene->deleteSelectedNodes(nullptr);
     if (many) {
         tabs->showStoryOf(scene);
-        overviewerScene->showStory(scene->getStory());
+        overviewerScene_->showStory(scene->story());
     }
 }
 

@@ -38,11 +38,11 @@ public:
     void loadFrom(const QString &path);
 
     /// The document's path, empty while it has none.
-    QString getCurrentFilePath() const;
+    QString currentFilePath() const;
     /// The tabs' views in the order of their creation, which is the order in which they are saved.
-    const std::vector<NodegraphView *> &getViews() const;
+    const std::vector<NodegraphView *> &views() const;
     /// The panel; lives as long as this window.
-    OverViewerScene *getOverviewerScene() const { return overviewerScene; }
+    OverViewerScene *overviewerScene() const { return overviewerScene_; }
 
 public slots:
     void addEventNode();
@@ -80,9 +80,11 @@ private:
     void connectCommands();
     void startAutosave();
     QString askForSavePath();
+    void save();
+    void saveAs();
     void setZoom(double scale);
 
-    OverViewerScene *overviewerScene = nullptr; // goes with the panel's view
+    OverViewerScene *overviewerScene_ = nullptr; // goes with the panel's view
     std::unique_ptr<Ui::MainWindow> ui;
     std::unique_ptr<StoryTabs> tabs;
     std::unique_ptr<SceneDocument> sceneDocument;

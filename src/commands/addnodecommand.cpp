@@ -27,7 +27,7 @@ void AddNodeCommand::addFirst()
 {
     const Node *formerEnd = scene->endOfStoryNode();
     scene->createNode(pos, index, type, nullptr, name);
-    const Node *node = scene->getNodes().back();
+    const Node *node = scene->nodes().back();
     index = node->getIndex();
     rememberFormerEnd(formerEnd, node);
 }

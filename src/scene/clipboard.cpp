@@ -175,7 +175,7 @@ void Clipboard::copy()
         qInfo() << "Copying node " << current->getIndex();
         sources.push_back(current);
     } else {
-        sources = scene.getSelectedNodes();
+        sources = scene.selectedNodes();
     }
 }
 

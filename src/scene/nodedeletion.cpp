@@ -14,16 +14,16 @@ void NodeDeletion::deleteSelected(Node *node)
 {
     if (!node) {
         node = scene.currentNode();
-        if (!node && scene.getSelectedNodes().empty())
+        if (!node && scene.selectedNodes().empty())
             return;
-        scene.sl_deselectCurrentNode();
+        scene.setCurrentNode(nullptr);
     }
-    if (scene.getSelectedNodes().empty()) {
+    if (scene.selectedNodes().empty()) {
         deleteByCommand(node);
         return;
     }
     const MassRemoval::Together together(removal);
-    const std::vector<Node *> selection = scene.getSelectedNodes();
+    const std::vector<Node *> selection = scene.selectedNodes();
     for (const Node *selected : selection) {
         if (scene.isMember(selected))
             deleteByCommand(selected);
@@ -33,15 +33,15 @@ void NodeDeletion::deleteSelected(Node *node)
 void NodeDeletion::deleteAll()
 {
     const MassRemoval::Together together(removal);
-    const std::vector<Node *> all = scene.getNodes();
+    const std::vector<Node *> all = scene.nodes();
     for (Node *node : all) {
         if (!scene.isMember(node)) // the first deletion takes the whole selection with it
             continue;
         qInfo() << "clearing scene";
         deleteSelected(node);
     }
-    while (!scene.getNodes().empty()) // nobody took the commands
-        scene.deleteNode(scene.getNodes().back());
+    while (!scene.nodes().empty()) // nobody took the commands
+        scene.deleteNode(scene.nodes().back());
 }
 
 void NodeDeletion::deleteByCommand(const Node *node)

@@ -94,7 +94,7 @@ NodegraphScene::~NodegraphScene()
 {
     // The base would take the items out from the front.
     std::vector<QGraphicsItem *> all;
-    for (Node *node : nodes) {
+    for (Node *node : nodes_) {
         all.push_back(node);
         if (ConnectionLine *line = node->inLine())
             all.push_back(line);
@@ -107,7 +107,7 @@ NodegraphScene::~NodegraphScene()
     qDeleteAll(all);
 }
 
-const std::vector<Node *> &NodegraphScene::getStory() const { return parts->story.nodes(); }
+const std::vector<Node *> &NodegraphScene::story() const { return parts->story.nodes(); }
 
 Node *NodegraphScene::endOfStoryNode() const { return parts->story.end(); }
 
@@ -117,15 +117,17 @@ Node *NodegraphScene::findNodeByIndex(int index) const { return parts->nodesByIn
 
 // Making nodes
 
-void NodegraphScene::sl_addEventNode()
+void NodegraphScene::sl_addEventNode() { addEvent(); }
+
+void NodegraphScene::addEvent()
 {
-    const bool wasEmpty = nodes.empty();
+    const bool wasEmpty = nodes_.empty();
     Node *added = addNodeAt(placeOfPointer(*this, parts->mouse), 0, -1);
     if (!added)
         return;
     // The first event of a canvas has nothing to attach to; as the current node it starts the chain.
     if (wasEmpty) {
-        sl_selectCurrentNode(added);
+        setCurrentNode(added);
         added->setSelected(true);
     }
     bringIntoSight(*this, added->sceneBoundingRect());
@@ -133,13 +135,13 @@ void NodegraphScene::sl_addEventNode()
 
 Node *NodegraphScene::addNodeAt(QPointF pos, int type, int index, int markFrom)
 {
-    const std::size_t before = nodes.size();
+    const std::size_t before = nodes_.size();
     const int wanted = index == -1 ? parts->nodeCounter : index;
     auto command = std::make_unique<AddNodeCommand>(this, pos, wanted, type, QString());
     if (markFrom != -1)
         command->willTakeMarkFrom(markFrom);
     parts->handOut(std::move(command));
-    return nodes.size() == before ? nullptr : nodes.back(); // it may have got another index
+    return nodes_.size() == before ? nullptr : nodes_.back(); // it may have got another index
 }
 
 void NodegraphScene::createNode(QPointF pos, int index, int type, const NodeData *data, const QString &name)
@@ -161,18 +163,6 @@ Node *NodegraphScene::buildNode(QPointF pos, int index, int type, const NodeData
 {
     auto *node = new Node(type, making);
     parts->removal.bringIn(node);
-    wireNode(node);
-    node->placeAt(pos);
-    if (!name.isEmpty())
-        node->setNodeName(name);
-    if (data)
-        node->copyDataFrom(data);
-    node->setIndex(parts->nodesByIndex.freeIndex(index, node, parts->nodeCounter));
-    return node;
-}
-
-void NodegraphScene::wireNode(Node *node)
-{
     connect(node, SIGNAL(s_selected(Node*)), this, SLOT(sl_selectCurrentNode(Node*)));
     connect(node, SIGNAL(s_moving(Node*)), this, SLOT(sl_nodeMove(Node*)));
     connect(node, SIGNAL(s_socketClick(int,QPointF)), this, SLOT(sl_socketClick(int,QPointF)));
@@ -180,9 +170,16 @@ void NodegraphScene::wireNode(Node *node)
     connect(node, SIGNAL(s_changed(Node*)), this, SLOT(sl_nodeChanged(Node*)));
     connect(node, SIGNAL(s_indexChanged(Node*,int)), this, SLOT(sl_nodeIndexChanged(Node*,int)));
     connect(node, SIGNAL(s_importanceChanged(Node*,bool)), this, SLOT(sl_importanceChanged(Node*,bool)));
-    nodes.push_back(node);
+    nodes_.push_back(node);
     parts->nodesByIndex.insert(node, node->getIndex());
     ++parts->nodeCounter;
+    node->placeAt(pos);
+    if (!name.isEmpty())
+        node->setNodeName(name);
+    if (data)
+        node->copyDataFrom(data);
+    node->setIndex(parts->nodesByIndex.freeIndex(index, node, parts->nodeCounter));
+    return node;
 }
 
 void NodegraphScene::attachToCurrentNode(Node *newNode)
@@ -194,11 +191,11 @@ void NodegraphScene::attachToCurrentNode(Node *newNode)
         if (current == endOfStoryNode())
             setEndOfStory(newNode);
         current->setSelected(false);
-        sl_selectCurrentNode(newNode);
+        setCurrentNode(newNode);
         newNode->setSelected(true);
     }
     Node *only = newNode ? newNode : currentNode_;
-    if (nodes.size() == 1 && only)
+    if (nodes_.size() == 1 && only)
         setEndOfStory(only);
 }
 
@@ -268,7 +265,7 @@ void NodegraphScene::deleteNode(Node *node)
 /// The one place where a dying node leaves everything that the scene remembers.
 void NodegraphScene::forgetNode(Node *node)
 {
-    for (std::vector<Node *> *list : {&nodes, &selectedNodes}) {
+    for (std::vector<Node *> *list : {&nodes_, &selectedNodes_}) {
         const auto found = std::find(list->begin(), list->end(), node);
         if (found != list->end())
             list->erase(found);
@@ -276,7 +273,7 @@ void NodegraphScene::forgetNode(Node *node)
     parts->nodesByIndex.remove(node);
     parts->clipboard.forget(node);
     if (currentNode_ == node)
-        sl_deselectCurrentNode();
+        setCurrentNode(nullptr);
     parts->story.forget(node);
     parts->drag.forget(node);
 }
@@ -284,11 +281,11 @@ void NodegraphScene::forgetNode(Node *node)
 void NodegraphScene::clear()
 {
     parts->deletion.deleteAll();
-    selectedNodes.clear();
+    selectedNodes_.clear();
     parts->band.end();
     parts->drag.end();
     parts->nodeCounter = 0;
-    sl_deselectCurrentNode();
+    setCurrentNode(nullptr);
     QGraphicsScene::clear();
     parts->band.renew();
 }
@@ -303,7 +300,7 @@ void NodegraphScene::updateStory()
     // Emptying a graph changes its story with every event; if nobody listens it need not be known each time.
     static const QMetaMethod published = QMetaMethod::fromSignal(&NodegraphScene::s_updateStory);
     if (isSignalConnected(published))
-        emit s_updateStory(getStory());
+        emit s_updateStory(story());
 }
 
 void NodegraphScene::setEndOfStoryNode()
@@ -332,7 +329,7 @@ void NodegraphScene::toggleImportance(Node *node)
 void NodegraphScene::sl_nodeChanged(Node *node)
 {
     // Copied: whoever hears of the change may make the story change.
-    const auto occurrences = std::count(getStory().begin(), getStory().end(), node);
+    const auto occurrences = std::count(story().begin(), story().end(), node);
     for (auto i = occurrences; i > 0; --i)
         emit s_updateNode(node);
 }
@@ -378,29 +375,30 @@ void NodegraphScene::loadSceneFromFile(QDataStream &stream)
 
 // Current and selected nodes
 
-/// The only one to say which node is current. None is current as soon as the mouse is pressed, and the press
-/// itself decides about the keyboard.
-void NodegraphScene::sl_selectCurrentNode(Node *node)
+void NodegraphScene::sl_selectCurrentNode(Node *node) { setCurrentNode(node); }
+
+void NodegraphScene::sl_deselectCurrentNode() { setCurrentNode(nullptr); }
+
+// None is current as soon as the mouse is pressed, and the press itself decides about the keyboard.
+void NodegraphScene::setCurrentNode(Node *node)
 {
     currentNode_ = node;
     if (node)
         leaveTextsBut(*this, node);
 }
 
-void NodegraphScene::sl_deselectCurrentNode() { sl_selectCurrentNode(nullptr); }
-
 void NodegraphScene::selectAll()
 {
-    selectedNodes.clear();
-    for (Node *node : nodes)
+    selectedNodes_.clear();
+    for (Node *node : nodes_)
         node->setSelected(true);
-    selectedNodes = nodes;
+    selectedNodes_ = nodes_;
 }
 
 void NodegraphScene::deselectAll()
 {
-    selectedNodes.clear();
-    for (Node *node : nodes)
+    selectedNodes_.clear();
+    for (Node *node : nodes_)
         node->setSelected(false);
 }
 
@@ -411,7 +409,7 @@ void NodegraphScene::frameSelectedNodes()
     if (currentNode_) {
         bounds = sceneRectOf(currentNode_);
     } else {
-        const std::vector<Node *> &framed = selectedNodes.empty() ? nodes : selectedNodes;
+        const std::vector<Node *> &framed = selectedNodes_.empty() ? nodes_ : selectedNodes_;
         for (const Node *node : framed)
             bounds |= sceneRectOf(node);
     }
@@ -431,12 +429,12 @@ void NodegraphScene::sl_nodeMove(Node *) {}
 void NodegraphScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
 {
     parts->drag.end(); // a second button during a drag leaves nothing of the first behind
-    sl_deselectCurrentNode();
+    setCurrentNode(nullptr);
     if (event->button() == Qt::LeftButton) {
         if (itemUnder(*this, *event)) {
             parts->band.stop();
         } else {
-            selectedNodes.clear();
+            selectedNodes_.clear();
             parts->band.begin(event->scenePos());
         }
     }
@@ -446,16 +444,16 @@ void NodegraphScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
 void NodegraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
 {
     if (parts->drag.isByLine())
-        sl_socketClickDrag();
+        parts->drag.moveTo(parts->mouse.value_or(QPointF()));
     if (parts->band.isActive()) {
         parts->band.stretchTo(event->scenePos());
-        parts->band.catchFrom(nodes, selectedNodes);
+        parts->band.catchFrom(nodes_, selectedNodes_);
     }
     // The framework repaints for a band or line only where it is and was in the view, and reckons that in
     // whole numbers: at the scale of a damaged file's places it reckons wrongly.
     if (parts->band.isActive() || parts->drag.hasLine())
         update();
-    for (Node *node : selectedNodes)
+    for (Node *node : selectedNodes_)
         node->reportSocketPlaces();
     QGraphicsScene::mouseMoveEvent(event);
 }
@@ -464,14 +462,14 @@ void NodegraphScene::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
 {
     parts->drag.removeLine(); // first, so that it cannot be what lies under the mouse
     if (auto *socket = dynamic_cast<Socket *>(itemUnder(*this, *event)))
-        sl_manualNodeConnect(socket);
+        parts->drag.dropOn(socket);
     parts->drag.end();
     parts->band.end();
     update(); // after a scroll or a zoom in its midst, the framework does not know where the band was painted
     // While nodes are dragged their lines are one step behind; when they are dropped every line must be
     // exact. That goes for all nodes: what is dragged may have been cut, deselected or joined by new events
     // since the press.
-    for (Node *node : nodes)
+    for (Node *node : nodes_)
         node->updateLines();
     QGraphicsScene::mouseReleaseEvent(event);
 }
@@ -505,5 +503,5 @@ void NodegraphScene::adaptDetail()
 {
     const QList<QGraphicsView *> all = views();
     if (!all.isEmpty())
-        parts->detail.apply(*all.first(), nodes);
+        parts->detail.apply(*all.first(), nodes_);
 }

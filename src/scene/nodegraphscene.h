@@ -29,16 +29,19 @@ public:
     ~NodegraphScene() override;
 
     /// All nodes in the order of their creation; owned by this scene.
-    const std::vector<Node *> &getNodes() const { return nodes; }
+    const std::vector<Node *> &nodes() const { return nodes_; }
     /// What select all and the rubber band have collected; not the items' own selected state.
-    const std::vector<Node *> &getSelectedNodes() const { return selectedNodes; }
-    /// The chain from the first event to the end of the story.
-    const std::vector<Node *> &getStory() const;
+    const std::vector<Node *> &selectedNodes() const { return selectedNodes_; }
+    const std::vector<Node *> &story() const; // from the first event to the end
     /// The node that last reported itself pressed, null when there is none.
     Node *currentNode() const { return currentNode_; }
+    /// The only one to say which node is current; null makes none so.
+    void setCurrentNode(Node *node);
     /// The node that carries the mark, null when there is none.
     Node *endOfStoryNode() const;
 
+    /// Adds an event where the pointer is and brings it into sight, as the user's command does.
+    void addEvent();
     /// Makes a node for the user: behind the current one, if there is one, connected to it and with its
     /// end-of-story mark. A taken index is replaced by a free one; `data`, which may be null, is copied.
     void createNode(QPointF pos, int index, int type, const NodeData *data, const QString &name);
@@ -53,8 +56,7 @@ public:
     Node *findNodeByIndex(int index) const;
     /// Feeds `downstream` from `upstream` instead of what fed it, unless one is null or a cycle would close.
     void connectNodes(Node *downstream, Node *upstream);
-    /// Takes away what feeds the node's input. Null is ignored.
-    void disconnectNode(Node *node);
+    void disconnectNode(Node *node); // takes away what feeds its input; null is ignored
     /// Cuts the node out of the graph; it is destroyed soon after. Null is ignored.
     void deleteNode(Node *node);
     /// Deletes by commands: the selected nodes, or else `node`, or if that is null the current node.
@@ -116,12 +118,11 @@ protected:
 
 private:
     Node *buildNode(QPointF pos, int index, int type, const NodeData *data, const QString &name, TextMaking);
-    void wireNode(Node *node);
     void attachToCurrentNode(Node *newNode);
     void forgetNode(Node *node);
 
-    std::vector<Node *> nodes;
-    std::vector<Node *> selectedNodes;
+    std::vector<Node *> nodes_;
+    std::vector<Node *> selectedNodes_;
     Node *currentNode_ = nullptr;
     struct Parts; // each with a state of its own
     std::unique_ptr<Parts> parts;

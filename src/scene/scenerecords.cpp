@@ -68,7 +68,7 @@ SceneRecords::SceneRecords(NodegraphScene &graph, NodeMaking making, HandOut out
 
 void SceneRecords::write(QDataStream &stream) const
 {
-    const std::vector<Node *> &nodes = scene.getNodes();
+    const std::vector<Node *> &nodes = scene.nodes();
     qInfo() << "Nodes to save" << nodes.size();
     stream << qint32(nodes.size());
     std::vector<int> indices;

@@ -95,7 +95,7 @@ Node *CanvasKeys::nextNode(const Node *from, QPoint direction) const
         return end;
     Node *nearest = nullptr;
     double least = std::numeric_limits<double>::max();
-    for (Node *node : scene->getNodes()) {
+    for (Node *node : scene->nodes()) {
         if (node == from || !node->isVisible())
             continue;
         const QPointF way = from ? centreOf(node) - centreOf(from) : centreOf(node);
@@ -116,7 +116,7 @@ void CanvasKeys::makeCurrent(Node *node)
 {
     NodegraphScene *scene = view->nodegraphScene();
     scene->deselectAll();
-    scene->sl_selectCurrentNode(node);
+    scene->setCurrentNode(node);
     node->setSelected(true);
     bringIntoSight(node);
 }

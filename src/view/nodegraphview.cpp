@@ -67,7 +67,7 @@ void NodegraphView::sl_undoCommandAdded(QUndoCommand *undoCommand) { undoStack_-
 void NodegraphView::zoomAt(double factor, const QPointF &scenePos)
 {
     scale(factor, factor);
-    zoomDivisor /= factor;
+    zoomDivisor_ /= factor;
     translate(panAnchor.x() - scenePos.x(), panAnchor.y() - scenePos.y());
     // What the canvas is shifted by adds up, and after hours of zooming the scroll bars would run out of
     // numbers. It shows nowhere: they make up for it.
@@ -183,9 +183,9 @@ void NodegraphView::pan(const QPoint &position)
     const QPointF distance = mapToScene(position) - mapToScene(panAnchor.toPoint());
     panAnchor = position;
     horizontalScrollBar()->setValue(
-        scrollValue(horizontalScrollBar()->value() - panSpeed * distance.x() / zoomDivisor));
+        scrollValue(horizontalScrollBar()->value() - panSpeed * distance.x() / zoomDivisor_));
     verticalScrollBar()->setValue(
-        scrollValue(verticalScrollBar()->value() - panSpeed * distance.y() / zoomDivisor));
+        scrollValue(verticalScrollBar()->value() - panSpeed * distance.y() / zoomDivisor_));
 }
 
 void NodegraphView::mouseReleaseEvent(QMouseEvent *event)

@@ -26,8 +26,8 @@ public:
     QUndoStack *undoStack() const { return undoStack_; }
     void setUndoStack(QUndoStack *stack) { undoStack_ = stack; }
 
-    double getZoomDivisor() const { return zoomDivisor; }
-    void setZoomDivisor(double divisor) { zoomDivisor = divisor; }
+    double zoomDivisor() const { return zoomDivisor_; }
+    void setZoomDivisor(double divisor) { zoomDivisor_ = divisor; }
     /// Scales by `factor` and shifts by what separates the pan anchor from `scenePos`.
     void zoomAt(double factor, const QPointF &scenePos);
 
@@ -62,8 +62,8 @@ private:
     void watchRightButton(Qt::MouseButtons held);
     void endPan();
 
-    double zoomDivisor = 1.0; // reciprocal of the zoom by wheel and pinch since it was last set
-    QPointF panAnchor;        // viewport coordinates, (0, 0) while nobody pans
+    double zoomDivisor_ = 1.0; // reciprocal of the zoom by wheel and pinch since it was last set
+    QPointF panAnchor;         // viewport coordinates, (0, 0) while nobody pans
     int panSpeed = 1;
     NodegraphScene *nodegraphScene_ = nullptr;
     QUndoStack *undoStack_ = nullptr;

@@ -119,8 +119,8 @@ public:
 
     QByteArray bytes()
     {
-        QByteArray all = intBytes(int(mainWindow->getViews().size()));
-        for (const NodegraphView *view : mainWindow->getViews()) {
+        QByteArray all = intBytes(int(mainWindow->views().size()));
+        for (const NodegraphView *view : mainWindow->views()) {
             QBuffer block;
             block.open(QIODevice::WriteOnly);
             DocumentStream stream(&block);
@@ -164,7 +164,7 @@ private:
         warnings.take();
         mainWindow->loadFrom(path);
         flushDeferredDeletes();
-        if (mainWindow->getCurrentFilePath() != path)
+        if (mainWindow->currentFilePath() != path)
             return QStringLiteral("the opened file is not the document");
         Lines wanted;
         for (const DocumentModel::Tab &tab : expected.tabs)
@@ -225,7 +225,7 @@ private:
 
     NodegraphScene *currentScene()
     {
-        if (mainWindow->getViews().empty())
+        if (mainWindow->views().empty())
             mainWindow->addNodeGraphTab();
         return dynamic_cast<NodegraphView *>(tabsOf(*mainWindow)->currentWidget())->nodegraphScene();
     }
@@ -242,12 +242,12 @@ private:
     {
         NodegraphScene *scene = currentScene();
         const Lines before = lines();
-        const std::size_t count = scene->getNodes().size();
+        const std::size_t count = scene->nodes().size();
         mainWindow->addEventNode();
-        if (scene->getNodes().size() != count + 1)
+        if (scene->nodes().size() != count + 1)
             return QStringLiteral("no event was added");
-        const int index = scene->getNodes().back()->getIndex();
-        if (scene->findNodeByIndex(index) != scene->getNodes().back())
+        const int index = scene->nodes().back()->getIndex();
+        if (scene->findNodeByIndex(index) != scene->nodes().back())
             return QStringLiteral("the added event took the index %1 of another").arg(index);
         const Lines added = lines();
         mainWindow->sl_undo();
@@ -283,14 +283,14 @@ private:
     QString deleteAndUndo()
     {
         NodegraphScene *scene = currentScene();
-        if (scene->getNodes().empty())
+        if (scene->nodes().empty())
             return {};
         const Lines before = linesForDeleting();
-        const std::size_t count = scene->getNodes().size();
-        scene->sl_selectCurrentNode(scene->getNodes()[count / 2]);
+        const std::size_t count = scene->nodes().size();
+        scene->sl_selectCurrentNode(scene->nodes()[count / 2]);
         mainWindow->sl_delete();
         flushDeferredDeletes();
-        if (scene->getNodes().size() != count - 1)
+        if (scene->nodes().size() != count - 1)
             return QStringLiteral("no event was deleted");
         mainWindow->sl_undo();
         const QString problem = difference(before, linesForDeleting(), "deletion undone");
@@ -300,11 +300,11 @@ private:
     QString typeText()
     {
         const NodegraphScene *scene = currentScene();
-        if (scene->getNodes().empty())
+        if (scene->nodes().empty())
             return {};
         const QString text = QStringLiteral("typed");
-        typeInto(descriptionOf(scene->getNodes().front()), text);
-        if (descriptionOf(scene->getNodes().front())->toPlainText() != text)
+        typeInto(descriptionOf(scene->nodes().front()), text);
+        if (descriptionOf(scene->nodes().front())->toPlainText() != text)
             return QStringLiteral("nothing was typed");
         return noWarnings("typing");
     }

@@ -48,7 +48,7 @@ inline void addTabCommands()
 inline QList<bool> selection(const NodegraphScene *scene)
 {
     QList<bool> selected;
-    for (const Node *node : scene->getNodes())
+    for (const Node *node : scene->nodes())
         selected << node->isSelected();
     return selected;
 }

@@ -34,16 +34,16 @@ struct FarWindow
     }
 
     MainWindow &window() { return opener.window(); }
-    NodegraphView *view() { return window().getViews().front(); }
+    NodegraphView *view() { return window().views().front(); }
     NodegraphScene *scene() { return view()->nodegraphScene(); }
     Node *nearNode()
     {
-        const std::vector<Node *> &nodes = scene()->getNodes();
+        const std::vector<Node *> &nodes = scene()->nodes();
         const auto found = std::find_if(nodes.begin(), nodes.end(),
                                         [](const Node *node) { return node->title() == nearTitle; });
         return found == nodes.end() ? nullptr : *found;
     }
-    Node *farNode() { return scene()->getNodes().back(); }
+    Node *farNode() { return scene()->nodes().back(); }
 
     static void settle()
     {
@@ -121,7 +121,7 @@ struct FarWindow
     /// Whether that point of the viewport shows canvas only, with a few pixels to spare.
     bool showsCanvas(QPoint point)
     {
-        const std::vector<Node *> &nodes = scene()->getNodes();
+        const std::vector<Node *> &nodes = scene()->nodes();
         return std::none_of(nodes.begin(), nodes.end(), [&](const Node *node) {
             return shownRect(node).adjusted(-9, -9, 9, 9).contains(point);
         });
@@ -287,12 +287,12 @@ void tst_BadFilesFarEvents::dragOnTheCanvasMovesNoEvent()
 
 void tst_BadFilesFarEvents::eventIsAddedBehindTheFarOne()
 {
-    const std::size_t count = far->scene()->getNodes().size();
+    const std::size_t count = far->scene()->nodes().size();
     far->scene()->sl_selectCurrentNode(far->farNode());
     actionOf(far->window(), "actionAdd_Event")->trigger();
     far->settle();
     far->drawAll();
-    QCOMPARE(far->scene()->getNodes().size(), count + 1);
+    QCOMPARE(far->scene()->nodes().size(), count + 1);
     const QPointF added = far->farNode()->scenePos();
     QVERIFY(std::isfinite(added.x()) && std::isfinite(added.y()));
     QVERIFY(far->isSound());
@@ -304,7 +304,7 @@ void tst_BadFilesFarEvents::eventIsAddedBehindTheFarOne()
     actionOf(far->window(), "actionAdd_Event")->trigger();
     far->settle();
     far->drawAll();
-    QCOMPARE(far->scene()->getNodes().size(), count + 1);
+    QCOMPARE(far->scene()->nodes().size(), count + 1);
     QVERIFY(far->isShownWhole(far->farNode())); // the newest one
 }
 

@@ -175,15 +175,15 @@ void tst_BadFilesForeign::whatCannotBeReadChangesNothing()
     addEvent(sceneOf(window, 1), QStringLiteral("kept"), QStringLiteral("text"));
     window.saveTo(document);
     window.loadFrom(document);
-    const std::vector<NodegraphView *> views = window.getViews();
+    const std::vector<NodegraphView *> views = window.views();
     const QByteArray before = opener.bytes();
     QCOMPARE(opener.takeWarnings(), QStringList());
 
     window.loadFrom(path);
     QCOMPARE(opener.takeWarnings(), QStringList{QStringLiteral("Couldn't open file for reading.")});
-    QVERIFY(window.getViews() == views);
+    QVERIFY(window.views() == views);
     QCOMPARE(opener.bytes().toHex(), before.toHex());
-    QCOMPARE(window.getCurrentFilePath(), document);
+    QCOMPARE(window.currentFilePath(), document);
 }
 
 // They took hours: a tab bar lays all its tabs out for each one that comes.
@@ -195,8 +195,8 @@ void tst_BadFilesForeign::thousandsOfEmptyTabsAreOpened()
     tabs.at(120) = good;
     FileOpener opener;
     QCOMPARE(opener.check(documentBytes(tabs)), QString());
-    QCOMPARE(opener.window().getViews().size(), std::size_t(many));
-    QCOMPARE(opener.window().getViews().at(120)->nodegraphScene()->getNodes().size(), std::size_t(1));
+    QCOMPARE(opener.window().views().size(), std::size_t(many));
+    QCOMPARE(opener.window().views().at(120)->nodegraphScene()->nodes().size(), std::size_t(1));
 }
 
 // A pipe makes its reader wait for whoever writes, and a device may never end: neither is a document.
@@ -215,8 +215,8 @@ void tst_BadFilesForeign::pipeIsNotWaitedFor()
     close(open(name.constData(), O_RDONLY | O_NONBLOCK)); // and that of the writer
     writer.join();
     QCOMPARE(warnings, QStringList{QStringLiteral("Couldn't open file for reading.")});
-    QCOMPARE(opener.window().getCurrentFilePath(), QString());
-    QCOMPARE(opener.window().getViews().size(), std::size_t(1));
+    QCOMPARE(opener.window().currentFilePath(), QString());
+    QCOMPARE(opener.window().views().size(), std::size_t(1));
 #endif
 }
 

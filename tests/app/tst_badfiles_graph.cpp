@@ -26,10 +26,7 @@ QByteArray graph(int count, const std::function<int(int)> &indexOf, const std::f
 int same(int i) { return i; }
 int before(int i) { return i - 1; }
 
-std::size_t nodeCount(FileOpener &opener, int tab)
-{
-    return sceneOf(opener.window(), tab)->getNodes().size();
-}
+std::size_t nodeCount(FileOpener &opener, int tab) { return sceneOf(opener.window(), tab)->nodes().size(); }
 
 } // namespace
 
@@ -133,7 +130,7 @@ void tst_BadFilesGraph::tabsAreBoundedByTheFile()
     QFETCH(const int, tabs);
     FileOpener opener;
     QCOMPARE(opener.open(bytes), QString());
-    QCOMPARE(int(opener.window().getViews().size()), tabs);
+    QCOMPARE(int(opener.window().views().size()), tabs);
     QCOMPARE(opener.check(bytes), QString());
 }
 
@@ -222,7 +219,7 @@ void tst_BadFilesGraph::cycleIsOpenedWithoutItsLastConnection()
     FileOpener opener;
     QCOMPARE(opener.open(graph(4, same, [](int i) { return (i + 3) % 4; })), QString());
     QStringList feeders;
-    for (const Node *node : sceneOf(opener.window(), 0)->getNodes())
+    for (const Node *node : sceneOf(opener.window(), 0)->nodes())
         feeders << (node->prevNode() ? node->prevNode()->title() : QStringLiteral("nobody"));
     // The first record asks for the last event, which nobody feeds yet; then the chain comes back to it.
     QCOMPARE(feeders, QStringList({QStringLiteral("Event 3"), QStringLiteral("Event 0"),
@@ -247,12 +244,12 @@ void tst_BadFilesGraph::chosenOneOfManyWithOneIndexComesBack()
              QString());
     NodegraphScene *scene = sceneOf(opener.window(), 0);
     QStringList titles = titlesOf(scene);
-    scene->sl_selectCurrentNode(scene->getNodes()[std::size_t(chosen)]);
+    scene->sl_selectCurrentNode(scene->nodes()[std::size_t(chosen)]);
     opener.window().sl_delete();
-    QCOMPARE(scene->getNodes().size(), std::size_t(3));
+    QCOMPARE(scene->nodes().size(), std::size_t(3));
     opener.window().sl_undo();
     QStringList texts;
-    for (const Node *node : scene->getNodes())
+    for (const Node *node : scene->nodes())
         texts << descriptionOf(node)->toPlainText();
     texts.sort();
     QCOMPARE(texts, QStringList({QStringLiteral("Text 0"), QStringLiteral("Text 1"), QStringLiteral("Text 2"),
@@ -261,7 +258,7 @@ void tst_BadFilesGraph::chosenOneOfManyWithOneIndexComesBack()
     restored.sort();
     QCOMPARE(restored, titles);
     opener.window().sl_redo();
-    QCOMPARE(scene->getNodes().size(), std::size_t(3));
+    QCOMPARE(scene->nodes().size(), std::size_t(3));
     opener.window().sl_undo();
     restored = titlesOf(scene);
     restored.sort();

@@ -25,7 +25,7 @@ void write(const WorstStage &stage, const QString &letters)
 QStringList textsOf(const NodegraphScene *scene)
 {
     QStringList texts;
-    for (const Node *node : scene->getNodes())
+    for (const Node *node : scene->nodes())
         texts << node->title() << descriptionOf(node)->toPlainText();
     return texts;
 }

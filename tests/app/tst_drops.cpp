@@ -119,7 +119,7 @@ void tst_Drops::untouchedDescriptionIsReplaced()
 {
     const WorstStage stage;
     stage.trigger("actionAdd_Event");
-    const Node *added = stage.scene()->getNodes().back();
+    const Node *added = stage.scene()->nodes().back();
     QCOMPARE(descriptionOf(added)->toPlainText(), untouched);
     QVERIFY(Carried(stage.view(), carriedText).drop(middleOf(stage.view(), descriptionOf(added))));
     QCOMPARE(descriptionOf(added)->toPlainText(), carriedText);
@@ -136,7 +136,7 @@ void tst_Drops::untouchedEntryOfThePanelIsReplaced()
     stage.release(bodyOf(stage.noon));
     stage.trigger("actionSet_End_of_Story");
     stage.trigger("actionAdd_Event");
-    const Node *added = stage.scene()->getNodes().back();
+    const Node *added = stage.scene()->nodes().back();
     QGraphicsView *panel = stage.panel()->views().constFirst();
     const auto entry = [&stage, added] {
         return descriptionOf(stage.panel()->findOvNode(added->getIndex()));
@@ -162,7 +162,7 @@ void tst_Drops::refusedDropLeavesThePlaceholder()
 {
     const WorstStage stage;
     stage.trigger("actionAdd_Event");
-    const Node *added = stage.scene()->getNodes().back();
+    const Node *added = stage.scene()->nodes().back();
     const QPoint pos = middleOf(stage.view(), descriptionOf(added));
     QMimeData picture;
     picture.setData(QStringLiteral("image/png"), QByteArrayLiteral("no picture"));

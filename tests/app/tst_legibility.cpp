@@ -333,7 +333,7 @@ void tst_Legibility::toolTip()
 /// What the canvas shows where the item's text is, at 100 %.
 Painted tst_Legibility::paintedText(const QGraphicsItem *item) const
 {
-    NodegraphView *view = window->getViews().front();
+    NodegraphView *view = window->views().front();
     view->centerOn(item);
     // The text itself: between its margins there is nothing but ground.
     const QRectF part = item->mapRectToScene(item->boundingRect());
@@ -386,7 +386,7 @@ void tst_Legibility::selectedEventTexts()
         QTextCursor cursor(item->document());
         cursor.select(QTextCursor::Document);
         item->setTextCursor(cursor);
-        NodegraphView *view = window->getViews().front();
+        NodegraphView *view = window->views().front();
         view->centerOn(item);
         const QRectF line = cursor.document()->firstBlock().layout()->lineAt(0).naturalTextRect();
         const qreal margin = cursor.document()->documentMargin();
@@ -402,8 +402,8 @@ void tst_Legibility::panelEntry()
 {
     NodegraphScene *scene = sceneOf(*window, 0);
     scene->setEndOfStory(addEvent(scene, QStringLiteral("A title"), QStringLiteral("What happens then")));
-    OvNode *entry = window->getOverviewerScene()->ovNodes().at(0);
-    QGraphicsView *panel = window->getOverviewerScene()->views().at(0);
+    OvNode *entry = window->overviewerScene()->ovNodes().at(0);
+    QGraphicsView *panel = window->overviewerScene()->views().at(0);
     const QRectF part = descriptionOf(entry)->sceneBoundingRect().adjusted(14, 14, -14, -14);
     const Painted colours =
         painted(panel->viewport()->grab(panel->mapFromScene(part).boundingRect()).toImage());
@@ -415,9 +415,9 @@ void tst_Legibility::outlineOfAnImportantEntry()
     NodegraphScene *scene = sceneOf(*window, 0);
     Node *node = addEvent(scene, QStringLiteral("A title"), QStringLiteral("What happens then"));
     scene->setEndOfStory(node);
-    QGraphicsView *panel = window->getOverviewerScene()->views().at(0);
+    QGraphicsView *panel = window->overviewerScene()->views().at(0);
     const auto edge = [this, panel] {
-        const OvNode *entry = window->getOverviewerScene()->ovNodes().at(0);
+        const OvNode *entry = window->overviewerScene()->ovNodes().at(0);
         const QRectF top(entry->sceneBoundingRect().center().x(), entry->sceneBoundingRect().top() - 4, 1, 8);
         return painted(panel->viewport()->grab(panel->mapFromScene(top).boundingRect()).toImage());
     };

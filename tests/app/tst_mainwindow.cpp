@@ -104,9 +104,9 @@ void tst_MainWindow::startsWithOneTab()
     const MainWindow window;
 
     QCOMPARE(tabTitles(window), QStringList{QStringLiteral("Story 1")});
-    QCOMPARE(window.getViews().size(), std::size_t(1));
-    QCOMPARE(tabsOf(window)->currentWidget(), window.getViews().front());
-    QCOMPARE(window.getCurrentFilePath(), QString());
+    QCOMPARE(window.views().size(), std::size_t(1));
+    QCOMPARE(tabsOf(window)->currentWidget(), window.views().front());
+    QCOMPARE(window.currentFilePath(), QString());
     QVERIFY(tabsOf(window)->tabsClosable());
     QVERIFY(tabsOf(window)->isMovable());
     // The first tab is made before anybody listens for a change of tabs.
@@ -124,8 +124,8 @@ void tst_MainWindow::panelIsSetUp()
     const auto *panel = qobject_cast<QGraphicsView *>(layout->itemAt(0)->widget());
     QVERIFY(panel);
     QCOMPARE(panel->metaObject()->className(), "QGraphicsView");
-    QCOMPARE(panel->scene(), window.getOverviewerScene());
-    QCOMPARE(window.getOverviewerScene()->parent(), nullptr);
+    QCOMPARE(panel->scene(), window.overviewerScene());
+    QCOMPARE(window.overviewerScene()->parent(), nullptr);
     QCOMPARE(panel->alignment(), Qt::AlignLeft | Qt::AlignTop);
     QVERIFY(panel->renderHints().testFlag(QPainter::Antialiasing));
     QVERIFY(panel->renderHints().testFlag(QPainter::TextAntialiasing));
@@ -145,11 +145,11 @@ void tst_MainWindow::tabButtonAppendsATab()
     pressTabButton(window);
 
     QCOMPARE(tabTitles(window), QStringList({QStringLiteral("Story 1"), QStringLiteral("Story 2")}));
-    QCOMPARE(window.getViews().size(), std::size_t(2));
-    QCOMPARE(tabsOf(window)->widget(1), window.getViews().back());
+    QCOMPARE(window.views().size(), std::size_t(2));
+    QCOMPARE(tabsOf(window)->widget(1), window.views().back());
     QCOMPARE(tabsOf(window)->currentIndex(), 0);
     QVERIFY(sceneOf(window, 0) != sceneOf(window, 1));
-    QVERIFY(window.getViews()[0]->undoStack() != window.getViews()[1]->undoStack());
+    QVERIFY(window.views()[0]->undoStack() != window.views()[1]->undoStack());
 }
 
 void tst_MainWindow::tabNamesFollowTheNumberOfTabs()
@@ -180,11 +180,11 @@ void tst_MainWindow::tabButtonWorksAfterNew()
     pressTabButton(window);
     actionOf(window, "actionNew")->trigger();
     QCOMPARE(tabsOf(window)->count(), 0);
-    QCOMPARE(window.getViews().size(), std::size_t(0));
+    QCOMPARE(window.views().size(), std::size_t(0));
 
     pressTabButton(window);
     QCOMPARE(tabTitles(window), QStringList{QStringLiteral("Story 1")});
-    QCOMPARE(tabsOf(window)->currentWidget(), window.getViews().front());
+    QCOMPARE(tabsOf(window)->currentWidget(), window.views().front());
     addEvent(sceneOf(window, 0), QStringLiteral("Again"), QStringLiteral("Once more."));
     QCOMPARE(panelTexts(window), QStringList{QStringLiteral("Once more.")});
 }
@@ -203,7 +203,7 @@ void tst_MainWindow::panelFollowsTheGraphOfEveryTab()
     pressTabButton(window);
     tabsOf(window)->setCurrentIndex(place);
     NodegraphScene *scene = sceneOf(window, place);
-    const OverViewerScene *panel = window.getOverviewerScene();
+    const OverViewerScene *panel = window.overviewerScene();
 
     Node *first = addEvent(scene, QStringLiteral("Dawn"), QStringLiteral("one"));
     Node *second = addEvent(scene, QStringLiteral("Dusk"), QStringLiteral("two"));
@@ -287,14 +287,14 @@ void tst_MainWindow::panelEditReachesEveryTab()
     pressTabButton(window);
     const Node *hidden = addEvent(sceneOf(window, 1), QStringLiteral("B"), QStringLiteral("second"));
     addEvent(sceneOf(window, 2), QStringLiteral("C"), QStringLiteral("third"));
-    sceneOf(window, 2)->getNodes().front()->setIndex(5);
+    sceneOf(window, 2)->nodes().front()->setIndex(5);
     const Node *shown = addEvent(sceneOf(window, 0), QStringLiteral("A"), QStringLiteral("first"));
     QCOMPARE(shown->getIndex(), hidden->getIndex());
 
-    typeInto(descriptionOf(window.getOverviewerScene()->ovNodes().front()), QStringLiteral("both"));
+    typeInto(descriptionOf(window.overviewerScene()->ovNodes().front()), QStringLiteral("both"));
     QCOMPARE(descriptionOf(shown)->toPlainText(), QStringLiteral("both"));
     QCOMPARE(descriptionOf(hidden)->toPlainText(), QStringLiteral("both"));
-    QCOMPARE(descriptionOf(sceneOf(window, 2)->getNodes().front())->toPlainText(), QStringLiteral("third"));
+    QCOMPARE(descriptionOf(sceneOf(window, 2)->nodes().front())->toPlainText(), QStringLiteral("third"));
 }
 
 void tst_MainWindow::filterButtonFiltersThePanel()
@@ -317,7 +317,7 @@ void tst_MainWindow::newForgetsThePanelsStory()
     pressTabButton(window);
     addEvent(sceneOf(window, 1), QStringLiteral("B"), QStringLiteral("second"));
     addEvent(sceneOf(window, 0), QStringLiteral("A"), QStringLiteral("first"));
-    const QPointer<Node> node(sceneOf(window, 0)->getNodes().front());
+    const QPointer<Node> node(sceneOf(window, 0)->nodes().front());
     window.clearTabs();
     flushDeferredDeletes();
 
@@ -360,7 +360,7 @@ void tst_MainWindow::sceneGoesWithItsView()
 {
     MainWindow window;
     pressTabButton(window);
-    const std::vector<NodegraphView *> views = window.getViews();
+    const std::vector<NodegraphView *> views = window.views();
     const QPointer<NodegraphView> firstView(views[0]);
     const QPointer<NodegraphView> secondView(views[1]);
     QSignalSpy firstScene(sceneOf(window, 0), &QObject::destroyed);
@@ -385,7 +385,7 @@ void tst_MainWindow::panelLetsGoOfAViewThatDies()
     QCOMPARE(panelTexts(window), QStringList{QStringLiteral("second")});
     const QPointer<NodegraphScene> scene(sceneOf(window, 1));
 
-    delete window.getViews().back();
+    delete window.views().back();
     QVERIFY(!scene);
     QCOMPARE(panelTexts(window), QStringList());
     QTest::mouseClick(buttonOf(window, "F1_button"), Qt::LeftButton); // lists the story anew
@@ -398,11 +398,11 @@ void tst_MainWindow::everythingGoesWithTheWindow()
     pressTabButton(*window);
     window->show();
     QVERIFY(QTest::qWaitForWindowExposed(window.get()));
-    QSignalSpy panel(window->getOverviewerScene(), &QObject::destroyed);
+    QSignalSpy panel(window->overviewerScene(), &QObject::destroyed);
     QSignalSpy firstScene(sceneOf(*window, 0), &QObject::destroyed);
     QSignalSpy secondScene(sceneOf(*window, 1), &QObject::destroyed);
-    const QPointer<NodegraphView> firstView(window->getViews()[0]);
-    const QPointer<NodegraphView> secondView(window->getViews()[1]);
+    const QPointer<NodegraphView> firstView(window->views()[0]);
+    const QPointer<NodegraphView> secondView(window->views()[1]);
 
     const LogCapture log;
     window.reset();
@@ -434,7 +434,7 @@ void tst_MainWindow::windowCanGoInTheMiddleOfWork()
     addChain(*sceneOf(*window, 1), 2);
     sceneOf(*window, 0)->updateStory();
 
-    const QPointer<OverViewerScene> panel(window->getOverviewerScene());
+    const QPointer<OverViewerScene> panel(window->overviewerScene());
     const QPointer<NodegraphScene> scene(sceneOf(*window, 0));
     window.reset();
     QVERIFY(!panel);

@@ -85,16 +85,16 @@ void tst_MainWindowAccess::everyButtonHasANameAndATip()
 
 void tst_MainWindowAccess::panelAndCanvasHaveNames()
 {
-    QCOMPARE(nameOf(window->getOverviewerScene()->views().at(0)), QStringLiteral("Events of the story"));
+    QCOMPARE(nameOf(window->overviewerScene()->views().at(0)), QStringLiteral("Events of the story"));
     QCOMPARE(nameOf(tabsOf(*window)), QStringLiteral("Stories"));
     window->addNodeGraphTab();
-    for (NodegraphView *view : window->getViews())
+    for (NodegraphView *view : window->views())
         QCOMPARE(nameOf(view), QStringLiteral("Graph of events"));
 }
 
 void tst_MainWindowAccess::canvasHasTheKeyboardAtTheStart()
 {
-    QCOMPARE(QApplication::focusWidget(), window->getViews().front());
+    QCOMPARE(QApplication::focusWidget(), window->views().front());
 }
 
 void tst_MainWindowAccess::canvasHasTheKeyboardAgain_data()
@@ -133,7 +133,7 @@ void tst_MainWindowAccess::canvasHasTheKeyboardAgain()
 
 void tst_MainWindowAccess::otherTabsLeaveTheKeyboardWhereItIs()
 {
-    QGraphicsView *panel = window->getOverviewerScene()->views().at(0);
+    QGraphicsView *panel = window->overviewerScene()->views().at(0);
     panel->setFocus();
     window->addNodeGraphTab();
     QCOMPARE(QApplication::focusWidget(), panel);
@@ -159,9 +159,9 @@ void tst_MainWindowAccess::menuKeyWorksWhileATextIsEdited()
 {
     NodegraphScene *scene = sceneOf(*window, 0);
     Node *node = addEvent(scene, QStringLiteral("A"), QStringLiteral("text"));
-    window->getViews().front()->setFocus();
+    window->views().front()->setFocus();
     descriptionOf(node)->setFocus();
-    QTest::keyClick(window->getViews().front(), Qt::Key_F10);
+    QTest::keyClick(window->views().front(), Qt::Key_F10);
     auto *file = window->findChild<QMenu *>(QStringLiteral("menuFile"));
     QTRY_VERIFY(file->isVisible());
     file->close();
@@ -237,7 +237,7 @@ void tst_MainWindowAccess::plusKeyZoomsInWithAndWithoutShift()
 {
     QFETCH(const Qt::Key, key);
     QFETCH(const Qt::KeyboardModifiers, modifiers);
-    NodegraphView *view = window->getViews().front();
+    NodegraphView *view = window->views().front();
     const double before = view->transform().m11();
     QSignalSpy zooms(actionOf(*window, "actionZoom_In"), &QAction::triggered);
     QTest::keyClick(view, key, modifiers);

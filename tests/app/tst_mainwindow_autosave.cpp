@@ -194,8 +194,8 @@ void tst_MainWindowAutosave::fileCanBeOpened()
     window.sl_loadFile();
     QCOMPARE(answers.problem(), QString());
     QCOMPARE(tabTitles(window), QStringList({QStringLiteral("Story 1"), QStringLiteral("Story 2")}));
-    QCOMPARE(sceneOf(window, 0)->getNodes().front()->title(), QStringLiteral("Dawn"));
-    QCOMPARE(sceneOf(window, 1)->getNodes().front()->title(), QStringLiteral("Dusk"));
+    QCOMPARE(sceneOf(window, 0)->nodes().front()->title(), QStringLiteral("Dawn"));
+    QCOMPARE(sceneOf(window, 1)->nodes().front()->title(), QStringLiteral("Dusk"));
     QCOMPARE(panelTexts(window), QStringList{QStringLiteral("It begins.")});
 }
 
@@ -221,17 +221,17 @@ void tst_MainWindowAutosave::cutEventsAreSaved()
     scene->sl_deselectCurrentNode(); // or it alone would be cut
     actionOf(window, "actionSelect_All")->trigger();
     actionOf(window, "actionCut")->trigger();
-    for (const Node *node : scene->getNodes())
+    for (const Node *node : scene->nodes())
         QVERIFY(!node->isVisible());
     window.autosave();
     QCOMPARE(readFile(onlyFile()).toHex(), documentBytes({{dawn, dusk}}).toHex());
-    for (const Node *node : scene->getNodes())
+    for (const Node *node : scene->nodes())
         QVERIFY2(!node->isVisible(), "still cut");
 
     MainWindow next;
     QCOMPARE(openFile(next, onlyFile()), QString());
     QCOMPARE(titlesOf(sceneOf(next, 0)), QStringList({QStringLiteral("Dawn"), QStringLiteral("Dusk")}));
-    for (const Node *node : sceneOf(next, 0)->getNodes())
+    for (const Node *node : sceneOf(next, 0)->nodes())
         QVERIFY(node->isVisible());
 }
 
@@ -275,7 +275,7 @@ void tst_MainWindowAutosave::documentsPathStays()
 {
     MainWindow window;
     window.autosave();
-    QCOMPARE(window.getCurrentFilePath(), QString());
+    QCOMPARE(window.currentFilePath(), QString());
 
     const QString file = home->filePath(QStringLiteral("story.scene"));
     const DialogAnswers answers({chooseFile(file)});
@@ -283,7 +283,7 @@ void tst_MainWindowAutosave::documentsPathStays()
     QCOMPARE(answers.problem(), QString());
     window.addNodeGraphTab();
     window.autosave();
-    QCOMPARE(window.getCurrentFilePath(), file);
+    QCOMPARE(window.currentFilePath(), file);
     QCOMPARE(readFile(file).toHex(), documentBytes({{}}).toHex());
 }
 

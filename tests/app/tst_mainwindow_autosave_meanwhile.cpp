@@ -93,7 +93,7 @@ private slots:
     void textIsEdited();
 
 private:
-    NodegraphView *view() const { return window->getViews().front(); }
+    NodegraphView *view() const { return window->views().front(); }
     NodegraphScene *scene() const { return view()->nodegraphScene(); }
     QString folder() const { return home->filePath(QStringLiteral("Documents/Fablegrid/Autosavedir")); }
 
@@ -178,11 +178,11 @@ QStringList tst_MainWindowAutosaveMeanwhile::openThings() const
                        nameOf(QApplication::activePopupWidget()),
                        nameOf(QApplication::focusWidget()),
                        cursorOf(QApplication::focusWidget()),
-                       window->getCurrentFilePath(),
+                       window->currentFilePath(),
                        nameOf(tabsOf(*window)->currentWidget()),
                        panelTexts(*window).join(QLatin1Char('|'))};
-    for (const QGraphicsScene *each : {static_cast<QGraphicsScene *>(scene()),
-                                       static_cast<QGraphicsScene *>(window->getOverviewerScene())})
+    for (const QGraphicsScene *each :
+         {static_cast<QGraphicsScene *>(scene()), static_cast<QGraphicsScene *>(window->overviewerScene())})
         things << textOf(each->focusItem()) << QString::number(quintptr(each->mouseGrabberItem()), 16)
                << QString::number(each->selectedItems().size()) << QString::number(each->items().size());
     things << QString::number(quintptr(scene()->currentNode()), 16)
@@ -223,7 +223,7 @@ void tst_MainWindowAutosaveMeanwhile::passAMinute(const QByteArray &expected) co
     QCOMPARE(openThings(), before);
     QCOMPARE(readFile(file).toHex(), document.toHex());
     QCOMPARE(written.toHex(), expected.toHex());
-    if (window->getCurrentFilePath().isEmpty())
+    if (window->currentFilePath().isEmpty())
         return;
     window->sl_saveFile();
     QCOMPARE(readFile(file).toHex(), written.toHex());
@@ -281,13 +281,13 @@ void tst_MainWindowAutosaveMeanwhile::saveDialogIsOpen()
         name->setSelection(2, 3);
         passAMinute(expected);
         QVERIFY(dialog->isVisible());
-        QCOMPARE(window->getCurrentFilePath(), former);
+        QCOMPARE(window->currentFilePath(), former);
         QVERIFY(!QFileInfo::exists(chosen));
         chooseFile(chosen)(dialog);
     }});
     actionOf(*window, untitled ? "actionSave" : "actionSave_As")->trigger();
     QCOMPARE(answers.problem(), QString());
-    QCOMPARE(window->getCurrentFilePath(), chosen);
+    QCOMPARE(window->currentFilePath(), chosen);
     QCOMPARE(readFile(chosen).toHex(), expected.toHex());
 }
 
@@ -307,7 +307,7 @@ void tst_MainWindowAutosaveMeanwhile::openDialogIsOpen()
     }});
     actionOf(*window, "actionOpen")->trigger();
     QCOMPARE(answers.problem(), QString());
-    QCOMPARE(window->getCurrentFilePath(), other);
+    QCOMPARE(window->currentFilePath(), other);
     QCOMPARE(titlesOf(scene()), QStringList{QStringLiteral("Dusk")});
 }
 
@@ -421,13 +421,13 @@ void tst_MainWindowAutosaveMeanwhile::rubberBandIsDrawn()
     move(from);
     press(from);
     move(QPointF(100, 100));
-    QCOMPARE(scene()->getSelectedNodes(), std::vector<Node *>{dawn});
+    QCOMPARE(scene()->selectedNodes(), std::vector<Node *>{dawn});
     passAMinute(storyBytes());
 
     QCOMPARE(rubberBandOf(*scene())->rect(), QRectF(from, QPointF(100, 100)));
     move(QPointF(100, 480));
     release(QPointF(100, 480));
-    QCOMPARE(scene()->getSelectedNodes(), (std::vector<Node *>{dawn, dusk}));
+    QCOMPARE(scene()->selectedNodes(), (std::vector<Node *>{dawn, dusk}));
 }
 
 void tst_MainWindowAutosaveMeanwhile::canvasIsPanned()
@@ -458,12 +458,12 @@ void tst_MainWindowAutosaveMeanwhile::textIsEdited()
     QFETCH(QString, place);
     const bool inPanel = place == QLatin1String("panel entry");
     const bool inTitle = place == QLatin1String("title");
-    const QGraphicsView *canvas = inPanel ? window->getOverviewerScene()->views().front() : view();
+    const QGraphicsView *canvas = inPanel ? window->overviewerScene()->views().front() : view();
     QGraphicsTextItem *text = descriptionOf(dawn);
     if (inTitle)
         text = titleOf(dawn);
     else if (inPanel)
-        text = descriptionOf(window->getOverviewerScene()->ovNodes().front());
+        text = descriptionOf(window->overviewerScene()->ovNodes().front());
     QString &saved = inTitle ? dawnRecord.title : dawnRecord.description;
 
     QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {},

@@ -74,7 +74,7 @@ private slots:
         for (const char *description : {"first", "second", "third"}) {
             if (QLatin1String(description) != QLatin1String("first"))
                 window->addNodeGraphTab();
-            addEvent(window->getViews().back()->nodegraphScene(), QLatin1String(description),
+            addEvent(window->views().back()->nodegraphScene(), QLatin1String(description),
                      QLatin1String(description));
         }
         sceneOf(*window, 0)->updateStory();
@@ -126,8 +126,8 @@ private:
     }
     QByteArray allTabs() const
     {
-        for (const NodegraphView *view : window->getViews())
-            view->nodegraphScene()->getNodes().front()->setPos(5, 6);
+        for (const NodegraphView *view : window->views())
+            view->nodegraphScene()->nodes().front()->setPos(5, 6);
         return document({QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("third")});
     }
 
@@ -141,7 +141,7 @@ void tst_MainWindowClosing::lastTabStaysAndNothingIsAsked()
 {
     window->clearTabs();
     window->addNodeGraphTab();
-    const std::vector<NodegraphView *> views = window->getViews();
+    const std::vector<NodegraphView *> views = window->views();
     const DialogAnswers nothing;
     const LogCapture log;
     window->closeTab(0);
@@ -149,7 +149,7 @@ void tst_MainWindowClosing::lastTabStaysAndNothingIsAsked()
     QCOMPARE(nothing.problem(), QString());
     QCOMPARE(log.lines(), QStringList());
     QCOMPARE(tabsOf(*window)->count(), 1);
-    QVERIFY(window->getViews() == views);
+    QVERIFY(window->views() == views);
 }
 
 void tst_MainWindowClosing::tabQuestion()
@@ -166,29 +166,29 @@ void tst_MainWindowClosing::refusedTabStays()
     QCOMPARE(saveAs(*window, file), QString());
     const QByteArray before = readFile(file);
     addEvent(sceneOf(*window, 1), QStringLiteral("unsaved"));
-    const std::vector<NodegraphView *> views = window->getViews();
+    const std::vector<NodegraphView *> views = window->views();
     const QStringList titles = tabTitles(*window);
     const DialogAnswers answers({answerFor(Refusal(refusal))});
     window->closeTab(1);
 
     QCOMPARE(answers.problem(), QString());
     QCOMPARE(tabTitles(*window), titles);
-    QVERIFY(window->getViews() == views);
+    QVERIFY(window->views() == views);
     QCOMPARE(readFile(file).toHex(), before.toHex());
 }
 
 void tst_MainWindowClosing::tabGoesUnsaved()
 {
-    NodegraphView *first = window->getViews()[0];
-    NodegraphView *third = window->getViews()[2];
+    NodegraphView *first = window->views()[0];
+    NodegraphView *third = window->views()[2];
     const LogCapture log;
     const DialogAnswers answers({press(QMessageBox::No)});
     window->closeTab(1);
 
     QCOMPARE(answers.problem(), QString());
     QCOMPARE(tabTitles(*window), QStringList({QStringLiteral("Story 1"), QStringLiteral("Story 3")}));
-    QVERIFY(window->getViews() == std::vector<NodegraphView *>({first, third}));
-    QCOMPARE(window->getCurrentFilePath(), QString());
+    QVERIFY(window->views() == std::vector<NodegraphView *>({first, third}));
+    QCOMPARE(window->currentFilePath(), QString());
     QVERIFY(!log.contains(QStringLiteral("Tabs to save 3")));
 }
 
@@ -201,7 +201,7 @@ void tst_MainWindowClosing::tabGoesAfterSaving()
     QCOMPARE(answers.problem(), QString());
     QCOMPARE(answers.seen()[1].title, QStringLiteral("Save Scene"));
     QCOMPARE(readFile(file).toHex(), whole.toHex());
-    QCOMPARE(window->getCurrentFilePath(), file);
+    QCOMPARE(window->currentFilePath(), file);
     QCOMPARE(tabTitles(*window), QStringList({QStringLiteral("Story 1"), QStringLiteral("Story 3")}));
 }
 
@@ -213,7 +213,7 @@ void tst_MainWindowClosing::tabOfASavedDocumentGoesAfterSaving()
     window->closeTab(0);
     QCOMPARE(answers.problem(), QString());
     QCOMPARE(readFile(file).toHex(), whole.toHex());
-    QCOMPARE(window->getViews().size(), std::size_t(2));
+    QCOMPARE(window->views().size(), std::size_t(2));
 
     QCOMPARE(saveAgain(*window), QString());
     QCOMPARE(readFile(file).toHex(), document({QStringLiteral("second"), QStringLiteral("third")}).toHex());
@@ -225,8 +225,8 @@ void tst_MainWindowClosing::tabGoesWhenTheSaveIsCancelled()
     window->closeTab(2);
     QCOMPARE(answers.problem(), QString());
     QCOMPARE(tabTitles(*window), QStringList({QStringLiteral("Story 1"), QStringLiteral("Story 2")}));
-    QCOMPARE(window->getViews().size(), std::size_t(2));
-    QCOMPARE(window->getCurrentFilePath(), QString());
+    QCOMPARE(window->views().size(), std::size_t(2));
+    QCOMPARE(window->currentFilePath(), QString());
     QVERIFY(QDir(folder->path()).isEmpty());
 }
 
@@ -238,7 +238,7 @@ void tst_MainWindowClosing::tabGoesWhenTheSaveFails()
     window->closeTab(2);
     QCOMPARE(answers.problem(), QString());
     QCOMPARE(tabTitles(*window), QStringList({QStringLiteral("Story 1"), QStringLiteral("Story 2")}));
-    QCOMPARE(window->getCurrentFilePath(), missing);
+    QCOMPARE(window->currentFilePath(), missing);
 }
 
 void tst_MainWindowClosing::closeButtonOfATabCloses()
@@ -247,7 +247,7 @@ void tst_MainWindowClosing::closeButtonOfATabCloses()
     QVERIFY(QTest::qWaitForWindowExposed(window.get()));
     const QPointer<QAbstractButton> button(closeButton(*window, 1));
     QVERIFY(button);
-    const QPointer<NodegraphView> view(window->getViews()[1]);
+    const QPointer<NodegraphView> view(window->views()[1]);
     const DialogAnswers answers({press(QMessageBox::No)});
     QTest::mouseClick(button, Qt::LeftButton);
     QCOMPARE(answers.problem(), QString());
@@ -286,9 +286,9 @@ void tst_MainWindowClosing::currentTabsStoryIsShownAfterClosing()
 
 void tst_MainWindowClosing::closedTabIsDestroyedLater()
 {
-    const QPointer<NodegraphView> view(window->getViews()[1]);
+    const QPointer<NodegraphView> view(window->views()[1]);
     const QPointer<NodegraphScene> scene(sceneOf(*window, 1));
-    const QPointer<Node> node(scene->getNodes().front());
+    const QPointer<Node> node(scene->nodes().front());
     QSignalSpy viewGone(view, &QObject::destroyed);
     QSignalSpy sceneGone(scene, &QObject::destroyed);
     const DialogAnswers answers({press(QMessageBox::No)});
@@ -307,9 +307,9 @@ void tst_MainWindowClosing::closedTabIsDestroyedLater()
 void tst_MainWindowClosing::draggedTabThatIsClosedIsTheOneThatGoes()
 {
     const QByteArray whole = allTabs();
-    NodegraphView *first = window->getViews()[0];
-    const QPointer<NodegraphView> second(window->getViews()[1]);
-    NodegraphView *third = window->getViews()[2];
+    NodegraphView *first = window->views()[0];
+    const QPointer<NodegraphView> second(window->views()[1]);
+    NodegraphView *third = window->views()[2];
     tabsOf(*window)->tabBar()->moveTab(0, 2);
     QCOMPARE(tabTitles(*window),
              QStringList({QStringLiteral("Story 2"), QStringLiteral("Story 3"), QStringLiteral("Story 1")}));
@@ -319,7 +319,7 @@ void tst_MainWindowClosing::draggedTabThatIsClosedIsTheOneThatGoes()
     QCOMPARE(answers.problem(), QString());
     QCOMPARE(readFile(file).toHex(), whole.toHex());
     QCOMPARE(tabTitles(*window), QStringList({QStringLiteral("Story 3"), QStringLiteral("Story 1")}));
-    QVERIFY(window->getViews() == std::vector<NodegraphView *>({first, third}));
+    QVERIFY(window->views() == std::vector<NodegraphView *>({first, third}));
     flushDeferredDeletes();
     QVERIFY(!second);
 
@@ -365,7 +365,7 @@ void tst_MainWindowClosing::windowClosesUnsaved()
     QVERIFY(window->close());
     QCOMPARE(answers.problem(), QString());
     QVERIFY(!window->isVisible());
-    QCOMPARE(window->getCurrentFilePath(), QString());
+    QCOMPARE(window->currentFilePath(), QString());
 }
 
 void tst_MainWindowClosing::windowClosesAfterSaving()

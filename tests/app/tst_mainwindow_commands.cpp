@@ -40,7 +40,7 @@ private slots:
     void importanceWithoutACurrentEvent();
 
 private:
-    NodegraphView *view() const { return window->getViews().front(); }
+    NodegraphView *view() const { return window->views().front(); }
     NodegraphScene *scene() const { return view()->nodegraphScene(); }
     void trigger(const char *action) const { actionOf(*window, action)->trigger(); }
 
@@ -73,14 +73,14 @@ void tst_MainWindowCommands::onlyTheCurrentTabIsTouched()
     addChain(*sceneOf(*window, 1), 2);
 
     trigger(QTest::currentDataTag());
-    QCOMPARE(scene()->getNodes().size(), std::size_t(2));
+    QCOMPARE(scene()->nodes().size(), std::size_t(2));
     QCOMPARE(view()->undoStack()->index(), done);
     QCOMPARE(view()->undoStack()->count(), 3);
     QCOMPARE(scene()->endOfStoryNode(), end);
     QCOMPARE(selection(scene()), selected);
     QCOMPARE(view()->transform(), transform);
-    QCOMPARE(view()->getZoomDivisor(), 3.0);
-    for (const Node *node : scene()->getNodes()) {
+    QCOMPARE(view()->zoomDivisor(), 3.0);
+    for (const Node *node : scene()->nodes()) {
         QVERIFY(!node->isImportant());
         QVERIFY(node->isVisible());
     }
@@ -106,7 +106,7 @@ void tst_MainWindowCommands::addEvent()
     QCOMPARE(log.lines().value(0), QStringLiteral("Undoing"));
     QCOMPARE(log.count(QStringLiteral("Undoing")), 3);
     QCOMPARE(view()->undoStack()->count(), 3);
-    const std::vector<Node *> &nodes = scene()->getNodes();
+    const std::vector<Node *> &nodes = scene()->nodes();
     QCOMPARE(nodes.size(), std::size_t(3));
     QCOMPARE(nodes[1]->prevNode(), nodes[0]);
     QCOMPARE(nodes[2]->prevNode(), nodes[1]);
@@ -120,14 +120,14 @@ void tst_MainWindowCommands::undoAndRedo()
     QCOMPARE(log.lines().value(0), QStringLiteral("Undoing"));
     QCOMPARE(log.count(QStringLiteral("Undoing")), 1);
     QCOMPARE(view()->undoStack()->index(), 1);
-    QCOMPARE(scene()->getNodes().size(), std::size_t(1));
+    QCOMPARE(scene()->nodes().size(), std::size_t(1));
 
     log.clear();
     trigger("actionRedo");
     QCOMPARE(log.lines().value(0), QStringLiteral("Redoing"));
     QCOMPARE(log.count(QStringLiteral("Redoing")), 1);
     QCOMPARE(view()->undoStack()->index(), 2);
-    QCOMPARE(scene()->getNodes().size(), std::size_t(2));
+    QCOMPARE(scene()->nodes().size(), std::size_t(2));
 }
 
 void tst_MainWindowCommands::undoAndRedoOfNothing()
@@ -146,7 +146,7 @@ void tst_MainWindowCommands::copy()
     trigger("actionCopy");
     QCOMPARE(log.lines(), QStringList({QStringLiteral("Copy"), QStringLiteral("Copying"),
                                        QStringLiteral("Copying node  0")}));
-    QVERIFY(scene()->getNodes().front()->isVisible());
+    QVERIFY(scene()->nodes().front()->isVisible());
 }
 
 void tst_MainWindowCommands::cut()
@@ -156,7 +156,7 @@ void tst_MainWindowCommands::cut()
     trigger("actionCut");
     QCOMPARE(log.lines(), QStringList({QStringLiteral("cut"), QStringLiteral("Copying"),
                                        QStringLiteral("Copying node  0")}));
-    QVERIFY(!scene()->getNodes().front()->isVisible());
+    QVERIFY(!scene()->nodes().front()->isVisible());
 }
 
 void tst_MainWindowCommands::paste()
@@ -176,10 +176,10 @@ void tst_MainWindowCommands::selectAllAndDeselectAll()
     const LogCapture log;
     trigger("actionSelect_All");
     QCOMPARE(selection(scene()), QList<bool>({true, true, true}));
-    QVERIFY(scene()->getSelectedNodes() == scene()->getNodes());
+    QVERIFY(scene()->selectedNodes() == scene()->nodes());
     trigger("actionDeselect_All");
     QCOMPARE(selection(scene()), QList<bool>({false, false, false}));
-    QVERIFY(scene()->getSelectedNodes().empty());
+    QVERIFY(scene()->selectedNodes().empty());
     QCOMPARE(log.lines(), QStringList());
 }
 
@@ -189,7 +189,7 @@ void tst_MainWindowCommands::deleteCurrent()
     const LogCapture log;
     trigger("actionDelete");
     QCOMPARE(log.lines().value(0), QStringLiteral("Del"));
-    QVERIFY(scene()->getNodes() == std::vector<Node *>{nodes[0]});
+    QVERIFY(scene()->nodes() == std::vector<Node *>{nodes[0]});
     QCOMPARE(view()->undoStack()->count(), 3);
 }
 
@@ -198,7 +198,7 @@ void tst_MainWindowCommands::deleteSelection()
     addChain(*scene(), 3);
     trigger("actionSelect_All");
     trigger("actionDelete");
-    QVERIFY(scene()->getNodes().empty());
+    QVERIFY(scene()->nodes().empty());
     QCOMPARE(view()->undoStack()->count(), 6);
 }
 
@@ -209,7 +209,7 @@ void tst_MainWindowCommands::deleteLeavesACurrentEventOutsideTheSelection()
     Node *current = addChain(*scene(), 1).front();
     QCOMPARE(scene()->currentNode(), current);
     trigger("actionDelete");
-    QVERIFY(scene()->getNodes() == std::vector<Node *>{current});
+    QVERIFY(scene()->nodes() == std::vector<Node *>{current});
     QCOMPARE(scene()->currentNode(), nullptr);
 }
 
@@ -220,7 +220,7 @@ void tst_MainWindowCommands::deleteWithoutACurrentEvent()
     const LogCapture log;
     trigger("actionDelete");
     QCOMPARE(log.lines(), QStringList());
-    QCOMPARE(scene()->getNodes().size(), std::size_t(2));
+    QCOMPARE(scene()->nodes().size(), std::size_t(2));
 }
 
 void tst_MainWindowCommands::endOfStoryMoves()

@@ -77,7 +77,7 @@ private slots:
     void shortcutsReachTheirActions();
 
 private:
-    NodegraphView *view() const { return window->getViews().front(); }
+    NodegraphView *view() const { return window->views().front(); }
     NodegraphScene *scene() const { return view()->nodegraphScene(); }
     void trigger(const char *action) const { actionOf(*window, action)->trigger(); }
 
@@ -96,7 +96,7 @@ void tst_MainWindow_Commands_View::foreignPageIsLeftAlone()
     const LogCapture log;
     trigger(QTest::currentDataTag());
     QCOMPARE(log.lines(), lines);
-    QCOMPARE(scene()->getNodes().size(), std::size_t(2));
+    QCOMPARE(scene()->nodes().size(), std::size_t(2));
     QCOMPARE(view()->undoStack()->index(), done);
 }
 
@@ -112,7 +112,7 @@ void tst_MainWindow_Commands_View::frame()
 
     QCOMPARE(framed.count(), 1);
     QCOMPARE(framed.front().front().toRectF(), nodes[1]->sceneBoundingRect().adjusted(-50, -50, 50, 50));
-    QCOMPARE(view()->getZoomDivisor(), 1.0);
+    QCOMPARE(view()->zoomDivisor(), 1.0);
     const QRectF shown = view()->mapToScene(view()->viewport()->rect()).boundingRect();
     QVERIFY(shown.contains(nodes[1]->sceneBoundingRect()));
 }
@@ -154,13 +154,13 @@ void tst_MainWindow_Commands_View::zoomIsAbsolute()
     turnWheel(view(), 360);
     view()->rotate(30);
     view()->translate(11, 12);
-    QVERIFY(view()->getZoomDivisor() != 1.0);
+    QVERIFY(view()->zoomDivisor() != 1.0);
     const LogCapture log;
     for (int i = 0; i < 2; ++i) {
         trigger(QTest::currentDataTag());
         const QTransform transform = view()->transform();
         QVERIFY(transform == QTransform::fromScale(scale, scale)); // exactly, not nearly
-        QVERIFY(view()->getZoomDivisor() == 1.0);
+        QVERIFY(view()->zoomDivisor() == 1.0);
     }
     QCOMPARE(log.lines(), QStringList());
 }
@@ -177,9 +177,9 @@ void tst_MainWindow_Commands_View::zoomAndFrameResetTheDivisor()
 {
     QFETCH(const QByteArray, action);
     turnWheel(view(), 120);
-    QVERIFY(view()->getZoomDivisor() != 1.0);
+    QVERIFY(view()->zoomDivisor() != 1.0);
     trigger(action);
-    QCOMPARE(view()->getZoomDivisor(), 1.0);
+    QCOMPARE(view()->zoomDivisor(), 1.0);
 }
 
 void tst_MainWindow_Commands_View::help_data()

@@ -65,7 +65,7 @@ void tst_MainWindowDocuments::saveAsksForAPath()
     QCOMPARE(dialog.title, QStringLiteral("Save Scene"));
     QCOMPARE(dialog.nameFilters, QStringList{QStringLiteral("Scene Files (*.scene)")});
     QCOMPARE(dialog.acceptMode, QFileDialog::AcceptSave);
-    QCOMPARE(window.getCurrentFilePath(), file);
+    QCOMPARE(window.currentFilePath(), file);
     QCOMPARE(readFile(file).toHex(), documentBytes({{}}).toHex());
 }
 
@@ -80,7 +80,7 @@ void tst_MainWindowDocuments::saveWritesToTheKnownPath()
     actionOf(window, "actionSave")->trigger();
     QCOMPARE(nothing.problem(), QString());
     QCOMPARE(readFile(file).toHex(), documentBytes({{}, {}}).toHex());
-    QCOMPARE(window.getCurrentFilePath(), file);
+    QCOMPARE(window.currentFilePath(), file);
 }
 
 void tst_MainWindowDocuments::cancelledSaveChangesNothing()
@@ -90,7 +90,7 @@ void tst_MainWindowDocuments::cancelledSaveChangesNothing()
     const LogCapture log;
     window.sl_saveFile();
     QCOMPARE(answers.problem(), QString());
-    QCOMPARE(window.getCurrentFilePath(), QString());
+    QCOMPARE(window.currentFilePath(), QString());
     QCOMPARE(documentLines(log), QStringList());
     QVERIFY(QDir(folder->path()).isEmpty());
 }
@@ -111,7 +111,7 @@ void tst_MainWindowDocuments::saveAsAlwaysAsks()
     QCOMPARE(dialog.title, QStringLiteral("Save Scene"));
     QCOMPARE(dialog.nameFilters, QStringList{QStringLiteral("Scene Files (*.scene)")});
     QCOMPARE(dialog.acceptMode, QFileDialog::AcceptSave);
-    QCOMPARE(window.getCurrentFilePath(), second);
+    QCOMPARE(window.currentFilePath(), second);
     QCOMPARE(readFile(first).toHex(), documentBytes({{}}).toHex());
     QCOMPARE(readFile(second).toHex(), documentBytes({{}, {}}).toHex());
 }
@@ -136,7 +136,7 @@ void tst_MainWindowDocuments::cancelledSaveAsChangesNothing()
     const DialogAnswers answers({closeDialog()});
     window.sl_saveAsFile();
     QCOMPARE(answers.problem(), QString());
-    QCOMPARE(window.getCurrentFilePath(), file);
+    QCOMPARE(window.currentFilePath(), file);
     QCOMPARE(documentLines(log), QStringList());
     if (titled)
         QCOMPARE(readFile(file).toHex(), documentBytes({{}}).toHex());
@@ -195,7 +195,7 @@ void tst_MainWindowDocuments::unwritablePathIsReported()
     QCOMPARE(log.count(cannotWrite), 1);
     QCOMPARE(documentLines(log), QStringList());
     QVERIFY(!QFile::exists(file));
-    QCOMPARE(window.getCurrentFilePath(), file);
+    QCOMPARE(window.currentFilePath(), file);
     QCOMPARE(titlesOf(sceneOf(window, 0)), QStringList{QStringLiteral("kept")});
 }
 
@@ -210,7 +210,7 @@ void tst_MainWindowDocuments::saveReportsAFolderInTheWay()
     QTest::ignoreMessage(QtWarningMsg, qPrintable(cannotWrite));
     QCOMPARE(saveAgain(window), QString());
     QVERIFY(QFileInfo(file).isDir());
-    QCOMPARE(window.getCurrentFilePath(), file);
+    QCOMPARE(window.currentFilePath(), file);
 }
 
 void tst_MainWindowDocuments::savedFileIsReplacedWhole()
@@ -254,10 +254,10 @@ void tst_MainWindowDocuments::draggedTabsAreSavedInTheOrderOfCreation()
     window.addNodeGraphTab();
     for (int i = 0; i < 3; ++i)
         addEvent(sceneOf(window, i), QStringLiteral("in tab ") + QString::number(i))->setPos(i, i);
-    const std::vector<NodegraphView *> created = window.getViews();
+    const std::vector<NodegraphView *> created = window.views();
     tabsOf(window)->tabBar()->moveTab(0, 2);
     QCOMPARE(tabsOf(window)->widget(2), created[0]);
-    QVERIFY(window.getViews() == created);
+    QVERIFY(window.views() == created);
 
     const QString file = path(QStringLiteral("story.scene"));
     QCOMPARE(saveAs(window, file), QString());
@@ -277,14 +277,14 @@ void tst_MainWindowDocuments::newLeavesNoTabAndNoPath()
     addChain(*sceneOf(window, 0), 2);
     QCOMPARE(saveAs(window, path(QStringLiteral("story.scene"))), QString());
     QSignalSpy scene(sceneOf(window, 0), &QObject::destroyed);
-    const QPointer<NodegraphView> view(window.getViews().front());
+    const QPointer<NodegraphView> view(window.views().front());
 
     const LogCapture log;
     actionOf(window, "actionNew")->trigger();
     QCOMPARE(log.count(QStringLiteral("clearing scene")), 2); // once an event
     QCOMPARE(tabsOf(window)->count(), 0);
-    QCOMPARE(window.getViews().size(), std::size_t(0));
-    QCOMPARE(window.getCurrentFilePath(), QString());
+    QCOMPARE(window.views().size(), std::size_t(0));
+    QCOMPARE(window.currentFilePath(), QString());
     QCOMPARE(panelTexts(window), QStringList());
     QVERIFY(!view);
     QCOMPARE(scene.count(), 1);

@@ -233,7 +233,7 @@ void tst_MainWindowFaults::saveIsAllOrNothing()
             const int error = trouble.error ? trouble.error : trouble.errorAfterwards;
             QCOMPARE(nothingWritten(way, QString::fromLocal8Bit(std::strerror(error))), QString());
         }
-        QCOMPARE(window.getCurrentFilePath(), path(way == Save::asNew ? newName : oldName));
+        QCOMPARE(window.currentFilePath(), path(way == Save::asNew ? newName : oldName));
         QVERIFY(unnamed || createdByName == 1);
         if (clean)
             break;

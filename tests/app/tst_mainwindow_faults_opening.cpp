@@ -160,7 +160,7 @@ void tst_MainWindowFaultsOpening::failedOpeningChangesNothing()
     QCOMPARE(saveAgain(faults), QStringList{cannotWrite});
     QCOMPARE(readFile(path(storyName)), oldBytes);
     QCOMPARE(files(), QStringList{storyName});
-    QCOMPARE(window->getCurrentFilePath(), path(storyName));
+    QCOMPARE(window->currentFilePath(), path(storyName));
 
     QCOMPARE(saveAgain({}), QStringList());
     QCOMPARE(readFile(path(storyName)), smallDocument());
@@ -188,7 +188,7 @@ void tst_MainWindowFaultsOpening::failedOpeningOfAnAutosaveLeavesNothing()
     QCOMPARE(autosave({}), QStringList());
     QCOMPARE(files().size(), 2);
     QCOMPARE(readFile(path(files().front())), smallDocument());
-    QCOMPARE(window->getCurrentFilePath(), path(storyName));
+    QCOMPARE(window->currentFilePath(), path(storyName));
 }
 
 void tst_MainWindowFaultsOpening::unusablePathIsReported_data()

@@ -67,7 +67,7 @@ void tst_MainWindowManyTabs::emptyTabsBehindAnEventAreKept()
     QFETCH(const int, count);
     const QByteArray bytes = open(count); // a warning would fail the test
     QCOMPARE(tabsOf(*window)->count(), count);
-    QCOMPARE(window->getViews().size(), std::size_t(count));
+    QCOMPARE(window->views().size(), std::size_t(count));
     QCOMPARE(titlesOf(sceneOf(*window, 0)), QStringList{QStringLiteral("Dawn")});
     QVERIFY(QFile::remove(file()));
     window->sl_saveFile();
@@ -84,7 +84,7 @@ void tst_MainWindowManyTabs::openedTabsAreShownAsFewAre()
         QVERIFY(tabs->isTabVisible(i));
     QCOMPARE(tabs->currentIndex(), 0);
     QCOMPARE(tabTitles(*window).back(), QStringLiteral("Story %1").arg(count));
-    QCOMPARE(QApplication::focusWidget(), window->getViews().front());
+    QCOMPARE(QApplication::focusWidget(), window->views().front());
     QCOMPARE(panelTexts(*window).size(), 1);
 }
 
@@ -100,7 +100,7 @@ void tst_MainWindowManyTabs::newLeavesNoneOfThem()
     QCOMPARE(tabTitles(*window), QStringList{QStringLiteral("Story 1")});
     QVERIFY(tabsOf(*window)->isTabVisible(0));
     QVERIFY(tabsOf(*window)->tabsClosable());
-    QCOMPARE(QApplication::focusWidget(), window->getViews().front());
+    QCOMPARE(QApplication::focusWidget(), window->views().front());
 }
 
 void tst_MainWindowManyTabs::eachTabInFrontHasItsCloseButton()
@@ -136,7 +136,7 @@ void tst_MainWindowManyTabs::closeButtonsKeptBackGoWithTheirTabs()
 {
     open(400);
     const QPointer<QAbstractButton> button =
-        window->getViews().back()->findChild<QAbstractButton *>(QString(), Qt::FindDirectChildrenOnly);
+        window->views().back()->findChild<QAbstractButton *>(QString(), Qt::FindDirectChildrenOnly);
     QVERIFY(button && !button->isVisible());
     window->clearTabs();
     flushDeferredDeletes();

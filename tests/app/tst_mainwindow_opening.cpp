@@ -107,9 +107,9 @@ void tst_MainWindowOpening::exampleFileIsReadAndWrittenAgain()
     QCOMPARE(openFile(window, file), QString());
     const NodegraphScene *scene = sceneOf(window, 0);
     QCOMPARE(titlesOf(scene), QStringList{QStringLiteral("A")});
-    QCOMPARE(scene->getNodes().front()->scenePos(), QPointF(10, 20));
-    QCOMPARE(scene->getNodes().front()->getIndex(), 0);
-    QCOMPARE(scene->endOfStoryNode(), scene->getNodes().front());
+    QCOMPARE(scene->nodes().front()->scenePos(), QPointF(10, 20));
+    QCOMPARE(scene->nodes().front()->getIndex(), 0);
+    QCOMPARE(scene->endOfStoryNode(), scene->nodes().front());
 
     const QString copy = path(QStringLiteral("copy.scene"));
     QCOMPARE(saveAs(window, copy), QString());
@@ -131,7 +131,7 @@ void tst_MainWindowOpening::openAsksForAFile()
     QCOMPARE(dialog.title, QStringLiteral("Load Scene"));
     QCOMPARE(dialog.nameFilters, QStringList{QStringLiteral("Scene Files (*.scene)")});
     QCOMPARE(dialog.acceptMode, QFileDialog::AcceptOpen);
-    QCOMPARE(window.getCurrentFilePath(), file);
+    QCOMPARE(window.currentFilePath(), file);
 }
 
 void tst_MainWindowOpening::cancelledOpenChangesNothing()
@@ -140,16 +140,16 @@ void tst_MainWindowOpening::cancelledOpenChangesNothing()
     const QString file = path(QStringLiteral("story.scene"));
     addEvent(sceneOf(window, 0), QStringLiteral("kept"));
     QCOMPARE(saveAs(window, file), QString());
-    const std::vector<NodegraphView *> views = window.getViews();
+    const std::vector<NodegraphView *> views = window.views();
 
     const DialogAnswers answers({pressEscape()});
     const LogCapture log;
     window.sl_loadFile();
     QCOMPARE(answers.problem(), QString());
     QCOMPARE(programLines(log), QStringList());
-    QVERIFY(window.getViews() == views);
+    QVERIFY(window.views() == views);
     QCOMPARE(titlesOf(sceneOf(window, 0)), QStringList{QStringLiteral("kept")});
-    QCOMPARE(window.getCurrentFilePath(), file);
+    QCOMPARE(window.currentFilePath(), file);
 }
 
 void tst_MainWindowOpening::openReplacesTheTabs()
@@ -159,22 +159,22 @@ void tst_MainWindowOpening::openReplacesTheTabs()
     MainWindow window;
     for (int i = 0; i < 4; ++i)
         window.addNodeGraphTab();
-    const QPointer<NodegraphView> before(window.getViews().front());
+    const QPointer<NodegraphView> before(window.views().front());
     QCOMPARE(openFile(window, file), QString());
 
     QVERIFY(!before);
     QCOMPARE(tabTitles(window),
              QStringList({QStringLiteral("Story 1"), QStringLiteral("Story 2"), QStringLiteral("Story 3")}));
-    QCOMPARE(window.getViews().size(), std::size_t(3));
+    QCOMPARE(window.views().size(), std::size_t(3));
     for (int i = 0; i < 3; ++i)
-        QCOMPARE(tabsOf(window)->widget(i), window.getViews()[std::size_t(i)]);
+        QCOMPARE(tabsOf(window)->widget(i), window.views()[std::size_t(i)]);
     QCOMPARE(tabsOf(window)->currentIndex(), 0);
     QCOMPARE(titlesOf(sceneOf(window, 0)),
              QStringList({QStringLiteral("Dawn"), QStringLiteral("D\u00FCsk")}));
     QCOMPARE(titlesOf(sceneOf(window, 1)), QStringList());
     QCOMPARE(titlesOf(sceneOf(window, 2)), QStringList{QStringLiteral("Alone")});
-    QCOMPARE(sceneOf(window, 0)->getNodes()[1]->prevNode(), sceneOf(window, 0)->getNodes()[0]);
-    QCOMPARE(window.getViews()[0]->undoStack()->count(), 1);
+    QCOMPARE(sceneOf(window, 0)->nodes()[1]->prevNode(), sceneOf(window, 0)->nodes()[0]);
+    QCOMPARE(window.views()[0]->undoStack()->count(), 1);
 }
 
 void tst_MainWindowOpening::openMakesAllTabsFirst()
@@ -217,9 +217,9 @@ void tst_MainWindowOpening::openedTabsAreWired()
     QCOMPARE(openFile(window, file), QString());
     tabsOf(window)->setCurrentIndex(2);
     QCOMPARE(panelTexts(window), QStringList{QStringLiteral("third")});
-    typeInto(descriptionOf(window.getOverviewerScene()->ovNodes().front()), QStringLiteral("edited"));
-    QCOMPARE(descriptionOf(sceneOf(window, 2)->getNodes().front())->toPlainText(), QStringLiteral("edited"));
-    typeInto(descriptionOf(sceneOf(window, 2)->getNodes().front()), QStringLiteral("back"));
+    typeInto(descriptionOf(window.overviewerScene()->ovNodes().front()), QStringLiteral("edited"));
+    QCOMPARE(descriptionOf(sceneOf(window, 2)->nodes().front())->toPlainText(), QStringLiteral("edited"));
+    typeInto(descriptionOf(sceneOf(window, 2)->nodes().front()), QStringLiteral("back"));
     QCOMPARE(panelTexts(window), QStringList{QStringLiteral("back")});
 }
 
@@ -245,8 +245,8 @@ void tst_MainWindowOpening::openWithoutTabs()
     QCOMPARE(openFile(window, file), QString());
 
     QCOMPARE(tabsOf(window)->count(), 0);
-    QCOMPARE(window.getViews().size(), std::size_t(0));
-    QCOMPARE(window.getCurrentFilePath(), file);
+    QCOMPARE(window.views().size(), std::size_t(0));
+    QCOMPARE(window.currentFilePath(), file);
     QCOMPARE(panelTexts(window), QStringList());
     QCOMPARE(documentLines(log), QStringList({QStringLiteral("Clearing tabs"),
                                               QStringLiteral("Tabs to open ") + QString::number(count)}));
@@ -268,7 +268,7 @@ void tst_MainWindowOpening::unreadableFileKeepsTheTabs()
     addEvent(sceneOf(window, 1), QStringLiteral("kept"));
     const QString current = path(QStringLiteral("current.scene"));
     QCOMPARE(saveAs(window, current), QString());
-    const std::vector<NodegraphView *> views = window.getViews();
+    const std::vector<NodegraphView *> views = window.views();
     const QString file = path(QStringLiteral("story.scene"));
     QVERIFY(writeFile(file, threeTabs()));
 
@@ -283,10 +283,10 @@ void tst_MainWindowOpening::unreadableFileKeepsTheTabs()
 
     QCOMPARE(answers.problem(), QString());
     QCOMPARE(programLines(log), QStringList{cannotRead});
-    QVERIFY(window.getViews() == views);
+    QVERIFY(window.views() == views);
     QCOMPARE(tabsOf(window)->count(), 2);
     QCOMPARE(titlesOf(sceneOf(window, 1)), QStringList{QStringLiteral("kept")});
-    QCOMPARE(window.getCurrentFilePath(), current);
+    QCOMPARE(window.currentFilePath(), current);
 }
 
 void tst_MainWindowOpening::truncatedFileLeavesWhatWasRead_data()
@@ -330,7 +330,7 @@ void tst_MainWindowOpening::truncatedFileLeavesWhatWasRead()
     QCOMPARE(titlesOf(sceneOf(window, 0)), first);
     QCOMPARE(titlesOf(sceneOf(window, 1)), QStringList());
     QCOMPARE(titlesOf(sceneOf(window, 2)), QStringList());
-    QCOMPARE(window.getCurrentFilePath(), file);
+    QCOMPARE(window.currentFilePath(), file);
 }
 
 // A damaged count could ask for two thousand million tabs; the file's length bounds them.
@@ -383,7 +383,7 @@ void tst_MainWindowOpening::openTwiceKeepsNothingOfTheFirst()
     QCOMPARE(openFile(window, one), QString());
     QCOMPARE(tabTitles(window), QStringList{QStringLiteral("Story 1")});
     QCOMPARE(panelTexts(window), QStringList{QStringLiteral("only")});
-    QCOMPARE(window.getCurrentFilePath(), one);
+    QCOMPARE(window.currentFilePath(), one);
 }
 
 QTEST_MAIN(tst_MainWindowOpening)

@@ -70,9 +70,9 @@ private slots:
     void byMenusOfATextThatCloseAgain();
 
 private:
-    NodegraphView *view() const { return window->getViews().front(); }
+    NodegraphView *view() const { return window->views().front(); }
     NodegraphScene *scene() const { return view()->nodegraphScene(); }
-    Node *node(std::size_t place) const { return scene()->getNodes().at(place); }
+    Node *node(std::size_t place) const { return scene()->nodes().at(place); }
     void trigger(const char *action) const { actionOf(*window, action)->trigger(); }
     Holding holdingNow() const;
     void compareAfter(const std::function<void()> &round, int times = rounds) const;
@@ -112,7 +112,7 @@ void tst_NothingGrows::init()
 
 Holding tst_NothingGrows::holdingNow() const
 {
-    for (const NodegraphView *each : window->getViews())
+    for (const NodegraphView *each : window->views())
         each->undoStack()->clear();
     // Twice: what is deleted may post something in its turn.
     for (int i = 0; i < 2; ++i) {
@@ -123,7 +123,7 @@ Holding tst_NothingGrows::holdingNow() const
     holding.widgets = QApplication::allWidgets().size();
     holding.windows = QGuiApplication::allWindows().size();
     holding.objects = window->findChildren<QObject *>().size();
-    holding.items = window->getOverviewerScene()->items().size();
+    holding.items = window->overviewerScene()->items().size();
     for (int i = 0; i < tabsOf(*window)->count(); ++i)
         holding.items += sceneOf(*window, i)->items().size();
     holding.bytes = allocatedBytes();
@@ -176,7 +176,7 @@ void tst_NothingGrows::byOpenAndNew()
         trigger("actionNew");
         window->loadFrom(file);
     });
-    QCOMPARE(scene()->getNodes().size(), std::size_t(3));
+    QCOMPARE(scene()->nodes().size(), std::size_t(3));
 }
 
 void tst_NothingGrows::byOpeningDamagedFiles()
@@ -185,7 +185,7 @@ void tst_NothingGrows::byOpeningDamagedFiles()
     const QString damaged = home->filePath(QStringLiteral("damaged.scene"));
     QVERIFY(writeFile(damaged, whole.chopped(10)));
     compareAfter([this, &damaged] { window->loadFrom(damaged); });
-    QCOMPARE(scene()->getNodes().size(), std::size_t(3));
+    QCOMPARE(scene()->nodes().size(), std::size_t(3));
 }
 
 void tst_NothingGrows::byConnectingAndDisconnecting()
@@ -219,23 +219,23 @@ void tst_NothingGrows::byAddingAndUndoing()
 {
     compareAfter([this] {
         trigger("actionAdd_Event");
-        done += scene()->getNodes().size() == 4 ? 1 : 0;
+        done += scene()->nodes().size() == 4 ? 1 : 0;
         trigger("actionUndo");
     });
     QCOMPARE(done, rounds);
-    QCOMPARE(scene()->getNodes().size(), std::size_t(3));
+    QCOMPARE(scene()->nodes().size(), std::size_t(3));
 }
 
 void tst_NothingGrows::byAddingAndDeleting()
 {
     compareAfter([this] {
         trigger("actionAdd_Event");
-        done += scene()->getNodes().size() == 4 ? 1 : 0;
-        scene()->sl_selectCurrentNode(scene()->getNodes().back());
+        done += scene()->nodes().size() == 4 ? 1 : 0;
+        scene()->sl_selectCurrentNode(scene()->nodes().back());
         trigger("actionDelete");
     });
     QCOMPARE(done, rounds);
-    QCOMPARE(scene()->getNodes().size(), std::size_t(3));
+    QCOMPARE(scene()->nodes().size(), std::size_t(3));
 }
 
 void tst_NothingGrows::byDeletingAndUndoing()
@@ -243,11 +243,11 @@ void tst_NothingGrows::byDeletingAndUndoing()
     compareAfter([this] {
         scene()->sl_selectCurrentNode(node(1));
         trigger("actionDelete");
-        done += scene()->getNodes().size() == 2 ? 1 : 0;
+        done += scene()->nodes().size() == 2 ? 1 : 0;
         trigger("actionUndo");
     });
     QCOMPARE(done, rounds);
-    QCOMPARE(scene()->getNodes().size(), std::size_t(3));
+    QCOMPARE(scene()->nodes().size(), std::size_t(3));
     QCOMPARE(linesOf(*scene()).size(), std::size_t(2));
 }
 
@@ -268,7 +268,7 @@ void tst_NothingGrows::byUndoingAndRedoingAll()
         while (view()->undoStack()->canUndo())
             trigger("actionUndo");
     });
-    QCOMPARE(scene()->getNodes().size(), std::size_t(3));
+    QCOMPARE(scene()->nodes().size(), std::size_t(3));
 }
 
 void tst_NothingGrows::byCopyingPastingAndUndoing()
@@ -282,7 +282,7 @@ void tst_NothingGrows::byCopyingPastingAndUndoing()
             trigger("actionUndo");
     });
     QCOMPARE(done, rounds);
-    QCOMPARE(scene()->getNodes().size(), std::size_t(3));
+    QCOMPARE(scene()->nodes().size(), std::size_t(3));
 }
 
 void tst_NothingGrows::byCuttingPastingAndUndoing()
@@ -298,7 +298,7 @@ void tst_NothingGrows::byCuttingPastingAndUndoing()
         trigger("actionDeselect_All");
     });
     QCOMPARE(done, rounds);
-    QCOMPARE(scene()->getNodes().size(), std::size_t(3));
+    QCOMPARE(scene()->nodes().size(), std::size_t(3));
 }
 
 void tst_NothingGrows::bySwitchingTabs()
@@ -371,7 +371,7 @@ void tst_NothingGrows::byTypingAndUndoing()
     if (place > 0)
         text = descriptionOf(node(0));
     if (place > 1)
-        text = descriptionOf(window->getOverviewerScene()->ovNodes().front());
+        text = descriptionOf(window->overviewerScene()->ovNodes().front());
     const QString before = text->toPlainText();
     QWidget *canvas = text->scene()->views().front()->viewport();
     text->scene()->views().front()->setFocus();
@@ -413,7 +413,7 @@ void tst_NothingGrows::byRubberBandsAndZoom()
         view()->horizontalScrollBar()->setValue(0);
         view()->verticalScrollBar()->setValue(0);
     });
-    QCOMPARE(scene()->getSelectedNodes().size(), std::size_t(3));
+    QCOMPARE(scene()->selectedNodes().size(), std::size_t(3));
 }
 
 void tst_NothingGrows::bySavingAndAutosaving()

@@ -42,9 +42,9 @@ private slots:
 private:
     static void textRows();
 
-    NodegraphView *view() const { return window->getViews().front(); }
+    NodegraphView *view() const { return window->views().front(); }
     NodegraphScene *scene() const { return view()->nodegraphScene(); }
-    Node *node() const { return scene()->getNodes().front(); }
+    Node *node() const { return scene()->nodes().front(); }
     void trigger(const char *action) const { actionOf(*window, action)->trigger(); }
     void load(const QString &title, const QString &description);
     QString changeOnSaving(const QStringList &should);
@@ -77,7 +77,7 @@ void tst_SacredText::load(const QString &title, const QString &description)
     record.description = description;
     QVERIFY(writeFile(file, documentBytes({{record}})));
     window->loadFrom(file);
-    QCOMPARE(scene()->getNodes().size(), std::size_t(1));
+    QCOMPARE(scene()->nodes().size(), std::size_t(1));
 }
 
 /// What a save would change of these titles and descriptions, empty if nothing.
@@ -135,7 +135,7 @@ void tst_SacredText::isKeptByUndoneDeletions()
     scene()->sl_selectCurrentNode(node());
     for (const char *before : {"actionDelete", "actionRedo"}) {
         trigger(before);
-        QVERIFY(scene()->getNodes().empty());
+        QVERIFY(scene()->nodes().empty());
         trigger("actionUndo");
         QCOMPARE(changeOnSaving({held, held}), QString());
         QCOMPARE(changeOf(held, heldBy(node()->nameItem())), QString());
@@ -152,7 +152,7 @@ void tst_SacredText::isKeptByUndoneAdditions()
     descriptionOf(node())->setPlainText(given);
     for (int round = 0; round < 2; ++round) {
         trigger("actionUndo");
-        QVERIFY(scene()->getNodes().empty());
+        QVERIFY(scene()->nodes().empty());
         trigger("actionRedo");
         QCOMPARE(changeOnSaving({held, held}), QString());
     }
@@ -171,7 +171,7 @@ void tst_SacredText::isCopiedWithItsNode()
     const QStringList texts = textsOnSaving(*window, *home);
     QCOMPARE(texts.size() % 2, 0);
     QVERIFY(!texts.isEmpty());
-    QVERIFY(scene()->getNodes().back() != source);
+    QVERIFY(scene()->nodes().back() != source);
     for (const QString &text : texts)
         QCOMPARE(changeOf(held, text), QString());
 }
@@ -187,7 +187,7 @@ void tst_SacredText::isMovedWithItsNode()
     trigger("actionPaste");
     QCOMPARE(changeOnSaving({held, held}), QString());
     trigger("actionUndo");
-    QCOMPARE(scene()->getNodes().size(), std::size_t(2));
+    QCOMPARE(scene()->nodes().size(), std::size_t(2));
     QCOMPARE(changeOnSaving({held, held, held, held}), QString());
 }
 
@@ -196,7 +196,7 @@ void tst_SacredText::isShownInThePanel()
     QFETCH(QString, given);
     QFETCH(QString, held);
     load(given, given);
-    const auto entry = [this] { return window->getOverviewerScene()->ovNodes().front(); };
+    const auto entry = [this] { return window->overviewerScene()->ovNodes().front(); };
     QCOMPARE(changeOf(held, heldBy(descriptionOf(entry()))), QString());
     window->addNodeGraphTab();
     tabsOf(*window)->setCurrentIndex(1);
@@ -229,7 +229,7 @@ void tst_SacredText::isNotTouchedByAVisit()
     view()->resetTransform();
     view()->horizontalScrollBar()->setValue(0);
     view()->verticalScrollBar()->setValue(0);
-    OvNode *entry = window->getOverviewerScene()->ovNodes().front();
+    OvNode *entry = window->overviewerScene()->ovNodes().front();
     for (QGraphicsTextItem *text : {static_cast<QGraphicsTextItem *>(node()->nameItem()),
                                     static_cast<QGraphicsTextItem *>(descriptionOf(node())),
                                     static_cast<QGraphicsTextItem *>(descriptionOf(entry))}) {

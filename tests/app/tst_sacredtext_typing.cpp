@@ -45,9 +45,9 @@ private:
     static void rows(const std::vector<SacredText> &texts);
     static void places();
 
-    NodegraphView *view() const { return window->getViews().front(); }
-    Node *node() const { return view()->nodegraphScene()->getNodes().front(); }
-    OvNode *entry() const { return window->getOverviewerScene()->ovNodes().front(); }
+    NodegraphView *view() const { return window->views().front(); }
+    Node *node() const { return view()->nodegraphScene()->nodes().front(); }
+    OvNode *entry() const { return window->overviewerScene()->ovNodes().front(); }
     QGraphicsTextItem *textAt(const QString &place) const;
 
     void startEditing(const QString &place);

@@ -119,7 +119,7 @@ void tst_Translation::widgetsAreTranslated()
 void tst_Translation::newEventIsTranslated()
 {
     window->addEventNode();
-    const Node *node = sceneOf(*window, 0)->getNodes().at(0);
+    const Node *node = sceneOf(*window, 0)->nodes().at(0);
     QCOMPARE(escaped({node->title(), descriptionOf(node)->toPlainText()}), QStringList());
     QCOMPARE(escaped(panelTexts(*window)), QStringList());
 }
@@ -129,9 +129,9 @@ void tst_Translation::historyIsTranslated()
     NodegraphScene *scene = sceneOf(*window, 0);
     window->addEventNode();
     window->addEventNode();
-    scene->sl_selectCurrentNode(scene->getNodes().back());
+    scene->sl_selectCurrentNode(scene->nodes().back());
     window->sl_delete();
-    const QUndoStack *stack = window->getViews().front()->undoStack();
+    const QUndoStack *stack = window->views().front()->undoStack();
     QStringList texts;
     for (int i = 0; i < stack->count(); ++i)
         texts << stack->text(i);

@@ -59,7 +59,7 @@ void tst_WorstMoments::begin(WorstMoment &stage, const QString &moment)
         stage.press(both.topLeft() - QPointF(20, 20));
         stage.move(both.center());
         stage.release(both.bottomRight() + QPointF(20, 20));
-        QCOMPARE(scene->getSelectedNodes().size(), std::size_t(2));
+        QCOMPARE(scene->selectedNodes().size(), std::size_t(2));
         pressAndMove(bodyOf(stage.noon), bodyOf(stage.noon) + QPointF(20, 30));
         QCOMPARE(scene->mouseGrabberItem(), stage.noon.data());
     } else if (moment == QLatin1String("line dragged from its output")) {

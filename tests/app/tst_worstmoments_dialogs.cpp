@@ -76,7 +76,7 @@ void tst_WorstMomentsDialogs::fileDialogIsOpen()
     stage.trigger(saving ? "actionSave_As" : "actionOpen");
     QVERIFY(fileDialog.hasCome());
     if (confirmed) {
-        QCOMPARE(stage.window->getCurrentFilePath(), chosen);
+        QCOMPARE(stage.window->currentFilePath(), chosen);
         stage.window->saveTo(stage.file("compared.scene"));
         QCOMPARE(readFile(chosen).toHex(), readFile(stage.file("compared.scene")).toHex());
     }
@@ -109,7 +109,7 @@ void tst_WorstMomentsDialogs::saveQuestionIsOpen()
         QTimer::singleShot(0, dialog, [&, dialog] {
             stage.look();
             // A document that has lost its path is asked for one.
-            if (stage.window->getCurrentFilePath().isEmpty())
+            if (stage.window->currentFilePath().isEmpty())
                 saveDialog = std::make_unique<NextDialog>(chooseFile(stage.file("late.scene")));
             ::press(button)(dialog);
         });

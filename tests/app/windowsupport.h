@@ -336,7 +336,7 @@ inline QStringList tabTitles(const MainWindow &window)
 /// The scene of the tab that was made at that place, counted from 0 among the open ones.
 inline NodegraphScene *sceneOf(const MainWindow &window, int place)
 {
-    return window.getViews().at(std::size_t(place))->nodegraphScene();
+    return window.views().at(std::size_t(place))->nodegraphScene();
 }
 
 inline QAction *actionOf(const MainWindow &window, const char *name)
@@ -371,7 +371,7 @@ inline STLineEdit *descriptionOf(OvNode *entry)
 inline Node *addEvent(NodegraphScene *scene, const QString &title, const QString &description = {})
 {
     scene->sl_addEventNode();
-    Node *node = scene->getNodes().back();
+    Node *node = scene->nodes().back();
     node->setNodeName(title);
     typeInto(descriptionOf(node), description);
     return node;
@@ -381,7 +381,7 @@ inline Node *addEvent(NodegraphScene *scene, const QString &title, const QString
 inline QStringList panelTexts(const MainWindow &window)
 {
     QStringList texts;
-    for (OvNode *entry : window.getOverviewerScene()->ovNodes())
+    for (OvNode *entry : window.overviewerScene()->ovNodes())
         texts << descriptionOf(entry)->toPlainText();
     return texts;
 }
@@ -389,7 +389,7 @@ inline QStringList panelTexts(const MainWindow &window)
 inline QStringList titlesOf(const NodegraphScene *scene)
 {
     QStringList titles;
-    for (const Node *node : scene->getNodes())
+    for (const Node *node : scene->nodes())
         titles << node->title();
     return titles;
 }

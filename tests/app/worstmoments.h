@@ -79,13 +79,13 @@ inline bool WorstMoment::isThere(const Node *node) const
 {
     if (!tabIsThere())
         return false;
-    const std::vector<Node *> &nodes = itsView->nodegraphScene()->getNodes();
+    const std::vector<Node *> &nodes = itsView->nodegraphScene()->nodes();
     return node && std::find(nodes.begin(), nodes.end(), node) != nodes.end();
 }
 
 inline bool WorstMoment::hasText(const QString &text) const
 {
-    const std::vector<Node *> &nodes = scene()->getNodes();
+    const std::vector<Node *> &nodes = scene()->nodes();
     return std::any_of(nodes.begin(), nodes.end(), [text](const Node *node) { return textOf(node) == text; });
 }
 
@@ -220,8 +220,8 @@ inline void WorstMoment::goOn()
     trigger("actionAdd_Event");
     trigger("actionUndo");
     // A story without an end gets one by being opened.
-    if (!scene()->getNodes().empty() && !scene()->endOfStoryNode())
-        scene()->setEndOfStory(scene()->getNodes().front());
+    if (!scene()->nodes().empty() && !scene()->endOfStoryNode())
+        scene()->setEndOfStory(scene()->nodes().front());
     paint();
     saveAndReadBack();
 }
@@ -276,12 +276,12 @@ inline void WorstMoment::typeKeys() const
 inline void WorstMoment::saveAndReadBack() const
 {
     std::vector<QStringList> titles;
-    for (const NodegraphView *each : window->getViews())
+    for (const NodegraphView *each : window->views())
         titles.push_back(titlesOf(each->nodegraphScene()));
     window->saveTo(file("saved.scene"));
     const QByteArray saved = readFile(file("saved.scene"));
     window->loadFrom(file("saved.scene"));
-    QCOMPARE(window->getViews().size(), titles.size());
+    QCOMPARE(window->views().size(), titles.size());
     for (std::size_t i = 0; i < titles.size(); ++i)
         QCOMPARE(titlesOf(sceneOf(*window, int(i))), titles[i]);
     window->saveTo(file("again.scene"));

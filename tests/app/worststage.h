@@ -83,9 +83,9 @@ public:
     WorstStage(const WorstStage &) = delete;
     WorstStage &operator=(const WorstStage &) = delete;
 
-    NodegraphView *view() const { return window->getViews().front(); }
+    NodegraphView *view() const { return window->views().front(); }
     NodegraphScene *scene() const { return view()->nodegraphScene(); }
-    OverViewerScene *panel() const { return window->getOverviewerScene(); }
+    OverViewerScene *panel() const { return window->overviewerScene(); }
     void trigger(const char *action) const { actionOf(*window, action)->trigger(); }
     QString file(const char *name) const { return home.filePath(QString::fromLatin1(name)); }
 
@@ -160,7 +160,7 @@ inline WorstStage::WorstStage() : window(std::make_unique<MainWindow>())
     press(bodyOf(dawn));
     release(bodyOf(dawn));
     trigger("actionAdd_Event");
-    noon = scene()->getNodes().back();
+    noon = scene()->nodes().back();
     QCOMPARE(noon->prevNode(), dawn.data());
     noon->setNodeName(QStringLiteral("Noon"));
     typeInto(descriptionOf(noon), QStringLiteral("What happens at Noon."));
@@ -175,7 +175,7 @@ inline WorstStage::WorstStage() : window(std::make_unique<MainWindow>())
     press(around.topLeft());
     move(around.center());
     release(around.bottomRight());
-    QCOMPARE(scene()->getSelectedNodes(), std::vector<Node *>{noon});
+    QCOMPARE(scene()->selectedNodes(), std::vector<Node *>{noon});
 }
 
 inline void WorstStage::press(QPointF pos)
@@ -237,7 +237,7 @@ inline void WorstStage::compose(const QString &preedit, const QString &committed
 
 inline bool WorstStage::tabIsThere() const
 {
-    const std::vector<NodegraphView *> &open = window->getViews();
+    const std::vector<NodegraphView *> &open = window->views();
     return itsView && std::find(open.begin(), open.end(), itsView.data()) != open.end();
 }
 

@@ -26,7 +26,7 @@ struct GraphTab
     {
         scene.sl_selectCurrentNode(upstream);
         scene.sl_addEventNode();
-        return scene.getNodes().back();
+        return scene.nodes().back();
     }
 
     NodegraphScene scene;
@@ -51,7 +51,7 @@ inline QList<int> indicesOf(const std::vector<Node *> &nodes)
 
 inline QList<int> sortedIndices(const NodegraphScene &scene)
 {
-    QList<int> indices = indicesOf(scene.getNodes());
+    QList<int> indices = indicesOf(scene.nodes());
     std::sort(indices.begin(), indices.end());
     return indices;
 }
@@ -77,7 +77,7 @@ inline bool isWhole(const NodegraphScene &scene, const Node *node, const Node *u
 /// All connections as "1 from 0", by the fed node's index; whatever is only half there is named too.
 inline QStringList connections(const NodegraphScene &scene)
 {
-    std::vector<Node *> byIndex = scene.getNodes();
+    std::vector<Node *> byIndex = scene.nodes();
     std::sort(byIndex.begin(), byIndex.end(),
               [](const Node *a, const Node *b) { return a->getIndex() < b->getIndex(); });
     QStringList found;

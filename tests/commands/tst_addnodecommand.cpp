@@ -50,7 +50,7 @@ void tst_AddNodeCommand::changesNothingBeforeItRuns()
     GraphTab tab;
     QSignalSpy stories(&tab.scene, &NodegraphScene::s_updateStory);
     const AddNodeCommand command(&tab.scene, QPointF(1, 2), 0, 0, QString());
-    QVERIFY(tab.scene.getNodes().empty());
+    QVERIFY(tab.scene.nodes().empty());
     QCOMPARE(stories.count(), 0);
 }
 
@@ -69,7 +69,7 @@ void tst_AddNodeCommand::makesTheNodeThatItWasToldOf()
     QFETCH(QString, title);
     GraphTab tab;
     tab.stack.push(new AddNodeCommand(&tab.scene, QPointF(120.5, 80.25), 7, 0, name));
-    QCOMPARE(tab.scene.getNodes().size(), std::size_t(1));
+    QCOMPARE(tab.scene.nodes().size(), std::size_t(1));
     const Node *node = tab.node(7);
     QVERIFY(node);
     QCOMPARE(node->scenePos(), QPointF(120.5, 80.25));
@@ -134,12 +134,12 @@ void tst_AddNodeCommand::undoTakesItsOwnNodeWhenItsIndexWasTaken()
     QCOMPARE(tab.node(2)->title(), QStringLiteral("Second"));
 
     tab.stack.undo();
-    QCOMPARE(tab.scene.getNodes(), std::vector<Node *>{holder});
+    QCOMPARE(tab.scene.nodes(), std::vector<Node *>{holder});
     tab.stack.redo();
     QCOMPARE(sortedIndices(tab.scene), (QList<int>{0, 2}));
     QCOMPARE(tab.node(2)->title(), QStringLiteral("Second"));
     tab.stack.undo();
-    QCOMPARE(tab.scene.getNodes(), std::vector<Node *>{holder});
+    QCOMPARE(tab.scene.nodes(), std::vector<Node *>{holder});
 }
 
 // A scene of two events with the indices 0 and 2 counts 2: the next event asks for an index that is taken.
@@ -167,13 +167,13 @@ void tst_AddNodeCommand::redoLeavesOtherNodesAloneWhenItsIndexIsTakenMeanwhile()
     Node *other = tab.node(0);
 
     tab.stack.redo();
-    QCOMPARE(tab.scene.getNodes().size(), std::size_t(2));
-    const Node *mine = tab.scene.getNodes().back();
+    QCOMPARE(tab.scene.nodes().size(), std::size_t(2));
+    const Node *mine = tab.scene.nodes().back();
     QCOMPARE(mine->title(), QStringLiteral("Mine"));
     QVERIFY(mine->isEndOfStory());
     QVERIFY(!other->isEndOfStory());
     tab.stack.undo();
-    QCOMPARE(tab.scene.getNodes(), std::vector<Node *>{other});
+    QCOMPARE(tab.scene.nodes(), std::vector<Node *>{other});
     QCOMPARE(tab.scene.endOfStoryNode(), other);
 }
 
@@ -185,7 +185,7 @@ void tst_AddNodeCommand::undoGivesTheEndMarkBack()
     tab.stack.undo();
     QCOMPARE(tab.scene.endOfStoryNode(), tab.node(1));
     QVERIFY(tab.node(1)->isEndOfStory());
-    QCOMPARE(indicesOf(tab.scene.getStory()), (QList<int>{0, 1}));
+    QCOMPARE(indicesOf(tab.scene.story()), (QList<int>{0, 1}));
     QCOMPARE(indicesOf(stories.last().first().value<std::vector<Node *>>()), (QList<int>{0, 1}));
     tab.stack.undo();
     QCOMPARE(tab.scene.endOfStoryNode(), tab.node(0));
@@ -201,7 +201,7 @@ void tst_AddNodeCommand::undoGivesNoMarkBackToANodeThatIsGone()
     tab.addBehind(tab.node(0));
     tab.scene.deleteNode(tab.node(0));
     tab.stack.undo();
-    QVERIFY(tab.scene.getNodes().empty());
+    QVERIFY(tab.scene.nodes().empty());
     QCOMPARE(tab.scene.endOfStoryNode(), nullptr);
 }
 
@@ -295,7 +295,7 @@ void tst_AddNodeCommand::redoOfTheOnlyNodeMakesItTheEndAgain()
     tab.stack.redo();
     QVERIFY(tab.node(0)->isEndOfStory());
     QCOMPARE(tab.scene.endOfStoryNode(), tab.node(0));
-    QCOMPARE(indicesOf(tab.scene.getStory()), QList<int>{0});
+    QCOMPARE(indicesOf(tab.scene.story()), QList<int>{0});
 }
 
 void tst_AddNodeCommand::redoBringsTheNodeBackAsItStood()
@@ -390,12 +390,12 @@ void tst_AddNodeCommand::threeAdditionsGoAndComeBack()
     }
     for (int round = 0; round < 2; ++round) {
         tab.stack.setIndex(0);
-        QVERIFY(tab.scene.getNodes().empty());
+        QVERIFY(tab.scene.nodes().empty());
         QCOMPARE(lineCount(tab.scene), 0);
         tab.stack.setIndex(3);
-        QCOMPARE(indicesOf(tab.scene.getNodes()), (QList<int>{0, 1, 2}));
+        QCOMPARE(indicesOf(tab.scene.nodes()), (QList<int>{0, 1, 2}));
         QCOMPARE(connections(tab.scene), (QStringList{"1 from 0", "2 from 1"}));
-        QCOMPARE(indicesOf(tab.scene.getStory()), (QList<int>{0, 1, 2}));
+        QCOMPARE(indicesOf(tab.scene.story()), (QList<int>{0, 1, 2}));
         for (int index = 0; index < 3; ++index) {
             QCOMPARE(tab.node(index)->title(), QStringLiteral("Event %1").arg(index));
             QCOMPARE(tab.node(index)->scenePos(), places.at(index));

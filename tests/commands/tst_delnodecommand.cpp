@@ -320,13 +320,13 @@ void tst_DelNodeCommand::undoOfTheWholeCanvasEndsWithTheSameEnd()
     tab.stack.clear();
     for (const int index : {2, 0, 1})
         deleteByCommand(tab, tab.node(index));
-    QVERIFY(tab.scene.getNodes().empty());
+    QVERIFY(tab.scene.nodes().empty());
     tab.stack.setIndex(0);
     QCOMPARE(connections(tab.scene), (QStringList{"1 from 0", "2 from 1"}));
     QCOMPARE(tab.scene.endOfStoryNode(), tab.node(2));
     QVERIFY(!tab.node(0)->isEndOfStory());
     QVERIFY(!tab.node(1)->isEndOfStory());
-    QCOMPARE(indicesOf(tab.scene.getStory()), (QList<int>{0, 1, 2}));
+    QCOMPARE(indicesOf(tab.scene.story()), (QList<int>{0, 1, 2}));
 }
 
 void tst_DelNodeCommand::undoPublishesTheWholeStory()
@@ -410,10 +410,10 @@ void tst_DelNodeCommand::takesNoOtherNodeWhenItsIndexIsTakenMeanwhile()
     tab.scene.createNode(QPointF(700, 700), 0, 0, nullptr, QStringLiteral("Other"));
     Node *other = tab.node(0);
     tab.stack.undo();
-    QCOMPARE(tab.scene.getNodes().size(), std::size_t(2));
-    QCOMPARE(tab.scene.getNodes().back()->title(), QStringLiteral("Mine"));
+    QCOMPARE(tab.scene.nodes().size(), std::size_t(2));
+    QCOMPARE(tab.scene.nodes().back()->title(), QStringLiteral("Mine"));
     tab.stack.redo();
-    QCOMPARE(tab.scene.getNodes(), std::vector<Node *>{other});
+    QCOMPARE(tab.scene.nodes(), std::vector<Node *>{other});
 }
 
 // A damaged file can give an event the index that means none. Undoing a deletion then took that event for

@@ -74,10 +74,10 @@ int openOne(int argc, char *argv[])
     window.grab();
     const double shown = processorSeconds();
     std::size_t nodes = 0;
-    for (const NodegraphView *view : window.getViews())
-        nodes += view->nodegraphScene()->getNodes().size();
+    for (const NodegraphView *view : window.views())
+        nodes += view->nodegraphScene()->nodes().size();
     std::printf("%f %f %f %zu %zu\n", opened - start, shown - start, statusMegabytes("VmHWM:") - before,
-                window.getViews().size(), nodes);
+                window.views().size(), nodes);
     std::fflush(stdout);
     std::_Exit(0); // what closing takes is no part of opening
 }

@@ -78,7 +78,7 @@ struct PanelWindow
     QByteArray document() const
     {
         QByteArray bytes;
-        for (const NodegraphView *tab : window.getViews())
+        for (const NodegraphView *tab : window.views())
             bytes += SceneBytes::saved(*tab->nodegraphScene());
         return bytes;
     }
@@ -86,7 +86,7 @@ struct PanelWindow
     PrivateHome home;
     MainWindow window;
     NodegraphScene &scene{*sceneOf(window, 0)};
-    OverViewerScene &panel{*window.getOverviewerScene()};
+    OverViewerScene &panel{*window.overviewerScene()};
     QGraphicsView &view{*panel.views().at(0)};
 };
 

@@ -70,12 +70,12 @@ void tst_PanelFocus::keysStayInTheEntry()
     const QPointer<OvNode> before = w.entryOf(written);
     runRow(w);
     QVERIFY(before.isNull()); // or nothing was made anew
-    const std::size_t events = w.scene.getNodes().size();
+    const std::size_t events = w.scene.nodes().size();
     w.type(u"def"_s);
     w.key(Qt::Key_Delete);
     QCOMPARE(w.entryText(written), u"abcdefy"_s);
     QCOMPARE(w.description(written), u"abcdefy"_s);
-    QCOMPARE(w.scene.getNodes().size(), events);
+    QCOMPARE(w.scene.nodes().size(), events);
     QVERIFY(descriptionOf(w.entryOf(written))->hasFocus());
     QCOMPARE(QApplication::focusWidget(), &w.view);
 }
@@ -111,13 +111,13 @@ void tst_PanelFocus::historyOfTheTextStays()
     w.key(Qt::Key_Backspace);
     QCOMPARE(w.description(written), u"ac"_s);
     runRow(w);
-    const std::size_t events = w.scene.getNodes().size();
+    const std::size_t events = w.scene.nodes().size();
     w.key(Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(w.entryText(written), u"abc"_s);
     QCOMPARE(w.description(written), u"abc"_s);
     w.key(Qt::Key_Y, Qt::ControlModifier);
     QCOMPARE(w.entryText(written), u"ac"_s);
-    QCOMPARE(w.scene.getNodes().size(), events);
+    QCOMPARE(w.scene.nodes().size(), events);
 }
 
 // Entries beyond the first screen are made when they are needed, and this one is.
@@ -130,7 +130,7 @@ void tst_PanelFocus::entryFarDownKeepsTheKeyboard()
     w.key(Qt::Key_I, Qt::ControlModifier);
     w.type(u"def"_s);
     QCOMPARE(w.description(50), u"abcdef"_s);
-    QCOMPARE(w.scene.getNodes().size(), std::size_t(60));
+    QCOMPARE(w.scene.nodes().size(), std::size_t(60));
 }
 
 // A menu takes the keyboard while it is open.
@@ -153,7 +153,7 @@ void tst_PanelFocus::commandOfAMenuLeavesTheKeyboard()
     w.type(u"def"_s);
     w.key(Qt::Key_Delete);
     QCOMPARE(w.description(written), u"abcdef"_s);
-    QCOMPARE(w.scene.getNodes().size(), std::size_t(5));
+    QCOMPARE(w.scene.nodes().size(), std::size_t(5));
 }
 
 void tst_PanelFocus::windowInTheBackgroundKeepsTheKeyboard()
@@ -214,15 +214,15 @@ void tst_PanelFocus::keysChangeNothingOnceTheEventIsGone()
     w.key(Qt::Key_Delete);
     QCOMPARE(w.document(), before);
     QCOMPARE(panelTexts(w.window), listed);
-    for (const Node *node : w.scene.getNodes())
+    for (const Node *node : w.scene.nodes())
         QVERIFY(node->isVisible());
 
     // The other commands are for the window as ever.
     NodegraphScene *current =
         static_cast<NodegraphView *>(tabsOf(w.window)->currentWidget())->nodegraphScene();
-    const std::size_t events = current->getNodes().size();
+    const std::size_t events = current->nodes().size();
     w.key(Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
-    QCOMPARE(current->getNodes().size(), events + 1);
+    QCOMPARE(current->nodes().size(), events + 1);
 }
 
 void tst_PanelFocus::keyboardComesBackWithTheEvent_data()
@@ -306,7 +306,7 @@ void tst_PanelFocus::keyboardThatWentElsewhereStaysThere()
     w.scene.setEndOfStory(w.node(1));
     QCOMPARE(w.entryOf(2), nullptr);
     if (place == u"the canvas"_s)
-        w.window.getViews().front()->setFocus(Qt::MouseFocusReason);
+        w.window.views().front()->setFocus(Qt::MouseFocusReason);
     else if (place == u"another entry"_s)
         w.click(0);
     else

@@ -90,9 +90,9 @@ void tst_PanelKeys::tabComesAndGoes()
     QVERIFY(w.isReady());
     w.click(1);
     w.type(u"abc"_s);
-    w.window.getViews().front()->setFocus(Qt::MouseFocusReason);
+    w.window.views().front()->setFocus(Qt::MouseFocusReason);
     const QByteArray before = w.document();
-    QCOMPARE(QApplication::focusWidget(), w.window.getViews().front());
+    QCOMPARE(QApplication::focusWidget(), w.window.views().front());
     for (int round = 0; round < 2; ++round) {
         QVERIFY(reachPanel(w, modifiers));
         QCOMPARE(w.panel.focusItem(), nullptr);
@@ -113,7 +113,7 @@ void tst_PanelKeys::tabLeavesTheCanvas()
     w.key(Qt::Key_Escape);
     const QByteArray before = w.document();
     w.key(modifiers ? Qt::Key_Backtab : Qt::Key_Tab, modifiers);
-    QVERIFY(!w.window.getViews().front()->hasFocus());
+    QVERIFY(!w.window.views().front()->hasFocus());
     QVERIFY(reachPanel(w, modifiers));
     QCOMPARE(w.scene.focusItem(), nullptr);
     QCOMPARE(w.document(), before);
@@ -246,7 +246,7 @@ void tst_PanelKeys::markFollowsItsEvent()
     PanelWindow w(5);
     QVERIFY(w.isReady());
     panelCommands().at(std::size_t(command)).prepare(w);
-    w.window.getViews().front()->setFocus();
+    w.window.views().front()->setFocus();
     QVERIFY(reachPanel(w));
     w.key(Qt::Key_Home);
     for (std::size_t place = 0; w.entries().at(place)->getIndex() != 1; ++place)
@@ -295,13 +295,13 @@ void tst_PanelKeys::keysOfATextDoNothingWithoutOne()
     for (const Qt::Key key : {Qt::Key_Z, Qt::Key_Y, Qt::Key_X, Qt::Key_C, Qt::Key_V})
         w.key(key, Qt::ControlModifier);
     QCOMPARE(w.document(), before);
-    for (const Node *node : w.scene.getNodes())
+    for (const Node *node : w.scene.nodes())
         QVERIFY(node->isVisible());
     w.key(Qt::Key_I, Qt::ControlModifier);
     QVERIFY(w.node(2)->isImportant());
-    w.window.getViews().front()->setFocus(Qt::MouseFocusReason);
+    w.window.views().front()->setFocus(Qt::MouseFocusReason);
     w.key(Qt::Key_Delete);
-    QCOMPARE(w.scene.getNodes().size(), std::size_t(2));
+    QCOMPARE(w.scene.nodes().size(), std::size_t(2));
 }
 
 void tst_PanelKeys::clickWritesAtOnce()
@@ -327,7 +327,7 @@ void tst_PanelKeys::longListIsGoneAboutAsAnyOther()
     QVERIFY(writeFile(file, chain(3000)));
     w.window.loadFrom(file);
     QCOMPARE(w.entries().size(), std::size_t(3000));
-    w.window.getViews().front()->setFocus();
+    w.window.views().front()->setFocus();
     QVERIFY(reachPanel(w));
     w.key(Qt::Key_End);
     w.key(Qt::Key_Up);

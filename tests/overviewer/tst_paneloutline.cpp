@@ -25,7 +25,7 @@ private slots:
         window = std::make_unique<MainWindow>();
         window->show();
         QVERIFY(QTest::qWaitForWindowActive(window.get()));
-        panel = window->getOverviewerScene()->views().front();
+        panel = window->overviewerScene()->views().front();
     }
     void cleanup()
     {
@@ -115,7 +115,7 @@ void tst_PanelOutline::lineIsWholeOnEachSide()
     showStory(events);
     QTRY_COMPARE(panel->verticalScrollBar()->isVisible(), scrolls);
     const QImage image = shown();
-    const QRect place = placeOf(window->getOverviewerScene()->ovNodes().front());
+    const QRect place = placeOf(window->overviewerScene()->ovNodes().front());
     QVERIFY2(image.rect().contains(place), "the entry reaches beyond the panel");
     compareSides(image, place, !scrolls);
 }
@@ -125,7 +125,7 @@ void tst_PanelOutline::lineIsWholeAtTheEndOfTheList()
     showStory(30);
     QTRY_VERIFY(panel->verticalScrollBar()->isVisible());
     panel->verticalScrollBar()->setValue(panel->verticalScrollBar()->maximum());
-    compareSides(shown(), placeOf(window->getOverviewerScene()->ovNodes().back()), false);
+    compareSides(shown(), placeOf(window->overviewerScene()->ovNodes().back()), false);
 }
 
 void tst_PanelOutline::unimportantEntryHasNone()
@@ -133,7 +133,7 @@ void tst_PanelOutline::unimportantEntryHasNone()
     showStory(1);
     QVERIFY(run(shown(), QPoint(0, 40), QPoint(1, 0)) > 0);
     NodegraphScene *scene = sceneOf(*window, 0);
-    scene->toggleImportance(scene->getNodes().front());
+    scene->toggleImportance(scene->nodes().front());
     QCOMPARE(run(shown(), QPoint(0, 40), QPoint(1, 0)), 0);
 }
 

@@ -48,7 +48,7 @@ quint64 Changes::numberOf(QObject *object)
 Changes::Nodes Changes::statesOf(const NodegraphView *view)
 {
     Nodes states;
-    for (Node *node : view->nodegraphScene()->getNodes()) {
+    for (Node *node : view->nodegraphScene()->nodes()) {
         NodeState state;
         state.index = node->getIndex();
         state.prevIndex = node->getPrevIndex();
@@ -80,7 +80,7 @@ QString Changes::unexplained(const MainWindow &window, const Step &step)
     QSet<int> typed;
     QHash<quint64, Tab> former;
     former.swap(tabs);
-    for (NodegraphView *view : window.getViews()) {
+    for (NodegraphView *view : window.views()) {
         const quint64 number = numberOf(view);
         const Nodes now = statesOf(view);
         Tab tab = former.take(number);

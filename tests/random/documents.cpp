@@ -32,8 +32,8 @@ QByteArray withTabs(const QByteArray &document, Change change)
 
 QByteArray documentOf(const MainWindow &window)
 {
-    QByteArray bytes = SceneBytes::int32(qint32(window.getViews().size()));
-    for (const NodegraphView *view : window.getViews())
+    QByteArray bytes = SceneBytes::int32(qint32(window.views().size()));
+    for (const NodegraphView *view : window.views())
         bytes += SceneBytes::saved(*view->nodegraphScene());
     return bytes;
 }

@@ -98,7 +98,7 @@ NodegraphScene *Hands::scene() const { return view() ? view()->nodegraphScene() 
 /// Of the current tab, null if it has none.
 Node *Hands::anyNode()
 {
-    return !scene() || scene()->getNodes().empty() ? nullptr : choices.anyOf(scene()->getNodes());
+    return !scene() || scene()->nodes().empty() ? nullptr : choices.anyOf(scene()->nodes());
 }
 
 void Hands::say(const QString &detail) { step.name += QLatin1Char(' ') + detail; }
@@ -129,7 +129,7 @@ void Hands::command(const char *name, int effects)
 
 void Hands::addEvent()
 {
-    if (scene() && scene()->getNodes().size() >= mostNodes)
+    if (scene() && scene()->nodes().size() >= mostNodes)
         return;
     step.effects |= Effect::adds;
     if (choices.oneIn(3))

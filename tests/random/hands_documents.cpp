@@ -51,7 +51,7 @@ void Hands::closeTab()
         return;
     }
     step.effects = Effect::documents;
-    const bool hasPath = !window.getCurrentFilePath().isEmpty();
+    const bool hasPath = !window.currentFilePath().isEmpty();
     const int answer = choices.below(hasPath ? 5 : 4);
     const bool minutePasses = choices.oneIn(3);
     say(QString::number(answer));
@@ -73,7 +73,7 @@ void Hands::closeTab()
 void Hands::saveDocument()
 {
     const QByteArray bytes = documentOf(window);
-    QString path = window.getCurrentFilePath();
+    QString path = window.currentFilePath();
     if (!path.isEmpty()) {
         actionOf(window, "actionSave")->trigger();
     } else {
@@ -137,7 +137,7 @@ void Hands::open(const QString &path, const QByteArray &bytes)
     } else {
         window.loadFrom(path);
     }
-    if (window.getCurrentFilePath() != path)
+    if (window.currentFilePath() != path)
         complain(QStringLiteral("the opened file is not the document"));
     if (sortedDocument(documentOf(window)) != sortedDocument(asOpened(bytes)))
         complain(QStringLiteral("what was opened is not what the file holds"));

@@ -69,7 +69,7 @@ void Hands::typeDescription()
 
 void Hands::typeOnPanel()
 {
-    OverViewerScene *panel = window.getOverviewerScene();
+    OverViewerScene *panel = window.overviewerScene();
     if (!panel->ovNodes().empty())
         typeInto(descriptionOf(choices.anyOf(panel->ovNodes())), panel->views().constFirst());
 }
@@ -78,7 +78,7 @@ void Hands::typeOnPanel()
 void Hands::typeOn()
 {
     for (QGraphicsView *shownBy :
-         {static_cast<QGraphicsView *>(view()), window.getOverviewerScene()->views().constFirst()}) {
+         {static_cast<QGraphicsView *>(view()), window.overviewerScene()->views().constFirst()}) {
         if (shownBy && shownBy->hasFocus())
             useKeys(shownBy, 1 + choices.below(5));
     }

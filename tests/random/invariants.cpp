@@ -154,7 +154,7 @@ QString faultOfLine(const Node *node, bool mayLag)
 QString faultOfNode(const Node *node, const NodegraphScene &scene, bool held)
 {
     const int index = node->getIndex();
-    const auto &nodes = scene.getNodes();
+    const auto &nodes = scene.nodes();
     if (std::count_if(nodes.begin(), nodes.end(),
                       [index](const Node *other) { return other->getIndex() == index; }) != 1)
         return QStringLiteral("shares its index");
@@ -174,12 +174,12 @@ QString faultOfNode(const Node *node, const NodegraphScene &scene, bool held)
 
 QString faultOfMemories(const NodegraphScene &scene)
 {
-    const std::vector<Node *> &nodes = scene.getNodes();
+    const std::vector<Node *> &nodes = scene.nodes();
     for (const Node *remembered : {scene.currentNode(), scene.endOfStoryNode()}) {
         if (remembered && timesIn(nodes, remembered) != 1)
             return QStringLiteral("an event that is gone is remembered");
     }
-    const std::vector<Node *> &selected = scene.getSelectedNodes();
+    const std::vector<Node *> &selected = scene.selectedNodes();
     for (const Node *node : selected) {
         if (timesIn(nodes, node) != 1 || timesIn(selected, node) != 1)
             return QStringLiteral("the selection lists one that is gone, or one twice");
@@ -187,7 +187,7 @@ QString faultOfMemories(const NodegraphScene &scene)
     std::vector<const Node *> walked;
     for (const Node *node = scene.endOfStoryNode(); node; node = node->prevNode())
         walked.insert(walked.begin(), node);
-    const std::vector<Node *> &story = scene.getStory();
+    const std::vector<Node *> &story = scene.story();
     if (!std::equal(walked.begin(), walked.end(), story.begin(), story.end()))
         return QStringLiteral("the story is not the way to its end");
     return {};
@@ -197,7 +197,7 @@ QString faultOfMemories(const NodegraphScene &scene)
 
 QString faultOfScene(const NodegraphScene &scene, bool held)
 {
-    const std::vector<Node *> &nodes = scene.getNodes();
+    const std::vector<Node *> &nodes = scene.nodes();
     if (const QString fault = faultOfCanvas(canvasOf(scene), nodes, held); !fault.isEmpty())
         return fault;
     if (const QString fault = faultOfMemories(scene); !fault.isEmpty())
@@ -215,7 +215,7 @@ QString faultOfBytes(NodegraphScene &scene)
     const SceneBytes::Records records = reader.block();
     if (reader.isShort() || !reader.isAtEnd())
         return QStringLiteral("the saved bytes are no whole block");
-    if (std::size_t(records.size()) != scene.getNodes().size())
+    if (std::size_t(records.size()) != scene.nodes().size())
         return QStringLiteral("%1 events are saved").arg(records.size());
     for (const SceneBytes::Record &record : records) {
         const Node *node = scene.findNodeByIndex(record.index);

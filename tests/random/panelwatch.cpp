@@ -59,7 +59,7 @@ void PanelWatch::follow(const MainWindow &window, const Step &step)
     static const QString placeholder = QStringLiteral("Enter description");
     const bool mayBeLoaded = step.effects & Effect::documents;
     NodegraphScene *current = currentView(window) ? currentView(window)->nodegraphScene() : nullptr;
-    for (const NodegraphView *view : window.getViews()) {
+    for (const NodegraphView *view : window.views()) {
         NodegraphScene *scene = view->nodegraphScene();
         if (!scene->property(followedNote).isValid()) {
             scene->setProperty(followedNote, true);
@@ -69,12 +69,12 @@ void PanelWatch::follow(const MainWindow &window, const Step &step)
             if (!published)
                 published = current;
         }
-        for (const Node *node : scene->getNodes()) {
+        for (const Node *node : scene->nodes()) {
             EventData *content = node->payload()->eventContent();
             followText(content, mayBeLoaded ? content->getDescription() : placeholder);
         }
     }
-    for (OvNode *entry : window.getOverviewerScene()->ovNodes())
+    for (OvNode *entry : window.overviewerScene()->ovNodes())
         followText(contentOf(entry), placeholder);
     strayed = published != current && (strayed || step.effects & Effect::strays);
 }
@@ -98,12 +98,12 @@ QString PanelWatch::fault(const MainWindow &window, const Step &step)
     const bool filtered = window.findChild<QAbstractButton *>(QStringLiteral("F1_button"))->isChecked();
     std::vector<const Node *> listed;
     if (published) {
-        for (const Node *node : published->getStory()) {
+        for (const Node *node : published->story()) {
             if (!filtered || node->isImportant())
                 listed.push_back(node);
         }
     }
-    const std::vector<OvNode *> &entries = window.getOverviewerScene()->ovNodes();
+    const std::vector<OvNode *> &entries = window.overviewerScene()->ovNodes();
     if (entries.size() != listed.size())
         return QStringLiteral("the panel lists %1 events of %2").arg(entries.size()).arg(listed.size());
     double y = 0;
@@ -115,8 +115,8 @@ QString PanelWatch::fault(const MainWindow &window, const Step &step)
             return QStringLiteral("entry %1 of event %2 %3").arg(i).arg(listed[i]->getIndex()).arg(fault);
         y = int(5 + entries[i]->boundingRect().height() + y);
     }
-    for (const NodegraphView *view : window.getViews()) {
-        for (const Node *node : view->nodegraphScene()->getNodes()) {
+    for (const NodegraphView *view : window.views()) {
+        for (const Node *node : view->nodegraphScene()->nodes()) {
             EventData *content = node->payload()->eventContent();
             content->setProperty(seenNote, content->getDescription());
         }

@@ -96,7 +96,7 @@ private:
         note(hands.problem());
         note(WarningWatch::warning());
         const auto *current = tabsOf(window)->currentWidget();
-        for (const NodegraphView *view : window.getViews()) {
+        for (const NodegraphView *view : window.views()) {
             // The other tabs are nobody's target, so less often will do for them.
             if (view == current || done % 8 == 0 || (step.effects & (Effect::documents | Effect::strays))) {
                 note(Invariants::faultOfScene(*view->nodegraphScene(), hands.holds(view)));
@@ -119,7 +119,7 @@ private:
     void checkHistories()
     {
         check(hands.letGo());
-        const std::vector<NodegraphView *> views = window.getViews();
+        const std::vector<NodegraphView *> views = window.views();
         for (NodegraphView *view : views) {
             tabsOf(window)->setCurrentWidget(view);
             if (fault.isEmpty())
@@ -172,10 +172,10 @@ private:
     QByteArray expectedStart(const NodegraphView &view) const
     {
         QSet<int> indices;
-        for (const Node *node : view.nodegraphScene()->getNodes())
+        for (const Node *node : view.nodegraphScene()->nodes())
             indices.insert(node->getIndex());
         const bool joined =
-            std::any_of(view.nodegraphScene()->getNodes().begin(), view.nodegraphScene()->getNodes().end(),
+            std::any_of(view.nodegraphScene()->nodes().begin(), view.nodegraphScene()->nodes().end(),
                         [](const Node *node) { return node->hasInput(); });
         return joined || indices != changes.startOf(&view) ? QByteArray() : sortedBytes(view);
     }

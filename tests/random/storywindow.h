@@ -33,6 +33,6 @@ inline EventData *contentOf(const Node *node) { return node->payload()->eventCon
 
 inline OvNode *entry(const MainWindow &window, std::size_t place)
 {
-    return window.getOverviewerScene()->ovNodes().at(place);
+    return window.overviewerScene()->ovNodes().at(place);
 }
 inline EventData *contentOf(OvNode *entry) { return dynamic_cast<EventData *>(entry->eventData()); }

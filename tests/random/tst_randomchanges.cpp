@@ -143,7 +143,7 @@ void tst_RandomChanges::aConnectionThatDoesNotComeBackIsNoted()
 {
     constexpr int history = Effect::adds | Effect::removes | Effect::connects | Effect::history;
     StoryWindow story;
-    const NodegraphView *view = story.window.getViews().front();
+    const NodegraphView *view = story.window.views().front();
     Changes changes;
     QCOMPARE(changes.unexplained(story.window, {{}, Effect::documents}), QString());
     view->undoStack()->push(new ConnectNodesCommand(&story.scene, 1, 3));

@@ -43,7 +43,7 @@ void tst_RandomChecks::aSoundWindowHasNoFault()
     Changes changes;
     QCOMPARE(changes.unexplained(story.window, {{}, Effect::documents}), QString());
     QCOMPARE(changes.unexplained(story.window, {}), QString());
-    QCOMPARE(changes.startOf(story.window.getViews().front()), (QSet<int>{0, 1, 2, 3}));
+    QCOMPARE(changes.startOf(story.window.views().front()), (QSet<int>{0, 1, 2, 3}));
 }
 
 void tst_RandomChecks::damageToASceneIsFound_data()
@@ -170,7 +170,7 @@ void tst_RandomChecks::damageToThePanelIsFound_data()
         QTest::newRow(name) << damage << QString::fromLatin1(fault);
     };
     row(
-        "missing", [](auto &w) { w.getOverviewerScene()->sl_recieveNodes({}); },
+        "missing", [](auto &w) { w.overviewerScene()->sl_recieveNodes({}); },
         "the panel lists 0 events of 3");
     row(
         "unfiltered", [](auto &w) { buttonOf(w, "F1_button")->setChecked(true); },

@@ -19,12 +19,12 @@ protected:
         QPainter painter(viewport());
         painter.fillRect(viewport()->rect(), Qt::darkGray);
         painter.setWorldTransform(viewportTransform());
-        for (const Node *each : nodegraphScene()->getNodes())
+        for (const Node *each : nodegraphScene()->nodes())
             painter.fillRect(each->sceneBoundingRect(), each->bodyColor());
     }
 };
 
-QGraphicsView *panelOf(const MainWindow &window) { return window.getOverviewerScene()->views().constFirst(); }
+QGraphicsView *panelOf(const MainWindow &window) { return window.overviewerScene()->views().constFirst(); }
 
 } // namespace
 
@@ -103,7 +103,7 @@ void tst_ScreenWatch::aTextBeingEditedHasNoFault()
     StoryWindow story;
     show(story.window);
     tabsOf(story.window)->setCurrentIndex(0);
-    NodegraphView *canvas = story.window.getViews().front();
+    NodegraphView *canvas = story.window.views().front();
     canvas->setFocus();
     descriptionOf(node(story.scene, 1))->setFocus();
     for (const Qt::Key key : {Qt::Key_End, Qt::Key_F, Qt::Key_O, Qt::Key_G}) {
@@ -167,11 +167,11 @@ void tst_ScreenWatch::aPartThatStandsStillIsFound_data()
         QTest::newRow(name) << damage << QString::fromLatin1(part);
     };
     row(
-        "canvas without updates", [](auto &w) { w.getViews().front()->viewport()->setUpdatesEnabled(false); },
+        "canvas without updates", [](auto &w) { w.views().front()->viewport()->setUpdatesEnabled(false); },
         "the canvas");
     row(
         "canvas told of none",
-        [](auto &w) { w.getViews().front()->setViewportUpdateMode(QGraphicsView::NoViewportUpdate); },
+        [](auto &w) { w.views().front()->setViewportUpdateMode(QGraphicsView::NoViewportUpdate); },
         "the canvas");
     row(
         "panel without updates", [](auto &w) { panelOf(w)->viewport()->setUpdatesEnabled(false); },
@@ -203,7 +203,7 @@ void tst_ScreenWatch::aLostRepaintIsFoundUnlessItWasHealed()
         show(story.window);
         tabsOf(story.window)->setCurrentIndex(0);
         QCOMPARE(ScreenWatch::fault(story.window), QString());
-        QWidget *viewport = story.window.getViews().front()->viewport();
+        QWidget *viewport = story.window.views().front()->viewport();
         viewport->setAttribute(Qt::WA_UpdatesDisabled, true);
         story.scene.update();
         ScreenWatch::comeToRest();

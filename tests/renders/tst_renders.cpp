@@ -209,7 +209,7 @@ void tst_Renders::windowLooksAsBefore()
     scene->sl_deselectCurrentNode();
     scene->deselectAll();
     window->sl_frame();
-    scene->getNodes().front()->setSelected(true);
+    scene->nodes().front()->setSelected(true);
     compareWithReference(window->grab(), QString::fromLatin1(QTest::currentDataTag()));
 }
 
@@ -255,12 +255,12 @@ void tst_Renders::zoomedCanvasLooksAsBefore()
     const QTemporaryDir folder;
     showWindow(QSize(1440, 748));
     open(longStory(folder));
-    NodegraphView *view = window->getViews().front();
+    NodegraphView *view = window->views().front();
     NodegraphScene *scene = sceneOf(*window, 0);
     scene->sl_deselectCurrentNode();
-    scene->getNodes().at(44)->setSelected(true);
+    scene->nodes().at(44)->setSelected(true);
     view->setTransform(QTransform::fromScale(scale, scale));
-    view->centerOn(scene->getNodes().at(44));
+    view->centerOn(scene->nodes().at(44));
     compareWithReference(view->viewport()->grab(), QString::fromLatin1(QTest::currentDataTag()));
 }
 

@@ -16,7 +16,7 @@ struct ClipboardTab : GraphTab
         scene.sl_deselectCurrentNode();
         const QPointF pos(500 + placed * spacing, 9500 - placed * spacing);
         scene.createNode(pos, placed++, 0, nullptr, title);
-        Node *node = scene.getNodes().back();
+        Node *node = scene.nodes().back();
         typeDescription(node, QStringLiteral("About %1").arg(title));
         return node;
     }
@@ -42,7 +42,7 @@ struct ClipboardTab : GraphTab
         for (const Node *node : wanted)
             mouse.move(node->scenePos() + QPointF(5, 5));
         mouse.release(QPointF(10, 10));
-        QCOMPARE(scene.getSelectedNodes(), wanted);
+        QCOMPARE(scene.selectedNodes(), wanted);
     }
 
     void makeCurrent(Node *node) { scene.sl_selectCurrentNode(node); }
@@ -68,7 +68,7 @@ struct ClipboardTab : GraphTab
     /// The newest event with that title, null if there is none.
     Node *titled(const QString &title) const
     {
-        const std::vector<Node *> &nodes = scene.getNodes();
+        const std::vector<Node *> &nodes = scene.nodes();
         const auto found = std::find_if(nodes.rbegin(), nodes.rend(),
                                         [&title](const Node *node) { return node->title() == title; });
         return found == nodes.rend() ? nullptr : *found;
@@ -77,7 +77,7 @@ struct ClipboardTab : GraphTab
     QStringList titles() const
     {
         QStringList all;
-        for (const Node *node : scene.getNodes())
+        for (const Node *node : scene.nodes())
             all << node->title();
         all.sort();
         return all;
@@ -87,7 +87,7 @@ struct ClipboardTab : GraphTab
     QStringList joined() const
     {
         QStringList all;
-        for (const Node *node : scene.getNodes()) {
+        for (const Node *node : scene.nodes()) {
             if (node->hasInput())
                 all << QStringLiteral("%1 > %2").arg(node->prevNode()->title(), node->title());
         }
@@ -112,7 +112,7 @@ struct ClipboardTab : GraphTab
     QStringList hidden() const
     {
         QStringList all;
-        for (const Node *node : scene.getNodes()) {
+        for (const Node *node : scene.nodes()) {
             if (!node->isVisible())
                 all << node->title();
         }
@@ -124,7 +124,7 @@ struct ClipboardTab : GraphTab
     QStringList hiddenLines() const
     {
         QStringList all;
-        for (const Node *node : scene.getNodes()) {
+        for (const Node *node : scene.nodes()) {
             if (node->inLine() && !node->inLine()->isVisible())
                 all << QStringLiteral("%1 > %2").arg(node->prevNode()->title(), node->title());
         }

@@ -64,7 +64,7 @@ inline QGraphicsRectItem *rubberBandOf(const QGraphicsScene &scene)
 inline bool linesAreExact(const NodegraphScene &scene)
 {
     std::size_t fed = 0;
-    for (const Node *node : scene.getNodes()) {
+    for (const Node *node : scene.nodes()) {
         const ConnectionLine *line = node->inLine();
         if (node->hasInput() != (line != nullptr))
             return false;
@@ -138,7 +138,7 @@ struct FourNodes : ShownScene
         for (const QPointF pos : {QPointF(30, 30), QPointF(680, 30), QPointF(30, 480), QPointF(680, 480)}) {
             scene.sl_deselectCurrentNode();
             scene.createNode(pos, int(nodes.size()), 0, nullptr, QString());
-            nodes.push_back(scene.getNodes().back());
+            nodes.push_back(scene.nodes().back());
         }
     }
     Node *operator[](std::size_t i) const { return nodes[i]; }

@@ -196,7 +196,7 @@ void tst_Clipboard::aPasteOfNothingLeavesAllAsItIs()
     board.makeCurrent(a);
     board.clipboard.paste(elsewhere);
     QCOMPARE(log.lines(), QStringList{text("Pasting")});
-    QCOMPARE(board.scene.getNodes(), Nodes{a});
+    QCOMPARE(board.scene.nodes(), Nodes{a});
     QCOMPARE(board.stack.count(), 0);
 }
 
@@ -235,7 +235,7 @@ void tst_Clipboard::whenNobodyRunsCommandsNothingIsPasted()
     board.makeCurrent(a);
     board.clipboard.cut();
     board.clipboard.paste(elsewhere);
-    QCOMPARE(board.scene.getNodes(), Nodes{a});
+    QCOMPARE(board.scene.nodes(), Nodes{a});
     QVERIFY(a->isVisible());
     QCOMPARE(board.clipboard.remembered(), Nodes());
 }

@@ -35,7 +35,7 @@ struct Yard
         }
     }
 
-    std::vector<int> left() const { return indicesOf(scene.getNodes()); }
+    std::vector<int> left() const { return indicesOf(scene.nodes()); }
 
     void select(const QRectF &band)
     {
@@ -102,14 +102,14 @@ void tst_NodeDeletion::theSelectionGoesInstead()
 {
     Yard yard;
     yard.select(aroundTheFirstTwo);
-    QCOMPARE(indicesOf(yard.scene.getSelectedNodes()), (std::vector<int>{1, 0}));
+    QCOMPARE(indicesOf(yard.scene.selectedNodes()), (std::vector<int>{1, 0}));
     yard.scene.sl_selectCurrentNode(yard.nodes[3]);
     const LogCapture log;
     yard.deletion.deleteSelected(nullptr);
     QCOMPARE(yard.left(), (std::vector<int>{2, 3}));
     QCOMPARE(yard.scene.currentNode(), nullptr);
     QCOMPARE(log.count(u"Del"_s), 2);
-    QVERIFY(yard.scene.getSelectedNodes().empty());
+    QVERIFY(yard.scene.selectedNodes().empty());
 
     yard.select(QRectF(780, 20, 40, 100));
     yard.deletion.deleteSelected(yard.nodes[3]);
@@ -124,8 +124,8 @@ void tst_NodeDeletion::eachCanComeBack()
     QCOMPARE(int(yard.commands.size()), 2);
     yard.commands.back()->undo();
     QCOMPARE(yard.left(), (std::vector<int>{2, 3, 0}));
-    QCOMPARE(yard.scene.getNodes().back()->title(), u"Title 0"_s);
-    QCOMPARE(yard.scene.getNodes().back()->scenePos(), QPointF(0, 100));
+    QCOMPARE(yard.scene.nodes().back()->title(), u"Title 0"_s);
+    QCOMPARE(yard.scene.nodes().back()->scenePos(), QPointF(0, 100));
 }
 
 void tst_NodeDeletion::deletesAllOneByOne()

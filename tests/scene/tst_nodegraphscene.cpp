@@ -136,9 +136,9 @@ void tst_NodegraphScene::freshSceneIsEmptyGreyCanvas()
     QCOMPARE(scene.sceneRect(), QRectF(0, 0, 99999, 99999));
     QCOMPARE(scene.backgroundBrush().style(), Qt::SolidPattern);
     QCOMPARE(scene.backgroundBrush().color(), QColor(0x60, 0x60, 0x60));
-    QVERIFY(scene.getNodes().empty());
-    QVERIFY(scene.getSelectedNodes().empty());
-    QVERIFY(scene.getStory().empty());
+    QVERIFY(scene.nodes().empty());
+    QVERIFY(scene.selectedNodes().empty());
+    QVERIFY(scene.story().empty());
     QCOMPARE(scene.currentNode(), nullptr);
     QCOMPARE(scene.endOfStoryNode(), nullptr);
 }
@@ -161,7 +161,7 @@ void tst_NodegraphScene::createNodeTakesNameAndCopiesData()
     auto source = std::make_unique<NodeData>(0, nullptr);
     source->eventContent()->setDescription(QStringLiteral("What happens"));
     tab.scene.createNode(QPointF(7.5, 8.5), 4, 0, source.get(), QStringLiteral("Title"));
-    const Node *node = tab.scene.getNodes().front();
+    const Node *node = tab.scene.nodes().front();
     QVERIFY(node->payload() != source.get());
     source.reset(); // stays the caller's
     QCOMPARE(node->pos(), QPointF(7.5, 8.5));
@@ -176,7 +176,7 @@ void tst_NodegraphScene::createNodeWithoutNameAndDataKeepsDefaults()
     const Node fresh(0);
     tab.scene.createNode(QPointF(), 0, 0, nullptr, QString());
     tab.scene.createNode(QPointF(), 1, 0, nullptr, QStringLiteral(""));
-    for (const Node *node : tab.scene.getNodes()) {
+    for (const Node *node : tab.scene.nodes()) {
         QCOMPARE(node->title(), QStringLiteral("Event"));
         QCOMPARE(node->payload()->eventContent()->getDescription(),
                  fresh.payload()->eventContent()->getDescription());
@@ -192,7 +192,7 @@ void tst_NodegraphScene::createNodePublishesStory()
     QCOMPARE(spy.size(), 2);
     tab.scene.createNode(QPointF(), 1, 0, nullptr, QString());
     QCOMPARE(spy.size(), 3);
-    QCOMPARE(spy.last().at(0).value<Nodes>(), Nodes{tab.scene.getNodes().front()});
+    QCOMPARE(spy.last().at(0).value<Nodes>(), Nodes{tab.scene.nodes().front()});
 }
 
 void tst_NodegraphScene::takenIndexIsReplacedByCounter()
@@ -201,9 +201,9 @@ void tst_NodegraphScene::takenIndexIsReplacedByCounter()
     addChain(tab.scene, 3);
     tab.scene.createNode(QPointF(), 1, 0, nullptr, QString());
     // The counter has counted the new node already.
-    QCOMPARE(tab.scene.getNodes().back()->getIndex(), 4);
+    QCOMPARE(tab.scene.nodes().back()->getIndex(), 4);
     tab.scene.createNode(QPointF(), 17, 0, nullptr, QString());
-    QCOMPARE(tab.scene.getNodes().back()->getIndex(), 17);
+    QCOMPARE(tab.scene.nodes().back()->getIndex(), 17);
 }
 
 void tst_NodegraphScene::replacedIndexIsUnique_data()
@@ -231,8 +231,8 @@ void tst_NodegraphScene::replacedIndexIsUnique()
     for (const int index : present)
         tab.scene.createNode(QPointF(), index, 0, nullptr, QString());
     tab.scene.createNode(QPointF(), wanted, 0, nullptr, QString());
-    QCOMPARE(tab.scene.getNodes().back()->getIndex(), given);
-    QCOMPARE(tab.scene.findNodeByIndex(given), tab.scene.getNodes().back());
+    QCOMPARE(tab.scene.nodes().back()->getIndex(), given);
+    QCOMPARE(tab.scene.findNodeByIndex(given), tab.scene.nodes().back());
 }
 
 void tst_NodegraphScene::lookupFindsFirstMatch()
@@ -349,10 +349,10 @@ void tst_NodegraphScene::selectAllListsNodesInOrder()
     SceneTab tab;
     const Nodes nodes = addChain(tab.scene, 3);
     tab.scene.selectAll();
-    QCOMPARE(tab.scene.getSelectedNodes(), nodes);
+    QCOMPARE(tab.scene.selectedNodes(), nodes);
     QCOMPARE(tab.scene.selectedItems().size(), 3);
     tab.scene.selectAll();
-    QCOMPARE(tab.scene.getSelectedNodes(), nodes);
+    QCOMPARE(tab.scene.selectedNodes(), nodes);
     QCOMPARE(tab.scene.currentNode(), nodes[2]);
 }
 
@@ -362,11 +362,11 @@ void tst_NodegraphScene::deselectAllKeepsCurrentNode()
     const Nodes nodes = addChain(tab.scene, 2);
     tab.scene.selectAll();
     tab.scene.deselectAll();
-    QVERIFY(tab.scene.getSelectedNodes().empty());
+    QVERIFY(tab.scene.selectedNodes().empty());
     QVERIFY(tab.scene.selectedItems().isEmpty());
     QCOMPARE(tab.scene.currentNode(), nodes[1]);
     tab.scene.sl_addEventNode();
-    QCOMPARE(tab.scene.getNodes().back()->prevNode(), nodes[1]);
+    QCOMPARE(tab.scene.nodes().back()->prevNode(), nodes[1]);
 }
 
 QTEST_MAIN(tst_NodegraphScene)

@@ -41,7 +41,7 @@ void tst_NodegraphSceneAdding::threeAddsMakeChain()
     tab.scene.sl_lastMousePos(QPointF(100, 200));
     const Nodes nodes = addChain(tab.scene, 3);
 
-    QCOMPARE(tab.scene.getNodes(), nodes);
+    QCOMPARE(tab.scene.nodes(), nodes);
     QCOMPARE(indicesOf(nodes), (std::vector<int>{0, 1, 2}));
     QCOMPARE(nodes[0]->pos(), QPointF(100, 200));
     const double step = nodes[0]->boundingRect().width() + 100;
@@ -59,9 +59,9 @@ void tst_NodegraphSceneAdding::threeAddsMakeChain()
     QVERIFY(!nodes[0]->isEndOfStory());
     QVERIFY(!nodes[1]->isEndOfStory());
     QVERIFY(nodes[2]->isEndOfStory());
-    QCOMPARE(tab.scene.getStory(), nodes);
+    QCOMPARE(tab.scene.story(), nodes);
     QVERIFY(linesAreExact(tab.scene));
-    QVERIFY(tab.scene.getSelectedNodes().empty());
+    QVERIFY(tab.scene.selectedNodes().empty());
     // The connections are part of the additions.
     QCOMPARE(tab.stack.count(), 3);
     QCOMPARE(tab.stack.undoText(), QStringLiteral("Add Node"));
@@ -77,12 +77,12 @@ void tst_NodegraphSceneAdding::addCommandDoesNothingUntilSomebodyRunsIt()
     QCOMPARE(spy.size(), 1);
     const std::unique_ptr<QUndoCommand> command(spy.at(0).at(0).value<QUndoCommand *>());
     QCOMPARE(command->text(), QStringLiteral("Add Node"));
-    QVERIFY(scene.getNodes().empty());
+    QVERIFY(scene.nodes().empty());
     QVERIFY(story.isEmpty());
 
     command->redo();
-    QCOMPARE(scene.getNodes().size(), std::size_t(1));
-    const Node *node = scene.getNodes().front();
+    QCOMPARE(scene.nodes().size(), std::size_t(1));
+    const Node *node = scene.nodes().front();
     QCOMPARE(node->pos(), QPointF(12.5, 34.5));
     QCOMPARE(node->getIndex(), 0);
     QCOMPARE(node->getType(), 0);
@@ -94,7 +94,7 @@ void tst_NodegraphSceneAdding::firstAddedEventIsCurrentAndSelected()
 {
     SceneTab tab;
     tab.scene.sl_addEventNode();
-    Node *node = tab.scene.getNodes().front();
+    Node *node = tab.scene.nodes().front();
     QCOMPARE(tab.scene.currentNode(), node);
     QVERIFY(node->isSelected());
     QVERIFY(node->isEndOfStory());
@@ -106,15 +106,15 @@ void tst_NodegraphSceneAdding::onlyAddCommandMakesFirstNodeCurrent()
     SceneTab tab;
     tab.scene.createNode(QPointF(10, 10), 0, 0, nullptr, QString());
     QCOMPARE(tab.scene.currentNode(), nullptr);
-    QVERIFY(!tab.scene.getNodes().front()->isSelected());
-    QVERIFY(tab.scene.getNodes().front()->isEndOfStory());
+    QVERIFY(!tab.scene.nodes().front()->isSelected());
+    QVERIFY(tab.scene.nodes().front()->isEndOfStory());
 
-    tab.scene.deleteSelectedNodes(tab.scene.getNodes().front());
-    QVERIFY(tab.scene.getNodes().empty());
+    tab.scene.deleteSelectedNodes(tab.scene.nodes().front());
+    QVERIFY(tab.scene.nodes().empty());
     tab.stack.undo();
-    QCOMPARE(tab.scene.getNodes().size(), std::size_t(1));
+    QCOMPARE(tab.scene.nodes().size(), std::size_t(1));
     QCOMPARE(tab.scene.currentNode(), nullptr);
-    QVERIFY(!tab.scene.getNodes().front()->isSelected());
+    QVERIFY(!tab.scene.nodes().front()->isSelected());
 }
 
 void tst_NodegraphSceneAdding::firstEventAfterAllWereDeletedIsCurrentAgain()
@@ -123,13 +123,13 @@ void tst_NodegraphSceneAdding::firstEventAfterAllWereDeletedIsCurrentAgain()
     addChain(tab.scene, 2);
     tab.scene.selectAll();
     tab.scene.deleteSelectedNodes(nullptr);
-    QVERIFY(tab.scene.getNodes().empty());
+    QVERIFY(tab.scene.nodes().empty());
 
     const Nodes nodes = addChain(tab.scene, 1);
     QCOMPARE(nodes[0]->getIndex(), 2);
     QCOMPARE(tab.scene.currentNode(), nodes[0]);
     QCOMPARE(tab.scene.endOfStoryNode(), nodes[0]);
-    QCOMPARE(tab.scene.getStory(), nodes);
+    QCOMPARE(tab.scene.story(), nodes);
 }
 
 void tst_NodegraphSceneAdding::addedEventTakesWholeNumbersBesideCurrentNode_data()
@@ -150,7 +150,7 @@ void tst_NodegraphSceneAdding::addedEventTakesWholeNumbersBesideCurrentNode()
     Node *node = addChain(tab.scene, 1).front();
     node->setPos(current);
     tab.scene.sl_addEventNode();
-    const Node *added = tab.scene.getNodes().back();
+    const Node *added = tab.scene.nodes().back();
     QCOMPARE(node->boundingRect().width(), 455.0);
     QCOMPARE(added->pos(), shift + QPointF(555, 0));
     QVERIFY(linesAreExact(tab.scene));
@@ -162,13 +162,13 @@ void tst_NodegraphSceneAdding::addedEventLeavesMarkThatCurrentNodeDoesNotHave()
     const Nodes nodes = addChain(tab.scene, 2);
     tab.scene.sl_selectCurrentNode(nodes[0]);
     tab.scene.sl_addEventNode();
-    Node *branch = tab.scene.getNodes().back();
+    Node *branch = tab.scene.nodes().back();
     QCOMPARE(branch->prevNode(), nodes[0]);
     QCOMPARE(tab.scene.currentNode(), branch);
     QVERIFY(branch->isSelected());
     QCOMPARE(tab.scene.endOfStoryNode(), nodes[1]);
     QVERIFY(!branch->isEndOfStory());
-    QCOMPARE(tab.scene.getStory(), nodes);
+    QCOMPARE(tab.scene.story(), nodes);
 }
 
 void tst_NodegraphSceneAdding::looseEventStandsExactlyAtMouse()
@@ -181,7 +181,7 @@ void tst_NodegraphSceneAdding::looseEventStandsExactlyAtMouse()
     tab.scene.sl_lastMousePos(QPointF(5000.25, 4999.75));
 
     tab.scene.sl_addEventNode();
-    const Node *loose = tab.scene.getNodes().back();
+    const Node *loose = tab.scene.nodes().back();
     QCOMPARE(loose->pos(), QPointF(5000.25, 4999.75));
     QVERIFY(!loose->hasInput());
     QVERIFY(loose->nextNodes().empty());
@@ -189,7 +189,7 @@ void tst_NodegraphSceneAdding::looseEventStandsExactlyAtMouse()
     QVERIFY(!loose->isSelected());
     QCOMPARE(tab.scene.currentNode(), nullptr);
     QCOMPARE(tab.scene.endOfStoryNode(), nodes[1]);
-    QCOMPARE(tab.scene.getStory(), nodes);
+    QCOMPARE(tab.scene.story(), nodes);
 }
 
 void tst_NodegraphSceneAdding::addingLogsIndexThenConnection()
@@ -212,10 +212,10 @@ void tst_NodegraphSceneAdding::deletedIndexIsNotUsedAgain()
     const Nodes nodes = addChain(tab.scene, 3);
     tab.scene.deleteSelectedNodes(nodes[1]);
     tab.scene.sl_addEventNode();
-    QCOMPARE(indicesOf(tab.scene.getNodes()), (std::vector<int>{0, 2, 3}));
+    QCOMPARE(indicesOf(tab.scene.nodes()), (std::vector<int>{0, 2, 3}));
     tab.scene.clear();
     tab.scene.sl_addEventNode();
-    QCOMPARE(indicesOf(tab.scene.getNodes()), std::vector<int>{0});
+    QCOMPARE(indicesOf(tab.scene.nodes()), std::vector<int>{0});
 }
 
 // A scene opened from a file with a hole asks for an index that is taken; undo used to delete its owner.
@@ -224,10 +224,10 @@ void tst_NodegraphSceneAdding::addUndoneAfterReplacedIndexTakesItsOwnNode()
     SceneTab tab;
     tab.scene.createNode(QPointF(), 1, 0, nullptr, QStringLiteral("kept"));
     tab.scene.sl_addEventNode(); // asks for 1
-    QCOMPARE(indicesOf(tab.scene.getNodes()), (std::vector<int>{1, 2}));
+    QCOMPARE(indicesOf(tab.scene.nodes()), (std::vector<int>{1, 2}));
     tab.stack.undo();
-    QCOMPARE(tab.scene.getNodes().size(), std::size_t(1));
-    QCOMPARE(tab.scene.getNodes().front()->title(), QStringLiteral("kept"));
+    QCOMPARE(tab.scene.nodes().size(), std::size_t(1));
+    QCOMPARE(tab.scene.nodes().front()->title(), QStringLiteral("kept"));
 }
 
 void tst_NodegraphSceneAdding::middleOfViewCountsUntilMouseWasThere()
@@ -240,12 +240,12 @@ void tst_NodegraphSceneAdding::middleOfViewCountsUntilMouseWasThere()
     shown.scene.sl_deselectCurrentNode();
     shown.scene.sl_lastMousePos(QPointF(0, 0)); // a real place
     shown.scene.sl_addEventNode();
-    QCOMPARE(shown.scene.getNodes().back()->pos(), QPointF(0, 0));
+    QCOMPARE(shown.scene.nodes().back()->pos(), QPointF(0, 0));
 
     shown.scene.sl_deselectCurrentNode();
     shown.move(QPointF(321, 123));
     shown.scene.sl_addEventNode();
-    QCOMPARE(shown.scene.getNodes().back()->pos(), QPointF(321, 123));
+    QCOMPARE(shown.scene.nodes().back()->pos(), QPointF(321, 123));
 }
 
 void tst_NodegraphSceneAdding::firstEventLandsInSightOfScrolledView()
@@ -321,12 +321,12 @@ void tst_NodegraphSceneAdding::longChainStaysInSightBeyondTheCanvas()
     ShownScene shown;
     const QRectF canvas = shown.scene.sceneRect();
     addLoose(shown.scene, QPointF(98000, 99700));
-    shown.scene.sl_selectCurrentNode(shown.scene.getNodes().back());
+    shown.scene.sl_selectCurrentNode(shown.scene.nodes().back());
     for (int i = 0; i < 6; ++i) {
         const Node *added = addChain(shown.scene, 1).front();
         QVERIFY(shown.inSight().contains(added->sceneBoundingRect()));
     }
-    QVERIFY(shown.scene.getNodes().back()->scenePos().x() > canvas.right());
+    QVERIFY(shown.scene.nodes().back()->scenePos().x() > canvas.right());
     QCOMPARE(shown.scene.sceneRect(), canvas);
 }
 
@@ -337,7 +337,7 @@ void tst_NodegraphSceneAdding::framedEventsBeyondTheCanvasAreInSight()
     addLoose(shown.scene, QPointF(151000, 120000));
     shown.view.centerOn(0, 0);
     shown.scene.frameSelectedNodes();
-    for (const Node *node : shown.scene.getNodes())
+    for (const Node *node : shown.scene.nodes())
         QVERIFY(shown.inSight().contains(node->sceneBoundingRect()));
 }
 

@@ -36,8 +36,8 @@ void tst_NodegraphSceneClearing::clearDeletesEveryNodeByCommand()
                                        "clearing scene", "Del", "Deleted node  1", "No storyNode"}));
     QCOMPARE(tab.stack.count(), commands + 2);
     QCOMPARE(tab.stack.undoText(), QStringLiteral("Delete Node"));
-    QVERIFY(tab.scene.getNodes().empty());
-    QVERIFY(tab.scene.getStory().empty());
+    QVERIFY(tab.scene.nodes().empty());
+    QVERIFY(tab.scene.story().empty());
     QCOMPARE(tab.scene.endOfStoryNode(), nullptr);
     QVERIFY(story.last().at(0).value<Nodes>().empty());
     QCOMPARE(tab.scene.items().size(), 1); // the rubber band's rectangle
@@ -56,8 +56,8 @@ void tst_NodegraphSceneClearing::clearDeletesSelectionOnce()
     QCOMPARE(tab.stack.count(), commands + 4);
     QCOMPARE(log.count("clearing scene"), 1); // the first deletion took the whole selection with it
     QCOMPARE(log.count("Del"), 4);
-    QVERIFY(tab.scene.getSelectedNodes().empty());
-    QVERIFY(tab.scene.getNodes().empty());
+    QVERIFY(tab.scene.selectedNodes().empty());
+    QVERIFY(tab.scene.nodes().empty());
 }
 
 void tst_NodegraphSceneClearing::clearResetsCounterAndCurrentNode()
@@ -108,7 +108,7 @@ void tst_NodegraphSceneClearing::clearKeepsRubberBandUsable()
     QCOMPARE(band->zValue(), 100.0);
     QCOMPARE(band->pen().style(), Qt::NoPen);
     QCOMPARE(band->brush().color(), QColor(255, 255, 255, 28));
-    QCOMPARE(tab.scene.getSelectedNodes(), Nodes{node});
+    QCOMPARE(tab.scene.selectedNodes(), Nodes{node});
     mouse.release(QPointF(1100, 1100));
 }
 
@@ -117,23 +117,23 @@ void tst_NodegraphSceneClearing::clearWithoutUndoStackLeavesNothingBehind()
     NodegraphScene scene;
     for (int i = 0; i < 3; ++i)
         scene.createNode(QPointF(0, 400.0 * i), i, 0, nullptr, QString());
-    scene.connectNodes(scene.getNodes()[1], scene.getNodes()[0]);
-    scene.sl_selectCurrentNode(scene.getNodes()[1]);
+    scene.connectNodes(scene.nodes()[1], scene.nodes()[0]);
+    scene.sl_selectCurrentNode(scene.nodes()[1]);
     scene.copyNodes();
     QSignalSpy story(&scene, &NodegraphScene::s_updateStory);
     std::vector<std::unique_ptr<QUndoCommand>> unused;
     connect(&scene, &NodegraphScene::s_UndoCommandAdded, &scene,
             [&unused](QUndoCommand *command) { unused.emplace_back(command); });
     scene.clear();
-    QVERIFY(scene.getNodes().empty());
-    QVERIFY(scene.getStory().empty());
+    QVERIFY(scene.nodes().empty());
+    QVERIFY(scene.story().empty());
     QCOMPARE(scene.endOfStoryNode(), nullptr);
     QCOMPARE(scene.items().size(), 1);
     QVERIFY(!story.isEmpty());
     QVERIFY(story.last().at(0).value<Nodes>().empty());
     scene.updateStory();
     scene.pasteNodes();
-    QVERIFY(scene.getNodes().empty());
+    QVERIFY(scene.nodes().empty());
 }
 
 void tst_NodegraphSceneClearing::clearCanBeUndone()
@@ -144,8 +144,8 @@ void tst_NodegraphSceneClearing::clearCanBeUndone()
     tab.scene.clear();
     while (tab.stack.index() > before)
         tab.stack.undo();
-    QCOMPARE(tab.scene.getNodes().size(), std::size_t(3));
-    QCOMPARE(indicesOf(tab.scene.getStory()), (std::vector<int>{0, 1, 2}));
+    QCOMPARE(tab.scene.nodes().size(), std::size_t(3));
+    QCOMPARE(indicesOf(tab.scene.story()), (std::vector<int>{0, 1, 2}));
     QVERIFY(linesAreExact(tab.scene));
 }
 

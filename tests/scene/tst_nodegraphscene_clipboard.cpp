@@ -74,7 +74,7 @@ void tst_NodegraphSceneClipboard::copyingChangesNothing()
     QCOMPARE(tab.document(), before);
     QCOMPARE(tab.hidden(), QStringList());
     QCOMPARE(tab.stack.count(), 0);
-    QCOMPARE(tab.scene.getSelectedNodes().size(), std::size_t(2));
+    QCOMPARE(tab.scene.selectedNodes().size(), std::size_t(2));
 }
 
 void tst_NodegraphSceneClipboard::copyingNothingEmptiesClipboard()
@@ -112,7 +112,7 @@ void tst_NodegraphSceneClipboard::pasteMovesNodeToMouse()
     a->setPos(source);
     tab.copyCurrent(a);
     tab.pasteAt(mouse);
-    QCOMPARE(tab.scene.getNodes().size(), std::size_t(1));
+    QCOMPARE(tab.scene.nodes().size(), std::size_t(1));
     QCOMPARE(tab.titled(text("A"))->scenePos(), target);
 }
 
@@ -124,9 +124,9 @@ void tst_NodegraphSceneClipboard::pasteLandsInMiddleBeforeMouseWasThere()
     shown.scene.copyNodes();
     const QPointF middle = shown.view.mapToScene(shown.view.viewport()->rect().center());
     shown.scene.pasteNodes();
-    QCOMPARE(shown.scene.getNodes().size(), std::size_t(1));
+    QCOMPARE(shown.scene.nodes().size(), std::size_t(1));
     const QPointF distance = middle - QPointF(10, 10);
-    QCOMPARE(shown.scene.getNodes().front()->scenePos(),
+    QCOMPARE(shown.scene.nodes().front()->scenePos(),
              QPointF(10 + int(distance.x()), 10 + int(distance.y())));
 }
 
@@ -263,7 +263,7 @@ void tst_NodegraphSceneClipboard::pastedNodesAreNeitherCurrentNorSelected()
     tab.scene.copyNodes();
     tab.pasteAt(elsewhere);
     QCOMPARE(tab.scene.currentNode(), nullptr);
-    QVERIFY(tab.scene.getSelectedNodes().empty());
+    QVERIFY(tab.scene.selectedNodes().empty());
     QVERIFY(!tab.titled(text("A"))->isSelected());
 }
 
@@ -278,7 +278,7 @@ void tst_NodegraphSceneClipboard::refusedCommandsLeaveEverything()
     scene.sl_lastMousePos(elsewhere);
     scene.pasteNodes();
     QCOMPARE(SceneBytes::saved(scene), before);
-    QVERIFY(scene.getNodes().front()->isVisible());
+    QVERIFY(scene.nodes().front()->isVisible());
 }
 
 QTEST_MAIN(tst_NodegraphSceneClipboard)

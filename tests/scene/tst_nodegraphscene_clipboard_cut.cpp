@@ -68,7 +68,7 @@ void tst_NodegraphSceneClipboardCut::cutNodesStayInGraph()
     tab.cutCurrent(tab.titled(text("B")));
     QCOMPARE(tab.document(), before);
     QCOMPARE(tab.joined(), (QStringList{text("A > B"), text("B > C")}));
-    QCOMPARE(indicesOf(tab.scene.getStory()), (QList<int>{0, 1, 2}));
+    QCOMPARE(indicesOf(tab.scene.story()), (QList<int>{0, 1, 2}));
 }
 
 void tst_NodegraphSceneClipboardCut::pasteReplacesHiddenSources()
@@ -226,7 +226,7 @@ void tst_NodegraphSceneClipboardCut::redoneNodeIsNotPasted()
     tab.stack.undo();
     flushDeferredDeletes();
     tab.pasteAt(elsewhere);
-    QVERIFY(tab.scene.getNodes().empty());
+    QVERIFY(tab.scene.nodes().empty());
     tab.stack.redo();
     QCOMPARE(tab.hidden(), QStringList());
     tab.pasteAt(elsewhere);
@@ -245,7 +245,7 @@ void tst_NodegraphSceneClipboardCut::clearedSceneForgetsClipboard()
     tab.pasteAt(elsewhere);
     QCOMPARE(log.lines(), QStringList());
     tab.scene.copyNodes();
-    QVERIFY(tab.scene.getNodes().empty());
+    QVERIFY(tab.scene.nodes().empty());
 }
 
 // Worth its while under AddressSanitizer.

@@ -81,7 +81,7 @@ void tst_NodegraphScene_Clipboard_Group::pastedNodeAttachesToCurrentNode()
     QCOMPARE(tab.scene.currentNode(), pasted);
     QVERIFY(pasted->isSelected());
     QCOMPARE(tab.scene.endOfStoryNode(), pasted);
-    QCOMPARE(indicesOf(tab.scene.getStory()), (QList<int>{0, 2}));
+    QCOMPARE(indicesOf(tab.scene.story()), (QList<int>{0, 2}));
 }
 
 void tst_NodegraphScene_Clipboard_Group::pastedGroupComesOutAsItWas_data()
@@ -133,11 +133,11 @@ void tst_NodegraphScene_Clipboard_Group::pastedGroupComesOutAsItWas()
     QCOMPARE(sortedIndices(tab.scene), (QList<int>{0, 4, 5, 6}));
     QCOMPARE(tab.joined(), connections);
     QVERIFY(linesAreExact(tab.scene));
-    QTEST(titlesOf(tab.scene.getStory()), "story");
+    QTEST(titlesOf(tab.scene.story()), "story");
     tab.stack.setIndex(0);
-    QCOMPARE(titlesOf(tab.scene.getStory()), QStringList{text("E")});
+    QCOMPARE(titlesOf(tab.scene.story()), QStringList{text("E")});
     tab.stack.setIndex(tab.stack.count());
-    QTEST(titlesOf(tab.scene.getStory()), "story");
+    QTEST(titlesOf(tab.scene.story()), "story");
 }
 
 void tst_NodegraphScene_Clipboard_Group::importanceComesAlong()
@@ -196,13 +196,13 @@ void tst_NodegraphScene_Clipboard_Group::endOfStoryComesAlong()
         tab.makeCurrent(tab.titled(current));
     tab.pasteAt(elsewhere);
     QStringList carriers;
-    for (const Node *node : tab.scene.getNodes()) {
+    for (const Node *node : tab.scene.nodes()) {
         if (node->isEndOfStory())
             carriers << node->title();
     }
     QCOMPARE(carriers.join(text(" ")), marked);
     QCOMPARE(tab.scene.endOfStoryNode(), marked.isEmpty() ? nullptr : tab.titled(marked));
-    QCOMPARE(indicesOf(tab.scene.getStory()), story);
+    QCOMPARE(indicesOf(tab.scene.story()), story);
 }
 
 void tst_NodegraphScene_Clipboard_Group::publishedStoryHoldsPastedNodes()

@@ -39,7 +39,7 @@ void selectTitled(ClipboardTab &tab, const QString &titles)
 void editAtRandom(ClipboardTab &tab, QRandomGenerator &random)
 {
     NodegraphScene &scene = tab.scene;
-    const std::vector<Node *> nodes = scene.getNodes();
+    const std::vector<Node *> nodes = scene.nodes();
     const auto anyNode = [&] { return nodes[random.bounded(quint32(nodes.size()))]; };
     const QPointF pos(random.bounded(9000) + 0.25, random.bounded(9000) + 0.5);
     scene.sl_lastMousePos(pos);
@@ -97,11 +97,11 @@ QString faultOf(const ClipboardTab &tab)
     const QList<int> indices = sortedIndices(scene);
     if (std::adjacent_find(indices.begin(), indices.end()) != indices.end())
         return text("an index is there twice");
-    const std::vector<Node *> &nodes = scene.getNodes();
+    const std::vector<Node *> &nodes = scene.nodes();
     const auto isStranger = [&nodes](const Node *node) {
         return node && std::find(nodes.begin(), nodes.end(), node) == nodes.end();
     };
-    const std::vector<Node *> &selected = scene.getSelectedNodes();
+    const std::vector<Node *> &selected = scene.selectedNodes();
     if (isStranger(scene.currentNode()) || isStranger(scene.endOfStoryNode()) ||
         std::any_of(selected.begin(), selected.end(), isStranger))
         return text("a node that is gone is remembered");
@@ -217,7 +217,7 @@ void tst_NodegraphSceneClipboardUndo::undoGivesDocumentBack()
             tab.scene.setEndOfStory(tab.titled(end));
         }
         const QByteArray before = tab.document();
-        const QList<int> story = indicesOf(tab.scene.getStory());
+        const QList<int> story = indicesOf(tab.scene.story());
         selectTitled(tab, sources);
         if (isCut)
             tab.scene.cutNodes();
@@ -237,7 +237,7 @@ void tst_NodegraphSceneClipboardUndo::undoGivesDocumentBack()
             flushDeferredDeletes();
             QCOMPARE(tab.document(), before);
             QCOMPARE(faultOf(tab), QString());
-            QCOMPARE(indicesOf(tab.scene.getStory()), story);
+            QCOMPARE(indicesOf(tab.scene.story()), story);
             QCOMPARE(tab.hidden(), QStringList());
             QCOMPARE(tab.hiddenLines(), QStringList());
             redoAll(tab.stack);

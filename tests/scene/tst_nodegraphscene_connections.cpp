@@ -270,7 +270,7 @@ void tst_NodegraphSceneConnections::cycleIsRefused()
         QCOMPARE(tab[i]->prevNode(), tab[i - 1]);
     QVERIFY(linesAreExact(tab.scene));
     tab.scene.updateStory();
-    QCOMPARE(tab.scene.getStory(), tab.nodes);
+    QCOMPARE(tab.scene.story(), tab.nodes);
 }
 
 void tst_NodegraphSceneConnections::otherWaysRoundAreNoCycle()
@@ -288,7 +288,7 @@ void tst_NodegraphSceneConnections::otherWaysRoundAreNoCycle()
     tab.scene.connectNodes(tab[0], tab[2]);
     QCOMPARE(tab[0]->prevNode(), tab[2]);
     tab.scene.setEndOfStory(tab[0]);
-    QCOMPARE(tab.scene.getStory(), (Nodes{tab[3], tab[1], tab[2], tab[0]}));
+    QCOMPARE(tab.scene.story(), (Nodes{tab[3], tab[1], tab[2], tab[0]}));
     QVERIFY(linesAreExact(tab.scene));
 }
 

@@ -81,13 +81,13 @@ void tst_NodegraphSceneDeleting::selectionGoesAndCurrentNodeStays()
     Node *second = addLoose(tab.scene, QPointF(1000, 1500));
     Node *third = addLoose(tab.scene, QPointF(1000, 3000));
     tab.selectByRubberBand(first, second);
-    QCOMPARE(tab.scene.getSelectedNodes().size(), std::size_t(2));
+    QCOMPARE(tab.scene.selectedNodes().size(), std::size_t(2));
     tab.scene.sl_selectCurrentNode(third);
 
     tab.scene.deleteSelectedNodes(nullptr);
-    QCOMPARE(tab.scene.getNodes(), Nodes{third});
+    QCOMPARE(tab.scene.nodes(), Nodes{third});
     QCOMPARE(tab.scene.currentNode(), nullptr);
-    QVERIFY(tab.scene.getSelectedNodes().empty());
+    QVERIFY(tab.scene.selectedNodes().empty());
 }
 
 void tst_NodegraphSceneDeleting::selectionGoesInItsOrder()
@@ -95,7 +95,7 @@ void tst_NodegraphSceneDeleting::selectionGoesInItsOrder()
     Tab tab;
     for (const double y : {1000, 1500, 2000})
         addLoose(tab.scene, QPointF(1000, y));
-    tab.selectByRubberBand(tab.scene.getNodes()[0], tab.scene.getNodes()[1]);
+    tab.selectByRubberBand(tab.scene.nodes()[0], tab.scene.nodes()[1]);
     LogCapture log;
     tab.scene.deleteSelectedNodes(nullptr);
     // The band lists what lies on top first; node 0 was the end of the story.
@@ -123,7 +123,7 @@ void tst_NodegraphSceneDeleting::selectionGoesInsteadOfArgument()
     tab.selectByRubberBand(first, second);
     tab.scene.sl_selectCurrentNode(argument);
     tab.scene.deleteSelectedNodes(argument);
-    QCOMPARE(tab.scene.getNodes(), Nodes{argument});
+    QCOMPARE(tab.scene.nodes(), Nodes{argument});
     QCOMPARE(tab.scene.currentNode(), argument); // only a call without an argument forgets it
 }
 
@@ -132,10 +132,10 @@ void tst_NodegraphSceneDeleting::currentNodeGoesWithoutSelection()
     Tab tab;
     const Nodes nodes = addChain(tab.scene, 3);
     tab.scene.deleteSelectedNodes(nullptr);
-    QCOMPARE(tab.scene.getNodes(), (Nodes{nodes[0], nodes[1]}));
+    QCOMPARE(tab.scene.nodes(), (Nodes{nodes[0], nodes[1]}));
     QCOMPARE(tab.scene.currentNode(), nullptr);
     tab.scene.deleteSelectedNodes(nullptr); // nothing is current any more
-    QCOMPARE(tab.scene.getNodes().size(), std::size_t(2));
+    QCOMPARE(tab.scene.nodes().size(), std::size_t(2));
 }
 
 void tst_NodegraphSceneDeleting::argumentGoesWithoutSelection()
@@ -143,7 +143,7 @@ void tst_NodegraphSceneDeleting::argumentGoesWithoutSelection()
     Tab tab;
     const Nodes nodes = addChain(tab.scene, 3);
     tab.scene.deleteSelectedNodes(nodes[0]);
-    QCOMPARE(tab.scene.getNodes(), (Nodes{nodes[1], nodes[2]}));
+    QCOMPARE(tab.scene.nodes(), (Nodes{nodes[1], nodes[2]}));
     QCOMPARE(tab.scene.currentNode(), nodes[2]);
 }
 
@@ -154,7 +154,7 @@ void tst_NodegraphSceneDeleting::selectedItemsAloneAreNoSelection()
     nodes[0]->setSelected(true);
     nodes[1]->setSelected(true);
     tab.scene.deleteSelectedNodes(nullptr);
-    QCOMPARE(tab.scene.getNodes(), (Nodes{nodes[0], nodes[1]}));
+    QCOMPARE(tab.scene.nodes(), (Nodes{nodes[0], nodes[1]}));
 }
 
 void tst_NodegraphSceneDeleting::nothingToDeleteDoesNothing()
@@ -166,7 +166,7 @@ void tst_NodegraphSceneDeleting::nothingToDeleteDoesNothing()
     tab.scene.deleteSelectedNodes(nullptr);
     QCOMPARE(tab.stack.count(), commands);
     QVERIFY(log.lines().isEmpty());
-    QCOMPARE(tab.scene.getNodes().size(), std::size_t(1));
+    QCOMPARE(tab.scene.nodes().size(), std::size_t(1));
 }
 
 void tst_NodegraphSceneDeleting::deletionWithoutArgumentForgetsCurrentNodeFirst()
@@ -190,7 +190,7 @@ void tst_NodegraphSceneDeleting::oneCommandPerNode()
     for (int i = 0; i < 3; ++i)
         QCOMPARE(tab.stack.text(i), QStringLiteral("Delete Node"));
     tab.stack.undo();
-    QCOMPARE(tab.scene.getNodes().size(), std::size_t(1));
+    QCOMPARE(tab.scene.nodes().size(), std::size_t(1));
 }
 
 void tst_NodegraphSceneDeleting::deletingLogsItsSteps_data()
@@ -229,7 +229,7 @@ void tst_NodegraphSceneDeleting::middleOfChainLeavesBothSidesFree()
     QVERIFY(nodes[0]->nextNodes().empty());
     QVERIFY(!nodes[0]->outSocket()->getIsConnected());
     QVERIFY(!nodes[2]->inSocket()->getIsConnected());
-    QCOMPARE(tab.scene.getStory(), Nodes{nodes[2]});
+    QCOMPARE(tab.scene.story(), Nodes{nodes[2]});
     QCOMPARE(story.last().at(0).value<Nodes>(), Nodes{nodes[2]});
     QVERIFY(linesOf(tab.scene).empty());
 }
@@ -282,7 +282,7 @@ void tst_NodegraphSceneDeleting::endOfStoryGoesWithItsNode()
     QSignalSpy story(&tab.scene, &NodegraphScene::s_updateStory);
     tab.scene.deleteNode(nodes[2]);
     QCOMPARE(tab.scene.endOfStoryNode(), nullptr);
-    QVERIFY(tab.scene.getStory().empty());
+    QVERIFY(tab.scene.story().empty());
     QVERIFY(!story.isEmpty());
     QVERIFY(story.last().at(0).value<Nodes>().empty());
     for (const Node *node : {nodes[0], nodes[1]})
@@ -310,7 +310,7 @@ void tst_NodegraphSceneDeleting::deletingNullDoesNothing()
     QSignalSpy story(&tab.scene, &NodegraphScene::s_updateStory);
     tab.scene.deleteNode(nullptr);
     QVERIFY(story.isEmpty());
-    QCOMPARE(tab.scene.getNodes().size(), std::size_t(1));
+    QCOMPARE(tab.scene.nodes().size(), std::size_t(1));
 }
 
 void tst_NodegraphSceneDeleting::otherIndicesStay()
@@ -339,9 +339,9 @@ void tst_NodegraphSceneDeleting::deletedNodeIsForgottenEverywhere()
     QVERIFY(dragLineOf(tab.scene));
 
     tab.scene.deleteNode(dying);
-    QCOMPARE(tab.scene.getNodes(), Nodes{nodes[0]});
-    QCOMPARE(tab.scene.getSelectedNodes(), Nodes{nodes[0]});
-    QVERIFY(tab.scene.getStory().empty());
+    QCOMPARE(tab.scene.nodes(), Nodes{nodes[0]});
+    QCOMPARE(tab.scene.selectedNodes(), Nodes{nodes[0]});
+    QVERIFY(tab.scene.story().empty());
     QCOMPARE(tab.scene.currentNode(), nullptr);
     QCOMPARE(tab.scene.endOfStoryNode(), nullptr);
     QCOMPARE(tab.scene.findNodeByIndex(1), nullptr);
@@ -392,7 +392,7 @@ void tst_NodegraphSceneDeleting::forgottenClipboardPastesNothing()
     tab.scene.pasteNodes();
     flushDeferredDeletes();
     tab.scene.pasteNodes();
-    QCOMPARE(tab.scene.getNodes(), Nodes{nodes[0]});
+    QCOMPARE(tab.scene.nodes(), Nodes{nodes[0]});
     QVERIFY(log.lines().isEmpty());
 }
 
@@ -404,7 +404,7 @@ void tst_NodegraphSceneDeleting::deletedCurrentNodeAttractsNoNewOne()
     flushDeferredDeletes();
     tab.scene.sl_lastMousePos(QPointF(700, 800));
     tab.scene.sl_addEventNode();
-    const Node *added = tab.scene.getNodes().back();
+    const Node *added = tab.scene.nodes().back();
     QCOMPARE(added->pos(), QPointF(700, 800));
     QVERIFY(!added->hasInput());
     tab.scene.setEndOfStoryNode();
@@ -425,7 +425,7 @@ void tst_NodegraphSceneDeleting::deletingWhileTitleIsEditedIsQuiet()
     shown.move(title);
     shown.press(title);
     shown.release(title);
-    QCOMPARE(shown.scene.getNodes(), Nodes{nodes[0]});
+    QCOMPARE(shown.scene.nodes(), Nodes{nodes[0]});
     QCOMPARE(shown.scene.focusItem(), nullptr);
 }
 
@@ -461,7 +461,7 @@ void tst_NodegraphSceneDeleting::undoOfSelectionBringsChainBack()
     while (tab.stack.canUndo())
         tab.stack.undo();
     QStringList story;
-    for (const Node *node : tab.scene.getStory())
+    for (const Node *node : tab.scene.story())
         story << QString::number(node->getIndex());
     QCOMPARE(story, (QStringList{"0", "1", "2", "3"}));
     QVERIFY(linesAreExact(tab.scene));

@@ -450,14 +450,14 @@ void tst_NodegraphSceneDragging::stepsAreUndoneInOrder()
     canvas.drag(outputOf(canvas[1]), inputOf(canvas[2]));
     canvas.drag(inputOf(canvas[3]), outputOf(canvas[2]));
     canvas.scene.setEndOfStory(canvas[3]);
-    QCOMPARE(canvas.scene.getStory(), canvas.nodes);
+    QCOMPARE(canvas.scene.story(), canvas.nodes);
     QCOMPARE(canvas.stack.count(), 3);
     canvas.stack.undo();
-    QCOMPARE(canvas.scene.getStory(), Nodes{canvas[3]});
+    QCOMPARE(canvas.scene.story(), Nodes{canvas[3]});
     canvas.stack.undo();
     canvas.stack.redo();
     canvas.stack.redo();
-    QCOMPARE(canvas.scene.getStory(), canvas.nodes);
+    QCOMPARE(canvas.scene.story(), canvas.nodes);
     QVERIFY(linesAreExact(canvas.scene));
 }
 

@@ -43,7 +43,7 @@ void editAtRandom(GraphTab &tab, QRandomGenerator &random, int steps)
 {
     int typed = 0;
     for (int step = 0; step < steps; ++step) {
-        const std::vector<Node *> &nodes = tab.scene.getNodes();
+        const std::vector<Node *> &nodes = tab.scene.nodes();
         const auto any = [&] { return nodes.at(random.bounded(quint32(nodes.size()))); };
         const int choice = nodes.size() < 2 ? 0 : random.bounded(8);
         if (choice <= 1)
@@ -65,10 +65,10 @@ void editAtRandom(GraphTab &tab, QRandomGenerator &random, int steps)
             typeDescription(nodes.back(), QStringLiteral("Text %1").arg(typed++));
         }
     }
-    if (tab.scene.getNodes().empty())
+    if (tab.scene.nodes().empty())
         addLoose(tab.scene, QPointF(1, 1));
     if (!tab.scene.endOfStoryNode())
-        tab.scene.setEndOfStory(tab.scene.getNodes().front());
+        tab.scene.setEndOfStory(tab.scene.nodes().front());
 }
 
 } // namespace
@@ -136,7 +136,7 @@ void tst_NodegraphSceneFile::exampleIsReadAndWrittenByteForByte()
 {
     GraphTab tab;
     SceneBytes::load(tab.scene, exampleFile().mid(4));
-    QCOMPARE(tab.scene.getNodes().size(), std::size_t(1));
+    QCOMPARE(tab.scene.nodes().size(), std::size_t(1));
     const Node *node = tab.node(0);
     QCOMPARE(node->title(), QStringLiteral("A"));
     QCOMPARE(node->scenePos(), QPointF(10, 20));
@@ -342,13 +342,13 @@ void tst_NodegraphSceneFile::everythingComesBackAfterRandomEdits()
     editAtRandom(tab, random, 40);
     const QByteArray bytes = SceneBytes::saved(tab.scene);
     const Records records = SceneBytes::savedRecords(tab.scene);
-    QCOMPARE(records.size(), qsizetype(tab.scene.getNodes().size()));
+    QCOMPARE(records.size(), qsizetype(tab.scene.nodes().size()));
 
     GraphTab opened;
     SceneBytes::load(opened.scene, bytes);
     QCOMPARE(sortedIndices(opened.scene), sortedIndices(tab.scene));
     QCOMPARE(connections(opened.scene), connections(tab.scene));
-    QCOMPARE(indicesOf(opened.scene.getStory()), indicesOf(tab.scene.getStory()));
+    QCOMPARE(indicesOf(opened.scene.story()), indicesOf(tab.scene.story()));
     QCOMPARE(SceneBytes::texts(SceneBytes::savedRecords(opened.scene)), SceneBytes::texts(records));
     QCOMPARE(SceneBytes::saved(opened.scene), bytes);
 }
@@ -373,7 +373,7 @@ void tst_NodegraphSceneFile::threeTabsStandBackToBack()
     for (GraphTab &tab : opened)
         tab.scene.loadSceneFromFile(stream);
     QCOMPARE(opened[0].node(0)->title(), QStringLiteral("First"));
-    QVERIFY(opened[1].scene.getNodes().empty());
+    QVERIFY(opened[1].scene.nodes().empty());
     QCOMPARE(connections(opened[2].scene), QStringList{"1 from 0"});
     QVERIFY(stream.atEnd());
 }

@@ -82,7 +82,7 @@ void tst_NodegraphScene_File_Damaged::firstOfEqualIndicesIsTheUpstream()
 {
     GraphTab tab;
     load(tab, {eventRecord(5), eventRecord(5), eventRecord(7, 5)});
-    QCOMPARE(tab.scene.getNodes().at(2)->prevNode(), tab.scene.getNodes().at(0));
+    QCOMPARE(tab.scene.nodes().at(2)->prevNode(), tab.scene.nodes().at(0));
 }
 
 // The command names nodes by their index, and the first one with it answers.
@@ -90,8 +90,8 @@ void tst_NodegraphScene_File_Damaged::connectionThatWentElsewhereIsGone()
 {
     GraphTab tab;
     load(tab, {eventRecord(5), eventRecord(5, 7), eventRecord(7)});
-    QCOMPARE(tab.scene.getNodes().at(0)->prevNode(), tab.scene.getNodes().at(2));
-    QVERIFY(!tab.scene.getNodes().at(1)->hasInput());
+    QCOMPARE(tab.scene.nodes().at(0)->prevNode(), tab.scene.nodes().at(2));
+    QVERIFY(!tab.scene.nodes().at(1)->hasInput());
     QCOMPARE(savedUpstreams(tab.scene), (QList<int>{7, -1, -1}));
 }
 
@@ -123,9 +123,9 @@ void tst_NodegraphScene_File_Damaged::storedIndexMayMeetAProvisionalOne()
         records << eventRecord(index);
     GraphTab tab;
     load(tab, records);
-    QCOMPARE(indicesOf(tab.scene.getNodes()), indices);
+    QCOMPARE(indicesOf(tab.scene.nodes()), indices);
     for (qsizetype i = 0; i < titles.size(); ++i) {
-        const Node *node = tab.scene.getNodes().at(std::size_t(i));
+        const Node *node = tab.scene.nodes().at(std::size_t(i));
         QCOMPARE(node->title(), titles.at(i));
         const bool isBlank = titles.at(i) == QStringLiteral("Event");
         QCOMPARE(node->scenePos(), isBlank ? QPointF(0, 0) : QPointF(10.5 * indices.at(i), 20));
@@ -165,10 +165,10 @@ void tst_NodegraphScene_File_Damaged::dataThatEndsEarlyGivesBlankNodes()
     // What is not there reads as 0, so the blank nodes claim to be fed by the first of them.
     expectRefusals(2);
     SceneBytes::load(tab.scene, bytes);
-    QCOMPARE(indicesOf(tab.scene.getNodes()), (QList<int>{5, 0, 0}));
+    QCOMPARE(indicesOf(tab.scene.nodes()), (QList<int>{5, 0, 0}));
     QCOMPARE(tab.node(5)->title(), QStringLiteral("Title 5"));
     for (const std::size_t place : {1, 2}) {
-        const Node *blank = tab.scene.getNodes().at(place);
+        const Node *blank = tab.scene.nodes().at(place);
         QCOMPARE(blank->title(), QString());
         QCOMPARE(descriptionOf(blank), QString());
         QCOMPARE(blank->scenePos(), QPointF(0, 0));
@@ -205,7 +205,7 @@ void tst_NodegraphScene_File_Damaged::dataThatEndsInARecord()
     if (namesItself)
         expectRefusals(1);
     SceneBytes::load(tab.scene, SceneBytes::block({eventRecord(5)}).left(kept));
-    QCOMPARE(tab.scene.getNodes().size(), std::size_t(1));
+    QCOMPARE(tab.scene.nodes().size(), std::size_t(1));
     QCOMPARE(tab.node(index)->title(), title);
     QCOMPARE(descriptionOf(tab.node(index)), QString());
     QCOMPARE(tab.node(index)->getPrevIndex(), -1);
@@ -221,7 +221,7 @@ void tst_NodegraphScene_File_Damaged::countWithoutDataIsLimited()
                          "Damaged scene file: \"\" ended after 0 of 2147483647 nodes, opening 1000");
     expectRefusals(1000);
     SceneBytes::load(tab.scene, SceneBytes::int32(std::numeric_limits<int>::max()));
-    QCOMPARE(tab.scene.getNodes().size(), std::size_t(1000));
+    QCOMPARE(tab.scene.nodes().size(), std::size_t(1000));
 }
 
 // The limit for blank nodes goes by the data that is left, not by an error that a text may have set long ago.
@@ -240,8 +240,8 @@ void tst_NodegraphScene_File_Damaged::damagedTextCutsNothingOff()
     bytes += SceneBytes::block(rest).mid(4);
     GraphTab tab;
     SceneBytes::load(tab.scene, bytes);
-    QCOMPARE(tab.scene.getNodes().size(), std::size_t(count));
-    QCOMPARE(tab.scene.getNodes().back()->title(), QStringLiteral("Title %1").arg(2 * count - 1));
+    QCOMPARE(tab.scene.nodes().size(), std::size_t(count));
+    QCOMPARE(tab.scene.nodes().back()->title(), QStringLiteral("Title %1").arg(2 * count - 1));
 }
 
 QTEST_MAIN(tst_NodegraphScene_File_Damaged)

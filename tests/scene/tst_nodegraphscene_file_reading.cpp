@@ -48,7 +48,7 @@ void tst_NodegraphSceneFileReading::countBelowOneReadsNothingAndFrames()
     QSignalSpy frames(&tab.scene, &NodegraphScene::s_frameView);
     const LogCapture log;
     SceneBytes::load(tab.scene, SceneBytes::int32(count));
-    QVERIFY(tab.scene.getNodes().empty());
+    QVERIFY(tab.scene.nodes().empty());
     QCOMPARE(frames.count(), 1);
     QCOMPARE(frames.first().first().toRectF(), QRectF());
     QCOMPARE(tab.stack.count(), 0);
@@ -62,7 +62,7 @@ void tst_NodegraphSceneFileReading::chainComesBackWhole()
     GraphTab tab;
     QSignalSpy stories(&tab.scene, &NodegraphScene::s_updateStory);
     load(tab, records);
-    QCOMPARE(indicesOf(tab.scene.getNodes()), (QList<int>{0, 1, 2}));
+    QCOMPARE(indicesOf(tab.scene.nodes()), (QList<int>{0, 1, 2}));
     for (const Record &record : records) {
         const Node *node = tab.node(record.index);
         QCOMPARE(node->title(), record.title);
@@ -72,7 +72,7 @@ void tst_NodegraphSceneFileReading::chainComesBackWhole()
         QCOMPARE(node->isImportant(), record.important == 1);
     }
     QCOMPARE(connections(tab.scene), (QStringList{"1 from 0", "2 from 1"}));
-    QCOMPARE(indicesOf(tab.scene.getStory()), (QList<int>{0, 1, 2}));
+    QCOMPARE(indicesOf(tab.scene.story()), (QList<int>{0, 1, 2}));
     QCOMPARE(indicesOf(stories.last().first().value<std::vector<Node *>>()), (QList<int>{0, 1, 2}));
     QCOMPARE(SceneBytes::saved(tab.scene).toHex(), SceneBytes::block(records).toHex());
 }
@@ -167,7 +167,7 @@ void tst_NodegraphSceneFileReading::endMarkIsReadFromExactlyOne()
     QCOMPARE(tab.scene.endOfStoryNode(), tab.node(end));
     for (int index = 0; index < 3; ++index)
         QCOMPARE(tab.node(index)->isEndOfStory(), index == end);
-    QCOMPARE(indicesOf(tab.scene.getStory()), QList<int>{end});
+    QCOMPARE(indicesOf(tab.scene.story()), QList<int>{end});
 }
 
 void tst_NodegraphSceneFileReading::lastEndMarkWins()
@@ -212,7 +212,7 @@ void tst_NodegraphSceneFileReading::readNodesAreNeitherSelectedNorCurrent()
     GraphTab tab;
     load(tab, {eventRecord(0), eventRecord(1, 0)});
     QCOMPARE(tab.scene.currentNode(), nullptr);
-    QVERIFY(tab.scene.getSelectedNodes().empty());
+    QVERIFY(tab.scene.selectedNodes().empty());
     QVERIFY(tab.scene.selectedItems().isEmpty());
 }
 
@@ -288,7 +288,7 @@ void tst_NodegraphSceneFileReading::upstreamMayStandBehindItsDownstream()
     GraphTab tab;
     load(tab, {eventRecord(5, 7), eventRecord(1, 5, 1), eventRecord(7)});
     QCOMPARE(connections(tab.scene), (QStringList{"1 from 5", "5 from 7"}));
-    QCOMPARE(indicesOf(tab.scene.getStory()), (QList<int>{7, 5, 1}));
+    QCOMPARE(indicesOf(tab.scene.story()), (QList<int>{7, 5, 1}));
     QCOMPARE(tab.stack.count(), 2);
 }
 
@@ -299,7 +299,7 @@ void tst_NodegraphSceneFileReading::upstreamsAreKeptWhileNobodyConnects()
         SceneBytes::block({eventRecord(0), eventRecord(1, 0), eventRecord(2, 1, 1), eventRecord(3, 1)});
     NodegraphScene scene;
     SceneBytes::load(scene, bytes);
-    for (const Node *node : scene.getNodes())
+    for (const Node *node : scene.nodes())
         QVERIFY(!node->hasInput());
     QCOMPARE(SceneBytes::saved(scene).toHex(), bytes.toHex());
 }

@@ -90,7 +90,7 @@ void tst_NodegraphSceneFraming::selectionWithoutCurrent()
     Node *first = addLoose(tab.scene, QPointF(1000, 1000));
     Node *second = addLoose(tab.scene, QPointF(2000, 1500));
     selectByRubberBand(tab, QPointF(900, 900), QPointF(2100, 1600));
-    QCOMPARE(tab.scene.getSelectedNodes().size(), std::size_t(2));
+    QCOMPARE(tab.scene.selectedNodes().size(), std::size_t(2));
     QCOMPARE(framed(tab), withMargin(first) | withMargin(second));
 
     selectByRubberBand(tab, QPointF(1900, 1400), QPointF(2100, 1600));
@@ -160,11 +160,11 @@ void tst_NodegraphSceneFraming::changesNothing()
     addChain(tab.scene, 2);
     tab.scene.selectAll();
     const Node *current = tab.scene.currentNode();
-    const std::vector<Node *> selected = tab.scene.getSelectedNodes();
+    const std::vector<Node *> selected = tab.scene.selectedNodes();
     const int commands = tab.stack.count();
     tab.scene.frameSelectedNodes();
     QCOMPARE(tab.scene.currentNode(), current);
-    QCOMPARE(tab.scene.getSelectedNodes(), selected);
+    QCOMPARE(tab.scene.selectedNodes(), selected);
     QCOMPARE(tab.stack.count(), commands);
 }
 

@@ -40,7 +40,7 @@ bool hasItems(const NodegraphScene &scene)
 bool isStory(const std::vector<Node *> &nodes, const NodegraphScene &scene)
 {
     for (std::size_t i = 0; i < nodes.size(); ++i) {
-        const std::vector<Node *> &alive = scene.getNodes();
+        const std::vector<Node *> &alive = scene.nodes();
         if (std::find(alive.begin(), alive.end(), nodes[i]) == alive.end())
             return false;
         if (nodes[i]->prevNode() != (i == 0 ? nullptr : nodes[i - 1]))
@@ -82,7 +82,7 @@ void tst_NodegraphSceneMany::lateEventsOfAFileHaveTheirSizes()
 {
     GraphTab tab;
     SceneBytes::load(tab.scene, SceneBytes::block(chainOf(many)));
-    for (const Node *node : tab.scene.getNodes()) {
+    for (const Node *node : tab.scene.nodes()) {
         Node whole(0);
         whole.payload()->eventContent()->setDescription(descriptionOf(node));
         QCOMPARE(node->boundingRect(), whole.boundingRect());
@@ -118,9 +118,9 @@ void tst_NodegraphSceneMany::deletingAllLeavesNoItems()
     SceneBytes::load(tab.scene, SceneBytes::block(chainOf(many)));
     tab.scene.selectAll();
     tab.scene.deleteSelectedNodes(nullptr);
-    QVERIFY(tab.scene.getNodes().empty());
+    QVERIFY(tab.scene.nodes().empty());
     QVERIFY(!hasItems(tab.scene));
-    QVERIFY(tab.scene.getStory().empty());
+    QVERIFY(tab.scene.story().empty());
 }
 
 void tst_NodegraphSceneMany::deletedManyComeBackWithTheirLines()
@@ -133,8 +133,8 @@ void tst_NodegraphSceneMany::deletedManyComeBackWithTheirLines()
     tab.stack.setIndex(steps);
     QCOMPARE(sortedIndices(tab.scene).size(), many);
     QCOMPARE(lineCount(tab.scene), many - 1);
-    QCOMPARE(int(tab.scene.getStory().size()), many);
-    QVERIFY(isStory(tab.scene.getStory(), tab.scene));
+    QCOMPARE(int(tab.scene.story().size()), many);
+    QVERIFY(isStory(tab.scene.story(), tab.scene));
     tab.stack.setIndex(tab.stack.count());
     QVERIFY(!hasItems(tab.scene));
 }
@@ -148,7 +148,7 @@ void tst_NodegraphSceneMany::deletingManyPublishesOnlyWhatIsThere()
     QObject::connect(&tab.scene, &NodegraphScene::s_updateStory, &tab.scene,
                      [&](const std::vector<Node *> &story) {
                          ++published;
-                         allWell = allWell && story == tab.scene.getStory() && isStory(story, tab.scene);
+                         allWell = allWell && story == tab.scene.story() && isStory(story, tab.scene);
                      });
     tab.scene.selectAll();
     tab.scene.deleteSelectedNodes(nullptr);
@@ -162,7 +162,7 @@ void tst_NodegraphSceneMany::clearingWithoutListenersLeavesNoItems()
     NodegraphScene scene; // nobody takes its commands
     SceneBytes::load(scene, SceneBytes::block(chainOf(40)));
     scene.clear();
-    QVERIFY(scene.getNodes().empty());
+    QVERIFY(scene.nodes().empty());
     QVERIFY(!hasItems(scene));
 }
 
@@ -170,13 +170,13 @@ void tst_NodegraphSceneMany::storyIsKnownToWhoeverAsksWithoutListening()
 {
     GraphTab tab;
     SceneBytes::load(tab.scene, SceneBytes::block(chainOf(5)));
-    QCOMPARE(indicesOf(tab.scene.getStory()), QList<int>({0, 1, 2, 3, 4}));
+    QCOMPARE(indicesOf(tab.scene.story()), QList<int>({0, 1, 2, 3, 4}));
     tab.scene.disconnectNode(tab.node(2));
-    QCOMPARE(indicesOf(tab.scene.getStory()), QList<int>({2, 3, 4}));
+    QCOMPARE(indicesOf(tab.scene.story()), QList<int>({2, 3, 4}));
     tab.scene.deleteNode(tab.node(3));
-    QCOMPARE(indicesOf(tab.scene.getStory()), QList<int>({4}));
+    QCOMPARE(indicesOf(tab.scene.story()), QList<int>({4}));
     tab.scene.deleteNode(tab.node(4));
-    QCOMPARE(indicesOf(tab.scene.getStory()), QList<int>());
+    QCOMPARE(indicesOf(tab.scene.story()), QList<int>());
 }
 
 void tst_NodegraphSceneMany::sceneWithManyEventsGoesAtOnce()

@@ -56,7 +56,7 @@ void tst_NodegraphSceneMouse::leftPressOnEmptySpaceEmptiesSelectionList()
     canvas.scene.selectAll();
 
     canvas.mouse.press(QPointF(3000, 3000));
-    QVERIFY(canvas.scene.getSelectedNodes().empty());
+    QVERIFY(canvas.scene.selectedNodes().empty());
     QVERIFY(canvas.scene.selectedItems().isEmpty());
     canvas.mouse.release(QPointF(3000, 3000));
 }
@@ -77,7 +77,7 @@ void tst_NodegraphSceneMouse::otherPressOnEmptySpaceKeepsSelectionList()
 
     canvas.mouse.press(QPointF(3000, 3000), button);
     canvas.mouse.move(QPointF(3100, 3100), button);
-    QCOMPARE(canvas.scene.getSelectedNodes(), canvas.scene.getNodes());
+    QCOMPARE(canvas.scene.selectedNodes(), canvas.scene.nodes());
     QVERIFY(rubberBandOf(canvas.scene)->rect().isNull());
     canvas.mouse.release(QPointF(3100, 3100), button);
 }
@@ -90,10 +90,10 @@ void tst_NodegraphSceneMouse::pressOnNodeMakesItCurrentAndKeepsSelectionList()
 
     canvas.mouse.press(bodyOf(nodes[0]));
     QCOMPARE(canvas.scene.currentNode(), nodes[0]);
-    QCOMPARE(canvas.scene.getSelectedNodes(), nodes);
+    QCOMPARE(canvas.scene.selectedNodes(), nodes);
     canvas.mouse.release(bodyOf(nodes[0]));
     QCOMPARE(canvas.scene.currentNode(), nodes[0]);
-    QCOMPARE(canvas.scene.getSelectedNodes(), nodes);
+    QCOMPARE(canvas.scene.selectedNodes(), nodes);
 }
 
 void tst_NodegraphSceneMouse::pressOnSocketLeavesNothingCurrent()
@@ -141,7 +141,7 @@ void tst_NodegraphSceneMouse::draggedGroupsLinesFollowOneStepBehind()
     shown.press(QPointF(10, 860)); // from below the companion to the grabbed node
     shown.move(bodyOf(grabbed));
     shown.release(bodyOf(grabbed));
-    QCOMPARE(shown.scene.getSelectedNodes().size(), std::size_t(2));
+    QCOMPARE(shown.scene.selectedNodes().size(), std::size_t(2));
 
     const QPointF from = bodyOf(grabbed);
     shown.press(from);
@@ -252,7 +252,7 @@ void tst_NodegraphSceneMouse::rightPressInViewChangesNothing()
     shown.press(QPointF(600, 850), Qt::RightButton);
     shown.release(QPointF(600, 850), Qt::RightButton);
     QCOMPARE(shown.scene.currentNode(), nodes[1]);
-    QCOMPARE(shown.scene.getSelectedNodes(), nodes);
+    QCOMPARE(shown.scene.selectedNodes(), nodes);
     QVERIFY(nodes[0]->isSelected());
 }
 
@@ -266,7 +266,7 @@ void tst_NodegraphSceneMouse::leftPressInViewDeselects()
     shown.press(QPointF(600, 850));
     QCOMPARE(shown.scene.currentNode(), nullptr);
     QVERIFY(!node->isSelected());
-    QVERIFY(shown.scene.getSelectedNodes().empty());
+    QVERIFY(shown.scene.selectedNodes().empty());
     shown.release(QPointF(600, 850));
 }
 
@@ -285,7 +285,7 @@ void tst_NodegraphSceneMouse::nodeThatIsUndoneWhileItIsDraggedIsLetGo()
     flushDeferredDeletes();
     shown.move(from + QPointF(100, 100));
     shown.release(from + QPointF(100, 100));
-    QCOMPARE(shown.scene.getNodes().size(), std::size_t(1));
+    QCOMPARE(shown.scene.nodes().size(), std::size_t(1));
 }
 
 QTEST_MAIN(tst_NodegraphSceneMouse)

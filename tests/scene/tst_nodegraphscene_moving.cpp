@@ -91,7 +91,7 @@ void tst_NodegraphSceneMoving::nodeAddedMeanwhileStaysWhereItWasPut()
     const QPointF handle = bodyOf(canvas[0]);
     beginDrag(canvas, handle);
     canvas.scene.sl_addEventNode();
-    const Node *added = canvas.scene.getNodes().back();
+    const Node *added = canvas.scene.nodes().back();
     const QPointF put = added->scenePos();
     QVERIFY(put.x() > canvas[0]->scenePos().x());
     canvas.move(handle + QPointF(20, 30));

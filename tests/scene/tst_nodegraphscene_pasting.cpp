@@ -87,7 +87,7 @@ void tst_NodegraphScenePasting::pastedEventIsInSight()
     const QPointF pos = before.topLeft() + QPointF(mouse.x() * before.width(), mouse.y() * before.height());
     shown.scene.sl_lastMousePos(pos);
     shown.scene.pasteNodes();
-    const Node *pasted = shown.scene.getNodes().back();
+    const Node *pasted = shown.scene.nodes().back();
     QVERIFY((pasted->pos() - pos).manhattanLength() < 2); // by whole units
     QVERIFY(shown.inSight().contains(withPiece(shown, pasted->sceneBoundingRect())));
 }
@@ -116,8 +116,8 @@ void tst_NodegraphScenePasting::pastedGroupIsInSight()
     shown.scene.copyNodes();
     shown.scene.sl_lastMousePos(shown.inSight().bottomRight());
     shown.scene.pasteNodes();
-    QCOMPARE(shown.scene.getNodes().size(), std::size_t(2));
-    QVERIFY(shown.inSight().contains(withPiece(shown, outlineOf(shown.scene.getNodes()))));
+    QCOMPARE(shown.scene.nodes().size(), std::size_t(2));
+    QVERIFY(shown.inSight().contains(withPiece(shown, outlineOf(shown.scene.nodes()))));
 }
 
 void tst_NodegraphScenePasting::groupThatDoesNotFitShowsItsBeginning()
@@ -129,7 +129,7 @@ void tst_NodegraphScenePasting::groupThatDoesNotFitShowsItsBeginning()
     shown.scene.copyNodes();
     shown.scene.sl_lastMousePos(QPointF(70000, 70000));
     shown.scene.pasteNodes();
-    QVERIFY(shown.inSight().contains(shown.scene.getNodes().front()->sceneBoundingRect()));
+    QVERIFY(shown.inSight().contains(shown.scene.nodes().front()->sceneBoundingRect()));
 }
 
 void tst_NodegraphScenePasting::pastedEventIsWithinReach_data()
@@ -153,8 +153,8 @@ void tst_NodegraphScenePasting::pastedEventIsWithinReach()
     shown.scene.sl_deselectCurrentNode();
     shown.scene.sl_lastMousePos(mouse);
     shown.scene.pasteNodes();
-    QCOMPARE(shown.scene.getNodes().size(), std::size_t(1));
-    const QRectF body = shown.scene.getNodes().front()->sceneBoundingRect();
+    QCOMPARE(shown.scene.nodes().size(), std::size_t(1));
+    const QRectF body = shown.scene.nodes().front()->sceneBoundingRect();
     QVERIFY(shown.inSight().contains(withPiece(shown, body)));
     QVERIFY(canBePannedTo(shown, withPiece(shown, body)));
 }
@@ -168,7 +168,7 @@ void tst_NodegraphScenePasting::wholeGroupIsWithinReach()
     shown.scene.copyNodes();
     shown.scene.sl_lastMousePos(QPointF(500, 500));
     shown.scene.pasteNodes();
-    const std::vector<Node *> &nodes = shown.scene.getNodes();
+    const std::vector<Node *> &nodes = shown.scene.nodes();
     QCOMPARE(nodes[1]->pos(), QPointF(-49000, 500));
     QVERIFY(canBePannedTo(shown, outlineOf(nodes)));
 }
@@ -182,7 +182,7 @@ void tst_NodegraphScenePasting::farGroupKeepsItsShape()
     shown.scene.copyNodes();
     shown.scene.sl_lastMousePos(QPointF(-9999000, 500));
     shown.scene.pasteNodes();
-    const std::vector<Node *> &nodes = shown.scene.getNodes();
+    const std::vector<Node *> &nodes = shown.scene.nodes();
     QCOMPARE(nodes[0]->pos() - nodes[1]->pos(), QPointF(49500, -400));
     QVERIFY(canBePannedTo(shown, outlineOf(nodes)));
 }

@@ -34,7 +34,7 @@ void tst_NodegraphScene_RubberBand::pressOnNodeStartsNoRubberBand()
     shown.move(bodyOf(node) + QPointF(300, 300));
     QVERIFY(rubberBandOf(shown.scene)->rect().isNull());
     QVERIFY(!other->isSelected());
-    QVERIFY(shown.scene.getSelectedNodes().empty());
+    QVERIFY(shown.scene.selectedNodes().empty());
     shown.release(bodyOf(node));
 }
 
@@ -89,7 +89,7 @@ void tst_NodegraphScene_RubberBand::pressOnStrokeStartsNoRubberBand()
     shown.move(QPointF(10, 860));
     QVERIFY(rubberBandOf(shown.scene)->rect().isNull());
     QVERIFY(!downstream->hasInput());
-    QCOMPARE(shown.scene.getSelectedNodes(), (std::vector<Node *>{upstream, downstream, third}));
+    QCOMPARE(shown.scene.selectedNodes(), (std::vector<Node *>{upstream, downstream, third}));
     shown.release(QPointF(10, 860));
 }
 
@@ -159,14 +159,14 @@ void tst_NodegraphScene_RubberBand::rubberBandSelectsWhatItTouches()
 
     canvas.mouse.press(QPointF(900, 900));
     canvas.mouse.move(QPointF(999, 999));
-    QVERIFY(canvas.scene.getSelectedNodes().empty());
+    QVERIFY(canvas.scene.selectedNodes().empty());
     canvas.mouse.move(QPointF(1020, 1020)); // a corner is enough
-    QCOMPARE(canvas.scene.getSelectedNodes(), std::vector<Node *>{touched});
+    QCOMPARE(canvas.scene.selectedNodes(), std::vector<Node *>{touched});
     QVERIFY(touched->isSelected());
     QVERIFY(!missed->isSelected());
     QCOMPARE(canvas.scene.currentNode(), nullptr);
     canvas.mouse.release(QPointF(1020, 1020));
-    QCOMPARE(canvas.scene.getSelectedNodes(), std::vector<Node *>{touched});
+    QCOMPARE(canvas.scene.selectedNodes(), std::vector<Node *>{touched});
     QVERIFY(touched->isSelected());
 }
 
@@ -182,11 +182,11 @@ void tst_NodegraphScene_RubberBand::rubberBandKeepsNodesItLeft()
     canvas.mouse.move(QPointF(1100, 2100));
     canvas.mouse.move(QPointF(1100, 2100)); // listed once, however often the band covers it
     canvas.mouse.move(QPointF(910, 910));
-    QCOMPARE(canvas.scene.getSelectedNodes(), (std::vector<Node *>{first, second}));
+    QCOMPARE(canvas.scene.selectedNodes(), (std::vector<Node *>{first, second}));
     QVERIFY(first->isSelected());
     QVERIFY(second->isSelected());
     canvas.mouse.release(QPointF(910, 910));
-    QCOMPARE(canvas.scene.getSelectedNodes(), (std::vector<Node *>{first, second}));
+    QCOMPARE(canvas.scene.selectedNodes(), (std::vector<Node *>{first, second}));
 }
 
 void tst_NodegraphScene_RubberBand::rubberBandListsTopmostFirst()
@@ -197,7 +197,7 @@ void tst_NodegraphScene_RubberBand::rubberBandListsTopmostFirst()
 
     canvas.mouse.press(QPointF(900, 900));
     canvas.mouse.move(QPointF(1100, 2100));
-    QCOMPARE(canvas.scene.getSelectedNodes(), (std::vector<Node *>{top, bottom}));
+    QCOMPARE(canvas.scene.selectedNodes(), (std::vector<Node *>{top, bottom}));
     canvas.mouse.release(QPointF(1100, 2100));
 }
 
@@ -214,7 +214,7 @@ void tst_NodegraphScene_RubberBand::releaseEndsRubberBand()
     canvas.mouse.move(QPointF(1100, 1100), Qt::NoButton);
     QVERIFY(rubberBandOf(canvas.scene)->rect().isNull());
     QVERIFY(!node->isSelected());
-    QVERIFY(canvas.scene.getSelectedNodes().empty());
+    QVERIFY(canvas.scene.selectedNodes().empty());
 }
 
 void tst_NodegraphScene_RubberBand::moveWithoutRubberBandSelectsNothing()

@@ -90,7 +90,7 @@ void tst_NodegraphSceneStory::storyRunsFromFirstEventToEnd()
     tab.scene.updateStory();
     QCOMPARE(tab.story.size(), 1);
     QCOMPARE(tab.published(), tab.nodes);
-    QCOMPARE(tab.scene.getStory(), tab.nodes);
+    QCOMPARE(tab.scene.story(), tab.nodes);
     QVERIFY(log.lines().isEmpty());
 }
 
@@ -168,11 +168,11 @@ void tst_NodegraphSceneStory::publishedStoryIsACopy()
     Nodes received;
     connect(&tab.scene, &NodegraphScene::s_updateStory, this, [&](Nodes story) {
         story.clear();
-        received = tab.scene.getStory();
+        received = tab.scene.story();
     });
     tab.scene.updateStory();
     QCOMPARE(received, tab.nodes);
-    QCOMPARE(tab.scene.getStory(), tab.nodes);
+    QCOMPARE(tab.scene.story(), tab.nodes);
 }
 
 void tst_NodegraphSceneStory::cutStoryBeginsAfterTheCut()

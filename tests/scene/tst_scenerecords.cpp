@@ -25,8 +25,8 @@ struct Shelf
     Node *make(TextMaking making)
     {
         makings.push_back(making);
-        if (isOneForAll && !scene.getNodes().empty())
-            return scene.getNodes().front();
+        if (isOneForAll && !scene.nodes().empty())
+            return scene.nodes().front();
         return scene.restoreNode({}, 100000 + int(makings.size()), 0, nullptr, QString());
     }
 
@@ -117,7 +117,7 @@ void tst_SceneRecords::readsIntoTheEventItIsGiven()
     Shelf shelf;
     shelf.isOneForAll = true;
     shelf.read(SceneBytes::block({eventRecord(7), eventRecord(9)}));
-    QCOMPARE(indicesOf(shelf.scene.getNodes()), QList<int>{9});
+    QCOMPARE(indicesOf(shelf.scene.nodes()), QList<int>{9});
 }
 
 void tst_SceneRecords::makesTheFirstTextsAtOnce()
@@ -148,7 +148,7 @@ void tst_SceneRecords::tellsOfAFeederThatIsNotThere()
     shelf.read(SceneBytes::block({eventRecord(0, 8)}));
     QCOMPARE(log.count(u"CouldntFind outNode"_s), 1);
     QCOMPARE(shelf.handedOut, 0);
-    QCOMPARE(shelf.scene.getNodes().front()->getPrevIndex(), -1);
+    QCOMPARE(shelf.scene.nodes().front()->getPrevIndex(), -1);
 }
 
 void tst_SceneRecords::refusesCycles()
@@ -160,7 +160,7 @@ void tst_SceneRecords::refusesCycles()
     Shelf shelf;
     shelf.read(SceneBytes::block(records));
     QCOMPARE(shelf.handedOut, 0);
-    for (const Node *node : shelf.scene.getNodes())
+    for (const Node *node : shelf.scene.nodes())
         QCOMPARE(node->getPrevIndex(), -1);
 }
 
@@ -173,7 +173,7 @@ void tst_SceneRecords::stopsWhenThereIsNothingMoreToRead()
     bytes.replace(0, 4, SceneBytes::int32(5000));
     Shelf shelf;
     shelf.read(bytes);
-    QCOMPARE(int(shelf.scene.getNodes().size()), 1001);
+    QCOMPARE(int(shelf.scene.nodes().size()), 1001);
 }
 
 void tst_SceneRecords::readsAnEmptyBlock()
@@ -182,7 +182,7 @@ void tst_SceneRecords::readsAnEmptyBlock()
     const LogCapture log;
     shelf.read(SceneBytes::int32(0));
     QCOMPARE(log.lines(), (QStringList{u"Fileopening"_s, u"Nodes to open 0"_s}));
-    QVERIFY(shelf.scene.getNodes().empty());
+    QVERIFY(shelf.scene.nodes().empty());
 }
 
 QTEST_MAIN(tst_SceneRecords)

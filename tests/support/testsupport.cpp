@@ -69,7 +69,7 @@ std::vector<Node *> addChain(NodegraphScene &scene, int count)
     std::vector<Node *> added;
     for (int i = 0; i < count; ++i) {
         scene.sl_addEventNode();
-        added.push_back(scene.getNodes().back());
+        added.push_back(scene.nodes().back());
     }
     return added;
 }
@@ -80,7 +80,7 @@ Node *addLoose(NodegraphScene &scene, QPointF pos)
     scene.sl_lastMousePos(pos);
     scene.sl_addEventNode();
     scene.sl_deselectCurrentNode();
-    return scene.getNodes().back();
+    return scene.nodes().back();
 }
 
 QStringList ownMethods(const QMetaObject &metaObject)

@@ -164,7 +164,7 @@ void tst_CanvasDetail::keyToEditComesClose()
     QTest::keyClick(canvas.view.get(), Qt::Key_F2);
     QCOMPARE(canvas.scene->focusItem(), node->nameItem());
     QCOMPARE(canvas.view->transform().m11(), 1.0);
-    QCOMPARE(canvas.view->getZoomDivisor(), 1.0);
+    QCOMPARE(canvas.view->zoomDivisor(), 1.0);
     QTest::keyClicks(canvas.view->viewport(), u"Now"_s);
     QCOMPARE(node->title(), u"Now"_s);
     canvas.frame();
@@ -197,13 +197,13 @@ void tst_CanvasDetail::newAndReturningEventsAreAsTheOthers()
 {
     const FarCanvas canvas(0.02, 250);
     canvas.scene->sl_addEventNode();
-    const Node *added = canvas.nodes.empty() ? nullptr : canvas.scene->getNodes().back();
+    const Node *added = canvas.nodes.empty() ? nullptr : canvas.scene->nodes().back();
     canvas.frame();
     QVERIFY(added && !added->nameItem()->isVisible());
     canvas.view->undoStack()->undo();
     canvas.view->undoStack()->redo();
     canvas.frame();
-    QVERIFY(!canvas.scene->getNodes().back()->nameItem()->isVisible());
+    QVERIFY(!canvas.scene->nodes().back()->nameItem()->isVisible());
 }
 
 void tst_CanvasDetail::pictureForSomethingElseChangesNothing()

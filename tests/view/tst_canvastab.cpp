@@ -40,10 +40,10 @@ void tst_CanvasTab::tabWritesNothing()
     QVERIFY(QTest::qWaitForWindowActive(&window));
     NodegraphScene *scene = sceneOf(window, 0);
     addChain(*scene, 3);
-    NodegraphView *view = window.getViews().front();
+    NodegraphView *view = window.views().front();
     view->setFocus();
     if (wroteBefore) {
-        scene->getNodes().at(1)->nameItem()->setFocus();
+        scene->nodes().at(1)->nameItem()->setFocus();
         QTest::keyClick(window.windowHandle(), Qt::Key_Escape);
     }
     const QByteArray before = SceneBytes::saved(*scene);
@@ -63,8 +63,8 @@ void tst_CanvasTab::tabIsWrittenByWhoWrites()
     QVERIFY(QTest::qWaitForWindowActive(&window));
     NodegraphScene *scene = sceneOf(window, 0);
     addChain(*scene, 1);
-    window.getViews().front()->setFocus();
-    Node *node = scene->getNodes().front();
+    window.views().front()->setFocus();
+    Node *node = scene->nodes().front();
     node->nameItem()->setFocus();
     QTest::keyClick(window.windowHandle(), Qt::Key_End);
     QTest::keyClick(window.windowHandle(), Qt::Key_Tab);

@@ -98,7 +98,7 @@ void tst_NodegraphView::startsAsACanvas()
     QCOMPARE(view->dragMode(), QGraphicsView::NoDrag);
     QCOMPARE(view->backgroundBrush().style(), Qt::NoBrush);
     QCOMPARE(view->transform(), QTransform());
-    QCOMPARE(view->getZoomDivisor(), 1.0);
+    QCOMPARE(view->zoomDivisor(), 1.0);
 
     QVERIFY(scene);
     QCOMPARE(view->scene(), scene.get());
@@ -149,10 +149,10 @@ void tst_NodegraphView::sceneCommandsReachTheHistory()
 {
     const Canvas canvas;
     canvas.scene->sl_addEventNode();
-    QCOMPARE(canvas.scene->getNodes().size(), std::size_t(1));
+    QCOMPARE(canvas.scene->nodes().size(), std::size_t(1));
     QCOMPARE(canvas.view->undoStack()->count(), 1);
     canvas.view->undoStack()->undo();
-    QVERIFY(canvas.scene->getNodes().empty());
+    QVERIFY(canvas.scene->nodes().empty());
 }
 
 void tst_NodegraphView::replacedHistoryTakesTheNextCommand()
@@ -182,7 +182,7 @@ void tst_NodegraphView::panGestureOnlyLogs()
     QCOMPARE(log.lines(), QStringList({u"Handling pan gesture"_s}));
     QCOMPARE(canvas.view->transform(), before);
     QCOMPARE(canvas.scroll(), scrolled);
-    QCOMPARE(canvas.view->getZoomDivisor(), 1.0);
+    QCOMPARE(canvas.view->zoomDivisor(), 1.0);
 }
 
 void tst_NodegraphView::pinchGestureZooms_data()
@@ -209,14 +209,14 @@ void tst_NodegraphView::pinchGestureZooms()
     QVERIFY(QCoreApplication::sendEvent(canvas.view.get(), &event));
     QCOMPARE(log.lines(), QStringList({u"Handling pinch gesture"_s}));
     QCOMPARE(canvas.view->transform(), zoomed(before, factor, -centre)); // the centre as reported, not mapped
-    QCOMPARE(canvas.view->getZoomDivisor(), 1.0 / factor);
+    QCOMPARE(canvas.view->zoomDivisor(), 1.0 / factor);
 
     canvas.press(QPointF(30, 40), Qt::RightButton);
     const QTransform second = canvas.view->transform();
     QGestureEvent again({&pinch});
     QCoreApplication::sendEvent(canvas.view.get(), &again);
     QCOMPARE(canvas.view->transform(), zoomed(second, factor, QPointF(30, 40) - centre));
-    QCOMPARE(canvas.view->getZoomDivisor(), 1.0 / factor / factor);
+    QCOMPARE(canvas.view->zoomDivisor(), 1.0 / factor / factor);
 }
 
 void tst_NodegraphView::bothGesturesAreHandledInOrder()
@@ -278,7 +278,7 @@ void tst_NodegraphView::framesBounds()
     QCOMPARE(canvas.view->transform().m22(), scale);
     const QPointF offBy = (canvas.middle() - bounds.center()) * scale;
     QVERIFY(qAbs(offBy.x()) <= 1 && qAbs(offBy.y()) <= 1);
-    QCOMPARE(canvas.view->getZoomDivisor(), 3.0);
+    QCOMPARE(canvas.view->zoomDivisor(), 3.0);
 }
 
 void tst_NodegraphView::framesWhatTheSceneAsksFor()

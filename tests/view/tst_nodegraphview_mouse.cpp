@@ -97,7 +97,7 @@ void tst_NodegraphViewMouse::zoomAtScalesAndShifts()
     canvas.view->setZoomDivisor(4.0);
     canvas.view->zoomAt(factor, scenePos);
     QCOMPARE(canvas.view->transform(), zoomed(before, factor, -scenePos));
-    QCOMPARE(canvas.view->getZoomDivisor(), 4.0 / factor);
+    QCOMPARE(canvas.view->zoomDivisor(), 4.0 / factor);
 }
 
 void tst_NodegraphViewMouse::wheelZooms_data()
@@ -126,13 +126,13 @@ void tst_NodegraphViewMouse::wheelZooms()
     QCOMPARE(canvas.view->transform().m11(), factor);
     QCOMPARE(canvas.view->transform().m22(), factor);
     QVERIFY2(qFuzzyCompare(canvas.view->transform(), expected), "shifted by the place of the mouse");
-    QCOMPARE(canvas.view->getZoomDivisor(), 1.0 / factor);
+    QCOMPARE(canvas.view->zoomDivisor(), 1.0 / factor);
 
     // The reciprocal of all zooming so far, whatever it was set to in between.
     canvas.view->setZoomDivisor(1.0);
     turnWheel(canvas, QPointF(10, 10), angleDelta);
     turnWheel(canvas, QPointF(10, 10), angleDelta);
-    QCOMPARE(canvas.view->getZoomDivisor(), 1.0 / (factor * factor));
+    QCOMPARE(canvas.view->zoomDivisor(), 1.0 / (factor * factor));
     QCOMPARE(canvas.view->transform().m11(), factor * factor * factor);
 }
 
@@ -144,7 +144,7 @@ void tst_NodegraphViewMouse::wheelShiftsByThePanAnchor()
     const QPointF scenePos = canvas.view->mapToScene(QPoint(200, 100));
     turnWheel(canvas, QPointF(200, 100), QPoint(0, 0));
     QCOMPARE(canvas.view->transform(), zoomed(before, 1.0, QPointF(30, 40) - scenePos));
-    QCOMPARE(canvas.view->getZoomDivisor(), 1.0);
+    QCOMPARE(canvas.view->zoomDivisor(), 1.0);
 }
 
 void tst_NodegraphViewMouse::wheelStaysInTheView()
@@ -171,7 +171,7 @@ void tst_NodegraphViewMouse::wheelZoomHasNoBound()
     for (int i = 0; i < 100; ++i)
         turnWheel(canvas, QPointF(200, 150), QPoint(0, delta));
     QVERIFY(qAbs(canvas.view->transform().m11() / scale - 1.0) < 1e-9);
-    QVERIFY(qAbs(canvas.view->getZoomDivisor() * scale - 1.0) < 1e-9);
+    QVERIFY(qAbs(canvas.view->zoomDivisor() * scale - 1.0) < 1e-9);
 }
 
 // Under a window that has just come up the mouse need not move: a zoom by key then went to the canvas's
@@ -230,7 +230,7 @@ void tst_NodegraphViewMouse::sceneLearnsWhereTheMouseIs()
     const QPointF expected = canvas.view->mapToScene(QPoint(120, 90));
     canvas.move(QPointF(120, 90), Qt::NoButton);
     canvas.scene->sl_addEventNode();
-    QCOMPARE(canvas.scene->getNodes().back()->scenePos(), expected);
+    QCOMPARE(canvas.scene->nodes().back()->scenePos(), expected);
 }
 
 void tst_NodegraphViewMouse::rightDragMovesTheCanvas_data()
@@ -321,7 +321,7 @@ void tst_NodegraphViewMouse::secondRightPressTakesNothingApart()
     const Canvas canvas;
     const std::vector<Node *> chain = addChain(*canvas.scene, 2);
     canvas.scene->selectAll();
-    const std::vector<Node *> selected = canvas.scene->getSelectedNodes();
+    const std::vector<Node *> selected = canvas.scene->selectedNodes();
     Node *current = canvas.scene->currentNode();
     canvas.view->centerOn(inputOf(chain[1]));
     const QHash<QString, QPointF> places{{QStringLiteral("line"), nearEnd(chain[1]->inLine(), 0)},
@@ -335,7 +335,7 @@ void tst_NodegraphViewMouse::secondRightPressTakesNothingApart()
     QCOMPARE(chain[1]->prevNode(), chain[0]);
     QCOMPARE(dragLineOf(*canvas.scene), nullptr);
     QCOMPARE(canvas.scene->currentNode(), current);
-    QCOMPARE(canvas.scene->getSelectedNodes(), selected);
+    QCOMPARE(canvas.scene->selectedNodes(), selected);
     QVERIFY(chain[0]->isSelected() && chain[1]->isSelected());
 }
 
@@ -470,7 +470,7 @@ void tst_NodegraphViewMouse::rightPressKeepsTheSelection()
     canvas.release(QPointF(100, 100), Qt::RightButton);
     QVERIFY(chain[0]->isSelected());
     QCOMPARE(canvas.scene->currentNode(), chain[0]);
-    QCOMPARE(canvas.scene->getSelectedNodes(), chain);
+    QCOMPARE(canvas.scene->selectedNodes(), chain);
 }
 
 void tst_NodegraphViewMouse::leftPressOnTheCanvasDeselects()
@@ -503,7 +503,7 @@ void tst_NodegraphViewMouse::lostReleaseEndsTheBand()
     canvas.move(QPointF(380, 280), Qt::NoButton);
     QVERIFY(rubberBandOf(*canvas.scene)->rect().isNull());
     QVERIFY(!chain[0]->isSelected());
-    QVERIFY(canvas.scene->getSelectedNodes().empty());
+    QVERIFY(canvas.scene->selectedNodes().empty());
 }
 
 void tst_NodegraphViewMouse::lostReleaseEndsTheLine_data()

@@ -67,7 +67,7 @@ struct Program
     }
 
     MainWindow window;
-    NodegraphView *view = window.getViews().front();
+    NodegraphView *view = window.views().front();
 };
 
 /// What a view is told of a pinch. Where it begins and how often its end is told is Qt's affair.
@@ -157,7 +157,7 @@ void tst_NodegraphViewZoom::wheelZoomsByItsAngleAlone()
     turnWheel(canvas.view.get(), QPointF(200, 150), {angleDelta, pixelDelta, phase});
     QVERIFY(qFuzzyCompare(canvas.view->transform(), zoomed(before, factor, -scenePos)));
     QCOMPARE(canvas.view->transform().m11(), factor);
-    QCOMPARE(canvas.view->getZoomDivisor(), 1.0 / factor);
+    QCOMPARE(canvas.view->zoomDivisor(), 1.0 / factor);
     QVERIFY(within(canvas.middle() - scenePos, 1.0));
 }
 
@@ -177,7 +177,7 @@ void tst_NodegraphViewZoom::smallStepsMakeANotch()
         turnWheel(canvas.view.get(), QPointF(200, 150), {QPoint(0, step)});
     const double notch = step > 0 ? 1.0954451150103321 : 1.0 / 1.0954451150103321;
     QCOMPARE(canvas.view->transform().m11(), notch);
-    QCOMPARE(canvas.view->getZoomDivisor(), 1.0 / notch);
+    QCOMPARE(canvas.view->zoomDivisor(), 1.0 / notch);
 }
 
 void tst_NodegraphViewZoom::zoomStaysUnderTheMouse_data()
@@ -260,7 +260,7 @@ void tst_NodegraphViewZoom::panFollowsTheHandAtFullSize()
     Program program;
     NodegraphScene *scene = program.view->nodegraphScene();
     scene->sl_addEventNode();
-    Node *node = scene->getNodes().front();
+    Node *node = scene->nodes().front();
     node->setPos(program.view->mapToScene(QPoint(100, 100)));
     program.trigger("actionZoom_In");
     program.trigger("actionZoom_to_100");
@@ -348,7 +348,7 @@ void tst_NodegraphViewZoom::pinchOfTwoFingersScales()
     const double scale = program.view->transform().m11();
     QCOMPARE(scale, pinch.product);
     QVERIFY(end > start ? scale > 1.5 : scale < 0.5);
-    QCOMPARE(program.view->getZoomDivisor(), 1.0 / scale);
+    QCOMPARE(program.view->zoomDivisor(), 1.0 / scale);
 }
 
 // Every step shifts the canvas by the place that it keeps; what was shifted in an hour did not fit into the
