@@ -15,6 +15,7 @@ namespace {
 constexpr int firstScreen = 100;     // events whose texts are made while they are read
 constexpr int mostBlankNodes = 1000; // made for records that a damaged file announces but does not hold
 constexpr int mostNamedRefusals = 20;
+constexpr int noIndex = -1; // of what feeds an event: nothing does
 
 /// The name of the file that is being read, empty if it is none.
 QString fileNameOf(const QDataStream &stream)
@@ -119,35 +120,66 @@ std::vector<Node *> SceneRecords::readEvents(QDataStream &stream, int count) con
     return loaded;
 }
 
+/// Gives those events an index that have none of their own: no two may be saved under one, or the next
+/// reading would put one into the other. No event can be fed by one with the index that stands for none.
+void SceneRecords::numberAnew(int firstFree, const QString &fileName) const
+{
+    int count = 0;
+    for (Node *node : scene.nodes()) {
+        if (node->getIndex() != noIndex && scene.findNodeByIndex(node->getIndex()) == node)
+            continue;
+        while (scene.findNodeByIndex(firstFree))
+            ++firstFree;
+        node->setIndex(firstFree);
+        ++count;
+    }
+    if (count > 0)
+        qWarning() << "Damaged scene file:" << fileName << "has" << count
+                   << "events without an index of their own, given new ones";
+}
+
 void SceneRecords::connectAll(const std::vector<Node *> &loaded, const QString &fileName) const
 {
-    Refusals refusals(fileName);
-    std::vector<Node *> unfed; // not reset at once: a node that two records were read into is listed twice
     QHash<int, Node *> firstWithIndex;
     for (Node *node : loaded) {
         if (!firstWithIndex.contains(node->getIndex()))
             firstWithIndex.insert(node->getIndex(), node);
     }
+    // Who feeds whom is what the file says with its own indices.
+    struct Join
+    {
+        Node *record; // not fed itself if an earlier one has its index
+        Node *downstream;
+        Node *upstream; // null if there is none with that index
+    };
+    std::vector<Join> joins;
     for (Node *node : loaded) {
         const int upstreamIndex = node->getPrevIndex();
-        if (upstreamIndex == -1)
+        if (upstreamIndex == noIndex)
             continue;
-        Node *downstream = scene.findNodeByIndex(node->getIndex());
-        const bool isFound = firstWithIndex.contains(upstreamIndex);
-        const bool isRefused =
-            isFound && Connector::wouldCloseCycle(downstream, scene.findNodeByIndex(upstreamIndex));
-        if (!isFound || isRefused || downstream != node)
-            unfed.push_back(node);
+        Node *upstream =
+            firstWithIndex.contains(upstreamIndex) ? scene.findNodeByIndex(upstreamIndex) : nullptr;
+        joins.push_back({node, scene.findNodeByIndex(node->getIndex()), upstream});
+    }
+    numberAnew(2 * int(loaded.size()), fileName); // behind the provisional ones
+
+    Refusals refusals(fileName);
+    std::vector<Node *> unfed; // not reset at once: a node that two records were read into is listed twice
+    for (const auto &[record, downstream, upstream] : joins) {
+        const bool isRefused = upstream && Connector::wouldCloseCycle(downstream, upstream);
+        if (!upstream || isRefused || downstream != record)
+            unfed.push_back(record);
         if (isRefused)
-            refusals.tell(downstream, scene.findNodeByIndex(upstreamIndex));
-        else if (isFound)
-            handOut(std::make_unique<ConnectNodesCommand>(&scene, node->getIndex(), upstreamIndex));
+            refusals.tell(downstream, upstream);
+        else if (upstream)
+            handOut(
+                std::make_unique<ConnectNodesCommand>(&scene, downstream->getIndex(), upstream->getIndex()));
         else
             qInfo() << "CouldntFind outNode";
     }
     // What is saved later is what is shown then.
     for (Node *node : unfed) {
         if (!node->hasInput())
-            node->setPrevIndex(-1);
+            node->setPrevIndex(noIndex);
     }
 }

@@ -29,6 +29,7 @@ public:
 
 private:
     std::vector<Node *> readEvents(QDataStream &stream, int count) const;
+    void numberAnew(int firstFree, const QString &fileName) const;
     void connectAll(const std::vector<Node *> &loaded, const QString &fileName) const;
 
     NodegraphScene &scene;

@@ -142,8 +142,9 @@ void tst_BadFilesGraph::warningNamesTheFileAndTheCounts()
     FileOpener opener;
     opener.window().loadFrom(path);
     const QStringList lines = opener.takeWarnings();
-    // The tabs, the blank events, which all claim to be fed by the first one, twenty of those and the others.
-    QCOMPARE(lines.size(), 2 + 20 + 1);
+    // The tabs, the blank events, which all have the first one's index and claim to be fed by it, twenty of
+    // those and the others.
+    QCOMPARE(lines.size(), 3 + 20 + 1);
     for (const QString &line : lines)
         QVERIFY2(line.startsWith(QLatin1String("Damaged scene file:")) && line.contains(path),
                  qPrintable(line));
@@ -151,6 +152,7 @@ void tst_BadFilesGraph::warningNamesTheFileAndTheCounts()
     QVERIFY2(lines[0].contains(QStringLiteral(" 100 ")) && lines[0].contains(bound), qPrintable(lines[0]));
     QVERIFY2(lines[1].contains(QStringLiteral(" 5000 ")) && lines[1].contains(QStringLiteral("1001")),
              qPrintable(lines[1]));
+    QVERIFY2(lines[2].contains(QStringLiteral(" 1000 events without an index ")), qPrintable(lines[2]));
     QVERIFY2(lines.last().contains(QStringLiteral(" 980 more ")), qPrintable(lines.last()));
 }
 
@@ -268,12 +270,12 @@ void tst_BadFilesGraph::chosenOneOfManyWithOneIndexComesBack()
 void tst_BadFilesGraph::manyWithOneIndexAreSavedWhole_data()
 {
     QTest::addColumn<int>("index");
-    for (const int index : {0, 2, 7, 9, 10, -1, intMax})
+    for (const int index : {0, 2, 7, 8, 9, 10, -1, intMax})
         QTest::addRow("%d", index) << index;
 }
 
-// But for 8: among five records there is no order in which no other event of that index stands before the one
-// whose place means 8 to the reader.
+// Each round of opening and saving used to lose an event: the record at place 4 is read into whichever event
+// has the index 8 by then.
 void tst_BadFilesGraph::manyWithOneIndexAreSavedWhole()
 {
     QFETCH(const int, index);

@@ -38,6 +38,7 @@ struct Tab
     bool cutOff = false; // fewer events than stored, since the data ended long before
     int refused = 0;     // connections that would close a cycle
     int notFinite = 0;   // coordinates
+    int renumbered = 0;  // events that had no index of their own
 };
 
 struct Document
@@ -197,11 +198,22 @@ private:
                 continue;
             }
             tab.events[downstream].feeder = upstream;
-            tab.events[downstream].upstream = upstreamIndex;
         }
-        for (Event &event : tab.events) {
-            if (event.feeder < 0)
-                event.upstream = -1;
+        numberAnew(2 * qint32(loaded.size()));
+        for (Event &event : tab.events)
+            event.upstream = event.feeder < 0 ? -1 : tab.events[event.feeder].index;
+    }
+
+    void numberAnew(qint32 free)
+    {
+        for (int position = 0; position < int(tab.events.size()); ++position) {
+            const qint32 index = tab.events[position].index;
+            if (index != -1 && first(index) == position)
+                continue;
+            while (first(free) >= 0)
+                ++free;
+            setIndex(position, free);
+            ++tab.renumbered;
         }
     }
 
@@ -219,14 +231,6 @@ private:
     int counter = 0;
     std::map<qint32, std::set<int>> byIndex; // positions, oldest first
 };
-
-inline bool hasIndexTwice(const Tab &tab)
-{
-    std::set<qint32> indices;
-    for (const Event &event : tab.events)
-        indices.insert(event.index);
-    return indices.size() < tab.events.size();
-}
 
 inline Document read(const QByteArray &source)
 {

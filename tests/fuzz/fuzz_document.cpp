@@ -51,11 +51,7 @@ public:
         // A damaged count makes a thousand events, and every second mutation damages a count.
         if (isLong && qChecksum(bytes) % longOnesSkipped != 0)
             return {};
-        // Several events of one index may leave no order in which all are read back, so those are opened
-        // only.
-        const bool repeats =
-            std::any_of(document.tabs.begin(), document.tabs.end(), DocumentModel::hasIndexTwice);
-        const QString problem = isLong || repeats ? opener.open(bytes) : opener.check(bytes);
+        const QString problem = isLong ? opener.open(bytes) : opener.check(bytes);
         if (!problem.isEmpty() || events > mostDrawnEvents)
             return problem;
         draw();

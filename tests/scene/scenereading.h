@@ -45,6 +45,15 @@ struct NoProgressLog
     NoProgressLog &operator=(const NoProgressLog &) = delete;
 };
 
+/// The line of a tab in which that many events had no index of their own.
+inline void expectNewIndices(int count)
+{
+    QTest::ignoreMessage(QtWarningMsg,
+                         qPrintable(QStringLiteral("Damaged scene file: \"\" has %1 events "
+                                                   "without an index of their own, given new ones")
+                                        .arg(count)));
+}
+
 /// The first twenty connections that close a cycle are named one by one, the others are counted.
 inline void expectRefusals(int count)
 {

@@ -67,6 +67,7 @@ private slots:
     void makesTheFirstTextsAtOnce();
     void connectsByCommands();
     void tellsOfAFeederThatIsNotThere();
+    void givesEachEventAnIndexOfItsOwn();
     void refusesCycles();
     void stopsWhenThereIsNothingMoreToRead();
     void readsAnEmptyBlock();
@@ -151,6 +152,20 @@ void tst_SceneRecords::tellsOfAFeederThatIsNotThere()
     QCOMPARE(shelf.scene.nodes().front()->getPrevIndex(), -1);
 }
 
+// Saved under one index, one would be read into the other; and what none is fed by cannot be told.
+void tst_SceneRecords::givesEachEventAnIndexOfItsOwn()
+{
+    expectNewIndices(3);
+    Shelf shelf;
+    shelf.read(SceneBytes::block({eventRecord(5), eventRecord(5, 7), eventRecord(7), eventRecord(-1, 5),
+                                  eventRecord(10, -1), eventRecord(-1)}));
+    QCOMPARE(indicesOf(shelf.scene.nodes()), (QList<int>{5, 12, 7, 13, 10, 14}));
+    // The connection of the second goes to the one that keeps the index, as it is read from the file.
+    QCOMPARE(connections(shelf.scene), (QStringList{u"5 from 7"_s, u"13 from 5"_s}));
+    for (const Node *node : shelf.scene.nodes())
+        QCOMPARE(node->getPrevIndex(), node->prevNode() ? node->prevNode()->getIndex() : -1);
+}
+
 void tst_SceneRecords::refusesCycles()
 {
     Records records;
@@ -168,6 +183,7 @@ void tst_SceneRecords::stopsWhenThereIsNothingMoreToRead()
 {
     const NoProgressLog quiet;
     QTest::ignoreMessage(QtWarningMsg, "Damaged scene file: \"\" ended after 1 of 5000 nodes, opening 1001");
+    expectNewIndices(1000);
     expectRefusals(1000); // the blank ones say that they are fed by the first one
     QByteArray bytes = SceneBytes::block({eventRecord(0)});
     bytes.replace(0, 4, SceneBytes::int32(5000));
