@@ -12,7 +12,7 @@ run_packages=(g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools libqt6svg6 f
 test_packages=(xvfb xauth openbox xdotool imagemagick x11-utils)
 lint_packages=(clang-14 clang-format-14 clang-tidy-14 clazy git)
 package_packages=(dpkg-dev fakeroot file git lintian desktop-file-utils appstream mandoc debootstrap)
-ci_packages=(gcovr libclang-rt-14-dev qt6-l10n-tools)
+ci_packages=(gcovr python3 libclang-rt-14-dev qt6-l10n-tools)
 
 case "${1:-}" in
     run) wanted=("${run_packages[@]}") ;;

@@ -4,6 +4,7 @@
 
 #include "app/mainwindow.h"
 #include "app/windowsupport.h"
+#include "support/processfigures.h"
 
 #include <QApplication>
 #include <QFile>
@@ -14,7 +15,6 @@
 
 #include <cstdio>
 #include <limits>
-#include <sys/resource.h>
 
 namespace {
 
@@ -28,36 +28,6 @@ const QString openOption = QStringLiteral("--open");
 
 // The child: one file, one window.
 
-double processorSeconds()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval &time) { return double(time.tv_sec) + double(time.tv_usec) / 1e6; };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
-/// A line of the process's own status, in megabytes.
-double statusMegabytes(const QByteArray &name)
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    const QList<QByteArray> lines = status.readAll().split('\n');
-    for (const QByteArray &line : lines) {
-        if (line.startsWith(name))
-            return line.mid(name.size()).trimmed().split(' ').front().toDouble() / 1024;
-    }
-    return 0;
-}
-
-/// From now on the peak counts anew.
-void forgetPeak()
-{
-    QFile refs(QStringLiteral("/proc/self/clear_refs"));
-    if (refs.open(QIODevice::WriteOnly))
-        refs.write("5");
-}
-
 int openOne(int argc, char *argv[])
 {
     const QApplication app(argc, argv);
@@ -65,7 +35,7 @@ int openOne(int argc, char *argv[])
     MainWindow window;
     window.show();
     QCoreApplication::processEvents();
-    forgetPeak();
+    forgetPeakMemory();
     const double before = statusMegabytes("VmRSS:");
     const double start = processorSeconds();
     window.loadFrom(QString::fromLocal8Bit(argv[2]));

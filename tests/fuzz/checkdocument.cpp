@@ -1,0 +1,54 @@
+// Opens each of the named files in one window, and checks what came of it, its time and its memory: what is
+// shown is what is saved, and what was saved is shown and saved again. Prints a line for each file that does
+// harm, and "done" with its number after each; mutate.py reads both.
+
+#include "app/badfiles.h"
+#include "support/processfigures.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+
+#include <cstdio>
+
+namespace {
+
+constexpr double mostMegabytes = 500.0;
+constexpr qint64 mostMilliseconds = 5000;
+
+QString troubleOf(FileOpener &opener, const QString &path)
+{
+    const QByteArray bytes = readFile(path);
+    forgetPeakMemory();
+    const double before = statusMegabytes("VmRSS:");
+    QElapsedTimer timer;
+    timer.start();
+    if (QString problem = opener.open(bytes); !problem.isEmpty())
+        return problem;
+    const qint64 took = timer.elapsed();
+    const double megabytes = statusMegabytes("VmHWM:") - before;
+    if (took > mostMilliseconds || megabytes > mostMegabytes)
+        return QStringLiteral("opening takes %1 ms and %2 MB").arg(took).arg(megabytes);
+    return opener.check(bytes, FileOpener::OpenAndSave);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QPA_PLATFORMTHEME", "");
+    const PrivateHome home;
+    const QApplication app(argc, argv);
+    FileOpener opener;
+    int harmful = 0;
+    for (int i = 1; i < argc; ++i) {
+        const QString path = QString::fromLocal8Bit(argv[i]);
+        if (const QString trouble = troubleOf(opener, path); !trouble.isEmpty()) {
+            std::printf("%s: %s\n", argv[i], qPrintable(QString(trouble).replace(u'\n', u' ')));
+            ++harmful;
+        }
+        std::printf("done %d\n", i);
+        std::fflush(stdout);
+    }
+    return harmful == 0 ? 0 : 1;
+}
