@@ -53,6 +53,11 @@ void ConnectionDrag::begin(const QPointF &start, const QPointF &end, Socket *fro
     source = from;
 }
 
+bool ConnectionDrag::isTakenOverBy(const QGraphicsItem *grabber) const
+{
+    return line && grabber && grabber != source;
+}
+
 void ConnectionDrag::moveTo(const QPointF &mouse)
 {
     if (line)

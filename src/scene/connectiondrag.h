@@ -5,6 +5,7 @@
 class ConnectionLine;
 class Node;
 class NodegraphScene;
+class QGraphicsItem;
 class QPointF;
 class Socket;
 
@@ -26,6 +27,8 @@ public:
     bool hasLine() const { return line != nullptr; }
     /// Whether it was a line that was grabbed: a socket reports the moves itself.
     bool isByLine() const { return byLine; }
+    /// Whether `grabber`, which may be null, has taken the mouse from the socket: nothing else tells of that.
+    bool isTakenOverBy(const QGraphicsItem *grabber) const;
     /// Without a line nothing moves.
     void moveTo(const QPointF &mouse);
 

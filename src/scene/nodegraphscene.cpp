@@ -233,7 +233,8 @@ void NodegraphScene::sl_socketClick(int type, QPointF pos)
 
 void NodegraphScene::sl_connectionLineClicked(ConnectionLine *line, int type)
 {
-    parts->drag.grabLine(*line, type, parts->mouse.value_or(QPointF()));
+    if (line)
+        parts->drag.grabLine(*line, type, parts->mouse.value_or(QPointF()));
 }
 
 void NodegraphScene::sl_socketClickDrag() { parts->drag.moveTo(parts->mouse.value_or(QPointF())); }
@@ -443,6 +444,8 @@ void NodegraphScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
 
 void NodegraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
 {
+    if (parts->drag.isTakenOverBy(mouseGrabberItem()))
+        parts->drag.end();
     if (parts->drag.isByLine())
         parts->drag.moveTo(parts->mouse.value_or(QPointF()));
     if (parts->band.isActive()) {

@@ -55,6 +55,8 @@ bool CanvasKeys::eventFilter(QObject *watched, QEvent *event)
 bool CanvasKeys::press(const QKeyEvent &event)
 {
     NodegraphScene *scene = view->nodegraphScene();
+    if (!scene)
+        return false;
     const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
     Node *edited = editedNode();
     if (event.key() == Qt::Key_F2 && modifiers == Qt::NoModifier) {

@@ -113,14 +113,14 @@ void NodegraphView::mousePressEvent(QMouseEvent *event)
         setCursor(Qt::ClosedHandCursor);
         return;
     }
-    noteLeftPress(*event);
+    notePress(*event);
     QGraphicsView::mousePressEvent(event);
 }
 
 void NodegraphView::mouseMoveEvent(QMouseEvent *event)
 {
     const QPoint position = event->position().toPoint();
-    watchLeftButton(*event);
+    watchHeldButtons(*event);
     watchRightButton(event->buttons());
     emit lastMousePos(mapToScene(position));
     if (event->buttons() & Qt::RightButton)
@@ -136,38 +136,41 @@ void NodegraphView::mouseDoubleClickEvent(QMouseEvent *event)
         mousePressEvent(event);
         return;
     }
-    noteLeftPress(*event);
+    notePress(*event);
     QGraphicsView::mouseDoubleClickEvent(event);
 }
 
-void NodegraphView::noteLeftPress(const QMouseEvent &press)
+void NodegraphView::notePress(const QMouseEvent &press)
 {
-    if (press.button() != Qt::LeftButton)
-        return;
-    leftIsHeld = true;
+    held |= press.button();
     heldAt = press.position();
 }
 
 /// If a dialog or a menu that was opened by key got the release, whatever was dragged is dropped where the
 /// mouse was before.
-void NodegraphView::watchLeftButton(const QMouseEvent &move)
+void NodegraphView::watchHeldButtons(const QMouseEvent &move)
 {
-    if (move.buttons() & Qt::LeftButton) {
-        heldAt = move.position();
-        return;
+    release(held & ~move.buttons());
+    heldAt = move.position();
+}
+
+void NodegraphView::release(Qt::MouseButtons buttons)
+{
+    for (unsigned bit = Qt::LeftButton; bit <= Qt::MaxMouseButton; bit <<= 1U) {
+        const auto button = static_cast<Qt::MouseButton>(bit);
+        if (!buttons.testFlag(button))
+            continue;
+        held &= ~Qt::MouseButtons(button);
+        QMouseEvent released(QEvent::MouseButtonRelease, heldAt, viewport()->mapToGlobal(heldAt), button,
+                             held, QGuiApplication::keyboardModifiers());
+        QGraphicsView::mouseReleaseEvent(&released);
     }
-    if (!leftIsHeld)
-        return;
-    leftIsHeld = false;
-    QMouseEvent release(QEvent::MouseButtonRelease, heldAt, viewport()->mapToGlobal(heldAt), Qt::LeftButton,
-                        Qt::NoButton, QGuiApplication::keyboardModifiers());
-    QGraphicsView::mouseReleaseEvent(&release);
 }
 
 /// The same for the right button, whose anchor would shift every zoom from then on.
-void NodegraphView::watchRightButton(Qt::MouseButtons held)
+void NodegraphView::watchRightButton(Qt::MouseButtons pressed)
 {
-    if (isPanning && !(held & Qt::RightButton))
+    if (isPanning && !(pressed & Qt::RightButton))
         endPan();
 }
 
@@ -192,8 +195,7 @@ void NodegraphView::mouseReleaseEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::RightButton)
         endPan();
-    if (event->button() == Qt::LeftButton)
-        leftIsHeld = false;
+    held &= ~Qt::MouseButtons(event->button());
     QGraphicsView::mouseReleaseEvent(event);
 }
 
@@ -201,6 +203,8 @@ bool NodegraphView::event(QEvent *event)
 {
     if (event->type() == QEvent::Gesture)
         return handleGesture(static_cast<QGestureEvent *>(event));
+    if (event->type() == QEvent::TouchBegin || event->type() == QEvent::TabletPress)
+        release(held); // a finger or a pen takes over from the mouse, which may never tell of its release
     const bool handled = QGraphicsView::event(event);
     if (event->type() == QEvent::Resize && frameIsEarly && !sizeIsKnown) {
         frame(earlyFrame);
@@ -218,7 +222,7 @@ bool NodegraphView::event(QEvent *event)
 /// moved, under a window or menu that came or went, would make it take a place far away.
 void NodegraphView::noteRestingMouse(const QPointF &globalPos)
 {
-    if (leftIsHeld)
+    if (held)
         return;
     QMouseEvent resting(QEvent::MouseMove, viewport()->mapFromGlobal(globalPos), globalPos, Qt::NoButton,
                         QGuiApplication::mouseButtons(), QGuiApplication::keyboardModifiers());

@@ -57,9 +57,10 @@ private:
     void frame(const QRectF &wanted);
     void frameAgain();
     void noteRestingMouse(const QPointF &globalPos);
-    void noteLeftPress(const QMouseEvent &press);
-    void watchLeftButton(const QMouseEvent &move);
-    void watchRightButton(Qt::MouseButtons held);
+    void notePress(const QMouseEvent &press);
+    void watchHeldButtons(const QMouseEvent &move);
+    void release(Qt::MouseButtons buttons);
+    void watchRightButton(Qt::MouseButtons pressed);
     void endPan();
 
     double zoomDivisor_ = 1.0; // reciprocal of the zoom by wheel and pinch since it was last set
@@ -69,8 +70,8 @@ private:
     QUndoStack *undoStack_ = nullptr;
 
     bool isPanning = false; // since the right button went down
-    bool leftIsHeld = false;
-    QPointF heldAt; // viewport coordinates: where the mouse was last with the left button held
+    Qt::MouseButtons held;  // all but the right one
+    QPointF heldAt;         // viewport coordinates: where the mouse was last with all of them held
 
     QPointF zoomedPlace;       // scene coordinates: what the wheel has kept under the mouse so far
     QRectF earlyFrame;         // what was to be framed before this view had its size

@@ -76,6 +76,8 @@ private slots:
     void lostReleaseEndsTheBand();
     void lostReleaseEndsTheLine_data();
     void lostReleaseEndsTheLine();
+    void takenOverDragEnds_data();
+    void takenOverDragEnds();
     void lostReleaseDropsTheNode();
 };
 
@@ -508,13 +510,18 @@ void tst_NodegraphViewMouse::lostReleaseEndsTheBand()
 
 void tst_NodegraphViewMouse::lostReleaseEndsTheLine_data()
 {
+    QTest::addColumn<Qt::MouseButton>("button");
     QTest::addColumn<bool>("twice");
-    QTest::newRow("press") << false;
-    QTest::newRow("second press") << true;
+    QTest::newRow("press") << Qt::LeftButton << false;
+    QTest::newRow("second press") << Qt::LeftButton << true;
+    QTest::newRow("middle") << Qt::MiddleButton << false;
+    QTest::newRow("second middle") << Qt::MiddleButton << true;
+    QTest::newRow("back") << Qt::BackButton << false;
 }
 
 void tst_NodegraphViewMouse::lostReleaseEndsTheLine()
 {
+    QFETCH(Qt::MouseButton, button);
     QFETCH(bool, twice);
     const Canvas canvas;
     const std::vector<Node *> chain = addChain(*canvas.scene, 2);
@@ -522,14 +529,51 @@ void tst_NodegraphViewMouse::lostReleaseEndsTheLine()
     canvas.view->centerOn(outputOf(chain[0]));
     const QPointF output = canvas.view->mapFromScene(outputOf(chain[0]));
     if (twice)
-        canvas.pressAgain(output, Qt::LeftButton);
+        canvas.pressAgain(output, button);
     else
-        canvas.press(output, Qt::LeftButton);
-    canvas.move(output + QPointF(0, 90), Qt::LeftButton);
+        canvas.press(output, button);
+    canvas.move(output + QPointF(0, 90), button);
     QVERIFY(dragLineOf(*canvas.scene));
     canvas.move(canvas.view->mapFromScene(inputOf(chain[1])), Qt::NoButton);
     QCOMPARE(dragLineOf(*canvas.scene), nullptr);
     QVERIFY(!chain[1]->hasInput());
+}
+
+void tst_NodegraphViewMouse::takenOverDragEnds_data()
+{
+    QTest::addColumn<int>("by");
+    QTest::newRow("a finger") << int(QEvent::TouchBegin);
+    QTest::newRow("a pen") << int(QEvent::TabletPress);
+    QTest::newRow("another item") << int(QEvent::GrabMouse);
+}
+
+// Neither the mouse's release nor a move without its button comes then.
+void tst_NodegraphViewMouse::takenOverDragEnds()
+{
+    QFETCH(int, by);
+    const Canvas canvas;
+    const std::vector<Node *> chain = addChain(*canvas.scene, 2);
+    canvas.scene->disconnectNode(chain[1]);
+    canvas.view->centerOn(outputOf(chain[0]));
+    const QPointF output = canvas.view->mapFromScene(outputOf(chain[0]));
+    canvas.press(output, Qt::LeftButton);
+    canvas.move(output + QPointF(0, 90), Qt::LeftButton);
+    QVERIFY(dragLineOf(*canvas.scene));
+    if (by == QEvent::TouchBegin) {
+        const std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
+        QTest::touchEvent(canvas.view->viewport(), screen.get()).press(0, QPoint(30, 30));
+        QTest::touchEvent(canvas.view->viewport(), screen.get()).release(0, QPoint(30, 30));
+    } else if (by == QEvent::TabletPress) {
+        const QPointF place(30, 30);
+        QTabletEvent pressed(QEvent::TabletPress, QPointingDevice::primaryPointingDevice(), place,
+                             canvas.view->viewport()->mapToGlobal(place), 1, 0, 0, 0, 0, 0, Qt::NoModifier,
+                             Qt::LeftButton, Qt::LeftButton);
+        QCoreApplication::sendEvent(canvas.view->viewport(), &pressed);
+    } else {
+        chain[1]->grabMouse();
+        canvas.move(output + QPointF(0, 80), Qt::LeftButton);
+    }
+    QCOMPARE(dragLineOf(*canvas.scene), nullptr);
 }
 
 void tst_NodegraphViewMouse::lostReleaseDropsTheNode()
