@@ -23,7 +23,7 @@ QString EventData::getDescription() const { return description->text(); }
 
 STLineEdit *EventData::descriptionItem() const
 {
-    description->make();
+    description->makeWhole();
     return description;
 }
 

@@ -4,7 +4,29 @@
 
 #include <utility>
 
-bool LateText::canKeep(const QString &text) const { return late && TextMeasure::isHeldUnchanged(text); }
+namespace {
+
+constexpr qsizetype longest = 50000; // UTF-16 units that are shown whole; some thirty pages
+constexpr qsizetype mostShown = 5000;
+
+} // namespace
+
+bool LongText::isLong(const QString &text) { return text.size() > longest; }
+
+QString LongText::shown(const QString &text)
+{
+    if (!isLong(text))
+        return text;
+    qsizetype end = mostShown;
+    if (text.at(end).isLowSurrogate() && text.at(end - 1).isHighSurrogate())
+        --end;
+    return text.first(end) + QChar(u'\u2026');
+}
+
+bool LateText::canKeep(const QString &text) const
+{
+    return late && (LongText::isLong(text) || TextMeasure::isHeldUnchanged(text));
+}
 
 void LateText::keep(const QString &text, const QRectF &place)
 {

@@ -12,6 +12,17 @@ enum class TextMaking {
     whenNeeded, // when it is painted, gets an event or is asked for by whoever wants to edit it
 };
 
+/// Texts that take a document too long: one of a megabyte keeps it busy for half a minute. Until somebody is
+/// about to edit such a text, its beginning is shown in its place.
+namespace LongText {
+
+/// Whether the text is one of those.
+bool isLong(const QString &text);
+/// What is shown of it, with an ellipsis at its end; the text itself if it is not long.
+QString shown(const QString &text);
+
+} // namespace LongText
+
 /// A text that is known and measured but has no document yet.
 ///
 /// Whoever shows it asks here while isLate(), makes the document of what take() gives, and asks the document
@@ -21,7 +32,7 @@ class LateText
 public:
     /// Whether there is no document yet: at first, and until take().
     bool isLate() const { return late; }
-    /// Whether that text can wait here: it is late, and a document would hold it unchanged.
+    /// Whether that text can wait here: it is late, and a document would hold it unchanged, or it is long.
     bool canKeep(const QString &text) const;
     /// Keeps a text and the place that its document would take; it is late again if it was not.
     void keep(const QString &text, const QRectF &place);

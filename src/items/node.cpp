@@ -108,7 +108,7 @@ QString Node::title() const { return nameItem_->title(); }
 
 STNodeName *Node::nameItem() const
 {
-    nameItem_->make();
+    nameItem_->makeWhole();
     return nameItem_;
 }
 

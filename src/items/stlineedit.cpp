@@ -14,6 +14,8 @@
 #include <QPainter>
 #include <QTextDocument>
 
+#include <utility>
+
 namespace {
 constexpr double documentMargin = 15.0;
 constexpr double panelRadius = 5.0;
@@ -55,11 +57,23 @@ void STLineEdit::make()
     document()->setDocumentMargin(documentMargin);
     if (!text.isNull()) {
         setDefaultTextColor(textColor);
-        setPlainText(text);
+        if (LongText::isLong(text))
+            whole = text;
+        setPlainText(LongText::shown(text));
     }
     updateRect();
     // Made first of all listeners: whoever hears of a change after this already sees the new outline.
     connect(document(), &QTextDocument::contentsChanged, this, &STLineEdit::textChanged);
+}
+
+void STLineEdit::makeWhole()
+{
+    make();
+    if (whole.isNull())
+        return;
+    const std::function<void()> listener = std::exchange(textListener, nullptr); // the text stays what it is
+    setPlainText(std::exchange(whole, QString()));
+    textListener = listener;
 }
 
 void STLineEdit::setText(const QString &text)
@@ -70,10 +84,11 @@ void STLineEdit::setText(const QString &text)
         make();
         if (text != placeholder)
             setDefaultTextColor(textColor);
-        setPlainText(text);
+        whole = LongText::isLong(text) ? text : QString();
+        setPlainText(LongText::shown(text));
         return;
     }
-    const QSizeF size = TextMeasure::documentSize(text, textFont(), width, documentMargin);
+    const QSizeF size = TextMeasure::documentSize(LongText::shown(text), textFont(), width, documentMargin);
     keepLate(text, QRectF(QPointF(), size));
 }
 
@@ -102,7 +117,12 @@ void STLineEdit::keepLate(const QString &text, const QRectF &place)
         textListener();
 }
 
-QString STLineEdit::text() const { return late.isLate() ? late.text() : TextEditing::exactText(*this); }
+QString STLineEdit::text() const
+{
+    if (late.isLate())
+        return late.text();
+    return whole.isNull() ? TextEditing::exactText(*this) : whole;
+}
 
 void STLineEdit::textChanged()
 {
@@ -173,7 +193,7 @@ void STLineEdit::paintGreeked(QPainter &painter, double ground)
     QColor color = backgroundColor;
     color.setAlphaF(float(ground));
     painter.fillRect(rect, color);
-    bars.paint(painter, text(), textFont(),
+    bars.paint(painter, LongText::shown(text()), textFont(),
                rect.adjusted(documentMargin, documentMargin, -documentMargin, -documentMargin), textColor);
 }
 
@@ -187,6 +207,8 @@ bool STLineEdit::sceneEvent(QEvent *event)
 {
     if (TextEditing::needsDocument(*event))
         make();
+    if (TextEditing::beginsEditing(*event))
+        makeWhole();
     return TextEditing::claimKeys(event) || QGraphicsTextItem::sceneEvent(event);
 }
 

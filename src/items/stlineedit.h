@@ -23,8 +23,10 @@ public:
                TextMaking making = TextMaking::atOnce);
 
     /// Makes the document and its control if they are still missing. Nobody can see the difference but those
-    /// who reach for the document.
+    /// who reach for the document. Of a long text it holds what is shown.
     void make();
+    /// Makes the document hold all of its text, for whoever is about to edit it.
+    void makeWhole();
     /// Calls `listener` after every change of the text, whether there is a document yet or not.
     void onTextChanged(std::function<void()> listener) { textListener = std::move(listener); }
     QString text() const;
@@ -63,6 +65,7 @@ private:
     QRectF rect; // item coordinates
     double width;
     LateText late;
+    QString whole; // of a long text whose document holds only what is shown; else null
     GreekedText bars;
     std::function<void()> textListener;
     QString placeholder;

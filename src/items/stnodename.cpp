@@ -14,6 +14,7 @@
 #include <QTextDocument>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 constexpr int focusAlpha = 38;
@@ -53,29 +54,45 @@ void STNodeName::make()
     if (!late.isLate())
         return;
     const QString title = late.take();
+    if (LongText::isLong(title))
+        whole = title;
     setFont(titleFont());
     setDefaultTextColor(textColor);
     setTextInteractionFlags(Qt::TextEditorInteraction);
     QtInternals::takePlainTextOnly(*this);
     if (!title.isEmpty())
-        setPlainText(title);
+        setPlainText(LongText::shown(title));
     connect(document(), &QTextDocument::contentsChanged, this, &STNodeName::updateShortText);
+}
+
+void STNodeName::makeWhole()
+{
+    make();
+    if (!whole.isNull())
+        setPlainText(std::exchange(whole, QString()));
 }
 
 void STNodeName::setTitle(const QString &text)
 {
     if (!late.canKeep(text)) {
         make();
-        setPlainText(text);
+        whole = LongText::isLong(text) ? text : QString();
+        setPlainText(LongText::shown(text));
         return;
     }
     prepareGeometryChange();
-    const QSizeF size = TextMeasure::documentSize(text, titleFont(), unlimited, documentMargin);
+    const QSizeF size =
+        TextMeasure::documentSize(LongText::shown(text), titleFont(), unlimited, documentMargin);
     late.keep(text, QRectF(QPointF(), size));
     updateShortText();
 }
 
-QString STNodeName::title() const { return late.isLate() ? late.text() : TextEditing::exactText(*this); }
+QString STNodeName::title() const
+{
+    if (late.isLate())
+        return late.text();
+    return whole.isNull() ? TextEditing::exactText(*this) : whole;
+}
 
 /// That of the whole title.
 QSizeF STNodeName::textSize() const { return late.isLate() ? late.place().size() : document()->size(); }
@@ -92,7 +109,7 @@ void STNodeName::setAvailableWidth(double width)
 void STNodeName::updateShortText()
 {
     bars.forget();
-    const QString text = title();
+    const QString text = LongText::shown(title());
     const double room = availableWidth - 2 * documentMargin;
     const QFontMetricsF metrics(titleFont());
     const auto endsLine = [](QChar unit) {
@@ -155,7 +172,7 @@ void STNodeName::paint(QPainter *painter, const QStyleOptionGraphicsItem *option
 
 void STNodeName::paintGreeked(QPainter &painter)
 {
-    bars.paint(painter, isShortened() ? shortText : title(), titleFont(),
+    bars.paint(painter, isShortened() ? shortText : LongText::shown(title()), titleFont(),
                boundingRect().adjusted(documentMargin, documentMargin, -documentMargin, -documentMargin),
                textColor);
 }
@@ -216,6 +233,8 @@ bool STNodeName::sceneEvent(QEvent *event)
 {
     if (TextEditing::needsDocument(*event))
         make();
+    if (TextEditing::beginsEditing(*event))
+        makeWhole();
     return TextEditing::claimKeys(event) || QGraphicsTextItem::sceneEvent(event);
 }
 

@@ -19,8 +19,10 @@ class STNodeName : public QGraphicsTextItem
 public:
     explicit STNodeName(QGraphicsItem *parent, TextMaking making = TextMaking::atOnce);
 
-    /// Makes the document and its control if they are still missing.
+    /// Makes the document and its control if they are still missing. Of a long title it holds what is shown.
     void make();
+    /// Makes the document hold all of the title, for whoever is about to edit it.
+    void makeWhole();
     void setTitle(const QString &text);
     QString title() const;
 
@@ -58,6 +60,7 @@ private:
     QString shortText;           // what fits of a title that is too long; null when all of it fits
     bool isBlank = false;        // no letter is seen of it
     LateText late;
+    QString whole; // of a long title whose document holds only what is shown; else null
     GreekedText bars;
     bool editing = false; // has the focus, with the outline to match
 

@@ -18,6 +18,22 @@ bool needsDocument(const QEvent &event)
     return event.type() != QEvent::WindowActivate && event.type() != QEvent::WindowDeactivate;
 }
 
+bool beginsEditing(const QEvent &event)
+{
+    switch (event.type()) {
+    case QEvent::FocusIn:
+    case QEvent::KeyPress:
+    case QEvent::InputMethod:
+    case QEvent::GraphicsSceneMousePress:
+    case QEvent::GraphicsSceneMouseDoubleClick:
+    case QEvent::GraphicsSceneContextMenu:
+    case QEvent::GraphicsSceneDrop:
+        return true;
+    default:
+        return false;
+    }
+}
+
 bool isEditingKey(const QKeyEvent &key)
 {
     constexpr QKeySequence::StandardKey editing[] = {

@@ -13,6 +13,9 @@ namespace TextEditing {
 void takeKeys(QGraphicsTextItem &item);
 /// Whether an item that gets the event has to have its document.
 bool needsDocument(const QEvent &event);
+/// Whether somebody is about to edit the item that gets the event: it is pressed or gets the keyboard or a
+/// drop.
+bool beginsEditing(const QEvent &event);
 /// Whether the key edits a text wherever one has the keyboard: undo, copy, delete and the like.
 bool isEditingKey(const QKeyEvent &key);
 /// Keeps the keys that edit a text from the shortcuts of the window, which would change the graph instead.
