@@ -338,11 +338,9 @@ bool EditorWindow::chooseByKeys(Menu menu, int entry) const
 {
     if (openMenu(menu).isEmpty())
         return false;
-    for (int i = 0; i <= entry; ++i) {
-        if (!desktop.key(QStringLiteral("Down")))
-            return false;
-    }
-    return desktop.key(QStringLiteral("Return")) && eventually([this] { return openedMenu().isEmpty(); });
+    QStringList keys(entry + 1, QStringLiteral("Down"));
+    keys << QStringLiteral("Return");
+    return desktop.keys(keys) && eventually([this] { return openedMenu().isEmpty(); });
 }
 
 bool EditorWindow::pressFilterButton() const { return desktop.click(window.topRight() + QPoint(-52, 58)); }
