@@ -1,73 +1,14 @@
 #include "app/durablefile.h"
 
+#include "app/storing.h"
+
 #include <QFileInfo>
 
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
 
-#ifdef Q_OS_WIN
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
-
 namespace {
-
-QString systemReason(int error) { return QString::fromStdString(std::generic_category().message(error)); }
-
-#ifdef Q_OS_WIN
-int duplicated(int handle) { return _dup(handle); }
-int synced(int handle) { return _commit(handle); }
-int closed(int handle) { return _close(handle); }
-#else
-int duplicated(int handle) { return dup(handle); }
-int synced(int handle) { return fsync(handle); }
-int closed(int handle) { return close(handle); }
-#endif
-
-/// Qt's files sync and close too, but do not look at the outcome. A duplicate of the handle tells.
-QString putOnDisk(int handle)
-{
-    const int duplicate = duplicated(handle);
-    if (duplicate < 0)
-        return systemReason(errno);
-    QString trouble;
-    // What cannot be synced at all, a pipe for one, says EINVAL.
-    if (synced(duplicate) != 0 && errno != EINVAL)
-        trouble = systemReason(errno);
-    if (closed(duplicate) != 0 && trouble.isEmpty())
-        trouble = systemReason(errno);
-    return trouble;
-}
-
-bool saysWhy(const QFileDevice &file)
-{
-    return file.error() != QFileDevice::NoError && file.errorString() != QFile().errorString();
-}
-
-/// What the file says of its last failure, or else what the system said.
-QString reasonOf(const QFileDevice &file, int systemError)
-{
-    if (saysWhy(file))
-        return file.errorString();
-    return systemError != 0 ? systemReason(systemError) : QStringLiteral("only a part could be written");
-}
-
-/// Writes it all; returns why that failed, empty if it did not.
-QString write(QFileDevice &file, const QByteArray &content)
-{
-    errno = 0;
-    if (file.write(content) == content.size() && file.flush())
-        return {};
-    if (!saysWhy(file)) {
-        // A write that was cut short fails without a reason. The next one gets it.
-        errno = 0;
-        file.write(" ");
-        file.flush();
-    }
-    return reasonOf(file, errno);
-}
 
 /// The name of the temporary is that of the file and seven characters.
 bool leavesNoRoomForATemporary(const QFileInfo &file)
@@ -121,12 +62,12 @@ QString DurableFile::replaceBy(const QByteArray &content)
 
 QString DurableFile::replaceThroughTemporary(const QByteArray &content)
 {
-    if (QString trouble = write(temporary, content); !trouble.isEmpty())
+    if (QString trouble = Storing::write(temporary, content); !trouble.isEmpty())
         return trouble;
-    if (QString trouble = putOnDisk(temporary.handle()); !trouble.isEmpty())
+    if (QString trouble = Storing::putOnDisk(temporary.handle()); !trouble.isEmpty())
         return trouble;
     errno = 0;
-    return temporary.commit() ? QString() : reasonOf(temporary, errno);
+    return temporary.commit() ? QString() : Storing::reasonOf(temporary, errno);
 }
 
 QString DurableFile::replaceInPlace(const QByteArray &content)
@@ -135,10 +76,11 @@ QString DurableFile::replaceInPlace(const QByteArray &content)
     const QByteArray old = inPlace.readAll();
     const auto overwrite = [this](const QByteArray &bytes) -> QString {
         if (!inPlace.seek(0))
-            return reasonOf(inPlace, errno);
-        if (QString trouble = write(inPlace, bytes); !trouble.isEmpty())
+            return Storing::reasonOf(inPlace, errno);
+        if (QString trouble = Storing::write(inPlace, bytes); !trouble.isEmpty())
             return trouble;
-        return inPlace.resize(bytes.size()) ? putOnDisk(inPlace.handle()) : reasonOf(inPlace, errno);
+        return inPlace.resize(bytes.size()) ? Storing::putOnDisk(inPlace.handle())
+                                            : Storing::reasonOf(inPlace, errno);
     };
     QString trouble = overwrite(content);
     if (!trouble.isEmpty()) {

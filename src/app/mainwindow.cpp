@@ -4,6 +4,7 @@
 #include "app/keyboardaccess.h"
 #include "app/scenedocument.h"
 #include "app/storytabs.h"
+#include "app/workkeeper.h"
 #include "overviewer/overviewerscene.h"
 #include "overviewer/panelfitter.h"
 #include "overviewer/panelkeys.h"
@@ -39,6 +40,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent)
     setupOverviewer();
     tabs = std::make_unique<StoryTabs>(ui->Nodegraph, overviewerScene_);
     sceneDocument = std::make_unique<SceneDocument>(*tabs);
+    work = std::make_unique<WorkKeeper>(*sceneDocument);
     addNodeGraphTab();
     connect(ui->AddNodeGraph_tool_button, &QAbstractButton::clicked, this, &MainWindow::addNodeGraphTab);
     connect(ui->Nodegraph, &QTabWidget::tabCloseRequested, this, &MainWindow::closeTab);
@@ -118,11 +120,11 @@ QString MainWindow::currentFilePath() const { return sceneDocument->path(); }
 
 const std::vector<NodegraphView *> &MainWindow::views() const { return tabs->views(); }
 
-void MainWindow::saveTo(const QString &path) { sceneDocument->saveTo(path); }
+bool MainWindow::saveTo(const QString &path) { return work->saveTo(path); }
 
-void MainWindow::loadFrom(const QString &path) { sceneDocument->loadFrom(path); }
+void MainWindow::loadFrom(const QString &path) { work->loadFrom(path); }
 
-void MainWindow::clearTabs() { sceneDocument->clear(); }
+void MainWindow::clearTabs() { work->startAnew(); }
 
 void MainWindow::autosave() { AutosaveFolder::keep(*sceneDocument); }
 
@@ -135,21 +137,16 @@ void MainWindow::sl_saveFile() { save(); }
 
 void MainWindow::sl_saveAsFile() { saveAs(); }
 
-void MainWindow::save()
-{
-    if (sceneDocument->path().isEmpty())
-        saveAs();
-    else
-        saveTo(sceneDocument->path());
-}
+/// Whether all tabs are in a file now.
+bool MainWindow::save() { return sceneDocument->path().isEmpty() ? saveAs() : saveTo(sceneDocument->path()); }
 
-void MainWindow::saveAs()
+bool MainWindow::saveAs()
 {
     const QString path = askForSavePath();
     if (path.isEmpty())
-        return;
+        return false;
     sceneDocument->setPath(path);
-    saveTo(path);
+    return saveTo(path);
 }
 
 void MainWindow::sl_loadFile()
@@ -170,8 +167,8 @@ void MainWindow::closeTab(int index)
         tr("This tab has unsaved changes. Do you want to save them before closing?"), answers);
     if (answer == QMessageBox::Cancel)
         return;
-    if (answer == QMessageBox::Yes)
-        save();
+    if (answer == QMessageBox::No || !save())
+        work->keep(KeptCopies::Occasion::tab);
     if (closing)
         tabs->close(closing);
 }
@@ -181,8 +178,8 @@ void MainWindow::closeEvent(QCloseEvent *event)
     const auto answer = QMessageBox::question(
         this, tr("Save Changes"),
         tr("The file has unsaved changes. Do you want to save them before closing?"), answers);
-    if (answer == QMessageBox::Yes)
-        save();
+    if (answer == QMessageBox::No || (answer == QMessageBox::Yes && !save()))
+        work->keep(KeptCopies::Occasion::close);
     event->setAccepted(answer != QMessageBox::Cancel);
 }
 

@@ -11,6 +11,7 @@ class NodegraphView;
 class OverViewerScene;
 class SceneDocument;
 class StoryTabs;
+class WorkKeeper;
 
 namespace Ui {
 class MainWindow;
@@ -31,10 +32,11 @@ public:
     /// Asks whether to save, then closes the tab at that place of the tab bar. The last tab stays.
     void closeTab(int index);
 
-    /// Writes all tabs to that path, whole or not at all; says in the log why a save did not succeed.
-    void saveTo(const QString &path);
+    /// Writes all tabs to that path, whole or not at all; says in the log why a save did not succeed, and
+    /// returns whether it did.
+    bool saveTo(const QString &path);
     /// Replaces all tabs by those of the file, which becomes the document. A file that cannot be opened
-    /// changes nothing; a damaged one gives what can be read of it.
+    /// changes nothing; a damaged one gives what can be read of it. A copy of what was not saved is kept.
     void loadFrom(const QString &path);
 
     /// The document's path, empty while it has none.
@@ -50,7 +52,8 @@ public slots:
     void sl_saveFile();
     void sl_loadFile();
     void sl_saveAsFile();
-    /// Discards all tabs without asking and forgets the document's path.
+    /// Discards all tabs without asking and forgets the document's path; a copy of what was not saved is
+    /// kept.
     void clearTabs();
     void sl_undo();
     void sl_redo();
@@ -80,13 +83,14 @@ private:
     void connectCommands();
     void startAutosave();
     QString askForSavePath();
-    void save();
-    void saveAs();
+    bool save();
+    bool saveAs();
     void setZoom(double scale);
 
     OverViewerScene *overviewerScene_ = nullptr; // goes with the panel's view
     std::unique_ptr<Ui::MainWindow> ui;
     std::unique_ptr<StoryTabs> tabs;
     std::unique_ptr<SceneDocument> sceneDocument;
+    std::unique_ptr<WorkKeeper> work;
     int autosaveInterval = 60000; // milliseconds
 };

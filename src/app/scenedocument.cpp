@@ -7,9 +7,13 @@
 #include "view/nodegraphview.h"
 
 #include <QBuffer>
+#include <QCryptographicHash>
 #include <QDebug>
 #include <QFile>
 #include <QFileInfo>
+#include <QLoggingCategory>
+
+#include <algorithm>
 
 namespace {
 
@@ -19,6 +23,25 @@ qint64 mostTabsOf(const QFile &file)
     constexpr qint64 bytesOfATab = 4;
     constexpr qint64 spare = 16;
     return file.size() / bytesOfATab + spare;
+}
+
+/// Keeps lines about progress out of the log during its lifetime: what is written down by the way is no save.
+class WithoutProgress
+{
+public:
+    WithoutProgress() { log.setEnabled(QtInfoMsg, false); }
+    ~WithoutProgress() { log.setEnabled(QtInfoMsg, former); }
+    WithoutProgress(const WithoutProgress &) = delete;
+    WithoutProgress &operator=(const WithoutProgress &) = delete;
+
+private:
+    QLoggingCategory &log = *QLoggingCategory::defaultCategory();
+    bool former = log.isInfoEnabled();
+};
+
+QByteArray hashOf(const QByteArray &content)
+{
+    return QCryptographicHash::hash(content, QCryptographicHash::Sha256);
 }
 
 } // namespace
@@ -35,19 +58,36 @@ QByteArray SceneDocument::bytes() const
     return all;
 }
 
-void SceneDocument::saveTo(const QString &file) const
+QByteArray SceneDocument::unsavedBytes() const
+{
+    const bool holdsEvents = std::any_of(tabs.views().begin(), tabs.views().end(), [](const auto *view) {
+        return !view->nodegraphScene()->nodes().empty();
+    });
+    if (!holdsEvents)
+        return {};
+    const WithoutProgress quiet;
+    const QByteArray all = bytes();
+    return hashOf(all) == onDisk ? QByteArray() : all;
+}
+
+QString SceneDocument::saveTo(const QString &file)
 {
     DurableFile written(file);
     if (!written.open()) {
         qWarning() << "Couldn't open file for writing.";
-        return;
+        return QStringLiteral("cannot be opened for writing");
     }
     qInfo() << "Tabs to save" << tabs.views().size();
-    if (const QString trouble = written.replaceBy(bytes()); !trouble.isEmpty())
+    const QByteArray all = bytes();
+    const QString trouble = written.replaceBy(all);
+    if (trouble.isEmpty())
+        onDisk = hashOf(all);
+    else
         qWarning() << "Couldn't write the scene file:" << file << trouble;
+    return trouble;
 }
 
-void SceneDocument::loadFrom(const QString &file)
+void SceneDocument::loadFrom(const QString &file, const std::function<void()> &leaving)
 {
     QFile opened(file);
     // A pipe would let the program wait for whoever writes into it.
@@ -55,8 +95,12 @@ void SceneDocument::loadFrom(const QString &file)
         qWarning() << "Couldn't open file for reading.";
         return;
     }
+    if (leaving)
+        leaving();
     qInfo() << "Clearing tabs";
     clear();
+    onDisk = hashOf(opened.readAll());
+    opened.seek(0);
     read(opened);
     keptAt = file;
 }

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
+
 class QFile;
 class StoryTabs;
 
@@ -22,11 +24,15 @@ public:
 
     /// All tabs as a file holds them.
     QByteArray bytes() const;
-    /// Writes all tabs to that file, whole or not at all. The document's own path stays what it is.
-    void saveTo(const QString &file) const;
+    /// As bytes(), without a line in the log, if they would be lost with the tabs: some tab holds an event,
+    /// and they are not what was last read from a file or written to one. Else empty.
+    QByteArray unsavedBytes() const;
+    /// Writes all tabs to that file, whole or not at all; returns why it did not, empty if it did. The
+    /// document's own path stays what it is.
+    QString saveTo(const QString &file);
     /// Replaces all tabs by those of the file, which becomes the document. A file that cannot be opened
-    /// changes nothing; a damaged one gives what can be read of it.
-    void loadFrom(const QString &file);
+    /// changes nothing; a damaged one gives what can be read of it. `leaving` is called before the tabs go.
+    void loadFrom(const QString &file, const std::function<void()> &leaving = {});
     /// Discards all tabs, and forgets the path.
     void clear();
 
@@ -35,4 +41,5 @@ private:
 
     StoryTabs &tabs;
     QString keptAt;
+    QByteArray onDisk; // the hash of what was last read or written
 };
