@@ -3,14 +3,13 @@
 #include "app/documentstream.h"
 #include "app/durablefile.h"
 #include "app/storytabs.h"
+#include "app/wholefile.h"
 #include "scene/nodegraphscene.h"
 #include "view/nodegraphview.h"
 
 #include <QBuffer>
 #include <QCryptographicHash>
 #include <QDebug>
-#include <QFile>
-#include <QFileInfo>
 #include <QLoggingCategory>
 
 #include <algorithm>
@@ -18,11 +17,11 @@
 namespace {
 
 /// Every tab takes four bytes at least; a count beyond that is damage, and the empty tabs would never end.
-qint64 mostTabsOf(const QFile &file)
+qint64 mostTabsOf(const QByteArray &content)
 {
     constexpr qint64 bytesOfATab = 4;
     constexpr qint64 spare = 16;
-    return file.size() / bytesOfATab + spare;
+    return content.size() / bytesOfATab + spare;
 }
 
 /// Keeps lines about progress out of the log during its lifetime: what is written down by the way is no save.
@@ -87,34 +86,36 @@ QString SceneDocument::saveTo(const QString &file)
     return trouble;
 }
 
-void SceneDocument::loadFrom(const QString &file, const std::function<void()> &leaving)
+QString SceneDocument::loadFrom(const QString &file, const std::function<void()> &leaving)
 {
-    QFile opened(file);
-    // A pipe would let the program wait for whoever writes into it.
-    if (!QFileInfo(file).isFile() || !opened.open(QIODevice::ReadOnly)) {
+    const WholeFile whole(file);
+    if (!whole.trouble().isEmpty()) {
         qWarning() << "Couldn't open file for reading.";
-        return;
+        return whole.trouble();
     }
     if (leaving)
         leaving();
     qInfo() << "Clearing tabs";
     clear();
-    onDisk = hashOf(opened.readAll());
-    opened.seek(0);
-    read(opened);
+    onDisk = hashOf(whole.content());
+    read(file, whole.content());
     keptAt = file;
+    return {};
 }
 
-void SceneDocument::read(QFile &file)
+void SceneDocument::read(const QString &file, const QByteArray &content)
 {
-    DocumentStream stream(&file);
+    QBuffer buffer;
+    buffer.setData(content);
+    buffer.setObjectName(file); // what the log is to call it
+    buffer.open(QIODevice::ReadOnly);
+    DocumentStream stream(&buffer);
     qint32 count = 0;
     stream >> count;
     qInfo() << "Tabs to open" << count;
-    const qint64 mostTabs = mostTabsOf(file);
+    const qint64 mostTabs = mostTabsOf(content);
     if (count > mostTabs) {
-        qWarning() << "Damaged scene file:" << file.fileName() << "cannot hold" << count << "tabs, opening"
-                   << mostTabs;
+        qWarning() << "Damaged scene file:" << file << "cannot hold" << count << "tabs, opening" << mostTabs;
         count = static_cast<qint32>(mostTabs);
     }
     tabs.add(count);

@@ -5,7 +5,6 @@
 
 #include <functional>
 
-class QFile;
 class StoryTabs;
 
 /// What is in the tabs of a window as one file: its bytes, where it is kept, and reading and writing it.
@@ -30,14 +29,15 @@ public:
     /// Writes all tabs to that file, whole or not at all; returns why it did not, empty if it did. The
     /// document's own path stays what it is.
     QString saveTo(const QString &file);
-    /// Replaces all tabs by those of the file, which becomes the document. A file that cannot be opened
-    /// changes nothing; a damaged one gives what can be read of it. `leaving` is called before the tabs go.
-    void loadFrom(const QString &file, const std::function<void()> &leaving = {});
+    /// Replaces all tabs by those of the file, which becomes the document; `leaving` is called before the
+    /// tabs go. A damaged file gives what is in it. One that cannot be read to its end changes nothing;
+    /// returns why, empty if it was read.
+    QString loadFrom(const QString &file, const std::function<void()> &leaving = {});
     /// Discards all tabs, and forgets the path.
     void clear();
 
 private:
-    void read(QFile &file);
+    void read(const QString &file, const QByteArray &content);
 
     StoryTabs &tabs;
     QString keptAt;

@@ -17,11 +17,13 @@ constexpr int mostBlankNodes = 1000; // made for records that a damaged file ann
 constexpr int mostNamedRefusals = 20;
 constexpr int noIndex = -1; // of what feeds an event: nothing does
 
-/// The name of the file that is being read, empty if it is none.
+/// The name of the file that is being read, empty if it is none. One that was read before, as a whole, has
+/// left its name to the device.
 QString fileNameOf(const QDataStream &stream)
 {
-    const auto *file = qobject_cast<const QFileDevice *>(stream.device());
-    return file ? file->fileName() : QString();
+    const QIODevice *device = stream.device();
+    const auto *file = qobject_cast<const QFileDevice *>(device);
+    return file ? file->fileName() : device ? device->objectName() : QString();
 }
 
 /// How an event is called in the log.

@@ -151,6 +151,7 @@ int FaultyFiles::hits(int fault) const
 extern "C" {
 int faultyOpen(const char *path, int flags, ...) STANDS_FOR("open");
 int faultyOpen64(const char *path, int flags, ...) STANDS_FOR("open64");
+ssize_t faultyRead(int file, void *bytes, size_t size) STANDS_FOR("read");
 ssize_t faultyWrite(int file, const void *bytes, size_t size) STANDS_FOR("write");
 int faultyFsync(int file) STANDS_FOR("fsync");
 int faultyFdatasync(int file) STANDS_FOR("fdatasync");
@@ -192,6 +193,15 @@ ssize_t faultyWrite(int file, const void *bytes, size_t size)
     if (!fault)
         return real(file, bytes, size);
     return *fault ? failed(*fault) : real(file, bytes, (size + 1) / 2);
+}
+
+ssize_t faultyRead(int file, void *bytes, size_t size)
+{
+    static const auto real = next(&faultyRead, "read");
+    const std::optional<int> fault = faultOf(Call::read, file);
+    if (fault && *fault)
+        return failed(*fault);
+    return real(file, bytes, fault ? (size + 1) / 2 : size);
 }
 
 int faultyFsync(int file)

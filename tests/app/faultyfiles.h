@@ -15,6 +15,7 @@ public:
         createUnnamed, // a file that gets its name later
         create,        // a new file under a name that is free
         openForWriting,
+        read,
         write,
         sync,
         rename, // or giving a name to an unnamed file
@@ -25,7 +26,7 @@ public:
     {
         Call call = Call::write;
         int first = 1;        // the first call of its kind that fails, counted from 1
-        int error = 0;        // what it fails with; 0: a write takes half of its bytes, all else works
+        int error = 0;        // what it fails with; 0: a read or write takes half, all else works
         bool lasting = false; // the calls after that one fail as well
     };
 

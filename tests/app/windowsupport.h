@@ -38,6 +38,7 @@
 #ifdef Q_OS_UNIX
 #include <csignal>
 #include <sys/resource.h>
+#include <unistd.h>
 #endif
 
 // What the tests of the main window share: a home folder of their own, answers to modal dialogs, bytes of a
@@ -315,6 +316,28 @@ public:
 private:
     rlimit former{};
     void (*formerAction)(int) = SIG_DFL;
+};
+#endif
+
+#if defined(Q_OS_LINUX) && !defined(__SANITIZE_ADDRESS__)
+#define FABLEGRID_CAN_LIMIT_MEMORY
+/// The program gets that many bytes more than it has, and no others, during the lifetime of this object.
+class LittleMemory
+{
+public:
+    explicit LittleMemory(rlim_t more)
+    {
+        getrlimit(RLIMIT_AS, &former);
+        const rlim_t pages = readFile(QStringLiteral("/proc/self/statm")).split(' ').front().toULongLong();
+        const rlimit limit{pages * rlim_t(sysconf(_SC_PAGESIZE)) + more, former.rlim_max};
+        setrlimit(RLIMIT_AS, &limit);
+    }
+    ~LittleMemory() { setrlimit(RLIMIT_AS, &former); }
+    LittleMemory(const LittleMemory &) = delete;
+    LittleMemory &operator=(const LittleMemory &) = delete;
+
+private:
+    rlimit former{};
 };
 #endif
 
