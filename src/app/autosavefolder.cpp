@@ -26,17 +26,18 @@ QString pathOfNextCopy()
 
 } // namespace
 
-void AutosaveFolder::keep(const SceneDocument &document)
+AutosaveFolder::Copy AutosaveFolder::keep(const SceneDocument &document)
 {
     const QString path = pathOfNextCopy();
     DurableFile file(path);
     if (!file.open()) {
         qWarning() << "Failed to open autosave file for writing:" << path;
-        return;
+        return {path, file.trouble()};
     }
     if (const QString trouble = file.replaceBy(document.bytes()); !trouble.isEmpty()) {
         qWarning() << "Failed to write autosave file:" << path << trouble;
-        return;
+        return {path, trouble};
     }
     qInfo() << "Autosaved scene to:" << path;
+    return {path, {}};
 }

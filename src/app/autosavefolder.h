@@ -1,11 +1,19 @@
 #pragma once
 
+#include <QString>
+
 class SceneDocument;
 
 /// Where a document is put by once a minute, each time as a new file that is named after the second.
 namespace AutosaveFolder {
 
+struct Copy
+{
+    QString path;
+    QString trouble; // why it could not be written, else empty
+};
+
 /// Writes one more copy, and says in the log what came of it.
-void keep(const SceneDocument &document);
+Copy keep(const SceneDocument &document);
 
 } // namespace AutosaveFolder

@@ -32,8 +32,10 @@ DurableFile::DurableFile(const QString &path) : temporary(path), inPlace(path) {
 bool DurableFile::open()
 {
     const QFileInfo before(temporary.fileName());
-    if (isCircularLink(temporary.fileName()))
+    if (isCircularLink(temporary.fileName())) {
+        whyNot = Storing::reason(ELOOP);
         return false;
+    }
     if (leavesNoRoomForATemporary(before))
         return openInPlace();
     errno = 0;
@@ -45,14 +47,19 @@ bool DurableFile::open()
             temporary.setPermissions(before.permissions() & ~thisUser);
         return true;
     }
-    const bool mayNotMakeFiles = errno == EACCES;
-    return mayNotMakeFiles && openInPlace();
+    const int error = errno;
+    whyNot = Storing::reasonOf(temporary, error);
+    return error == EACCES && openInPlace();
 }
 
 bool DurableFile::openInPlace()
 {
     madeInPlace = !inPlace.exists();
-    return inPlace.open(QIODevice::ReadWrite | QIODevice::Unbuffered);
+    errno = 0;
+    if (inPlace.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
+        return true;
+    whyNot = Storing::reasonOf(inPlace, errno);
+    return false;
 }
 
 QString DurableFile::replaceBy(const QByteArray &content)

@@ -17,6 +17,8 @@ public:
 
     /// False if the file cannot be written; nothing has changed then.
     bool open();
+    /// Why open() did not succeed.
+    const QString &trouble() const { return whyNot; }
     /// Once after open(). Returns why the new content could not be stored, empty if it is.
     QString replaceBy(const QByteArray &content);
 
@@ -26,6 +28,7 @@ private:
     QString replaceInPlace(const QByteArray &content);
 
     QSaveFile temporary;
-    QFile inPlace;            // open if that is how it has to be
+    QFile inPlace; // open if that is how it has to be
+    QString whyNot;
     bool madeInPlace = false; // there was no such file before
 };

@@ -1,7 +1,7 @@
 #include "app/mainwindow.h"
 
-#include "app/autosavefolder.h"
 #include "app/keyboardaccess.h"
+#include "app/notices.h"
 #include "app/scenedocument.h"
 #include "app/storytabs.h"
 #include "app/workkeeper.h"
@@ -40,7 +40,8 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent)
     setupOverviewer();
     tabs = std::make_unique<StoryTabs>(ui->Nodegraph, overviewerScene_);
     sceneDocument = std::make_unique<SceneDocument>(*tabs);
-    work = std::make_unique<WorkKeeper>(*sceneDocument);
+    notices = std::make_unique<Notices>(ui->Nodegraph);
+    work = std::make_unique<WorkKeeper>(*sceneDocument, *notices);
     addNodeGraphTab();
     connect(ui->AddNodeGraph_tool_button, &QAbstractButton::clicked, this, &MainWindow::addNodeGraphTab);
     connect(ui->Nodegraph, &QTabWidget::tabCloseRequested, this, &MainWindow::closeTab);
@@ -126,7 +127,7 @@ void MainWindow::loadFrom(const QString &path) { work->loadFrom(path); }
 
 void MainWindow::clearTabs() { work->startAnew(); }
 
-void MainWindow::autosave() { AutosaveFolder::keep(*sceneDocument); }
+void MainWindow::autosave() { work->autosave(); }
 
 QString MainWindow::askForSavePath()
 {

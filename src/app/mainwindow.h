@@ -8,6 +8,7 @@
 
 class NodegraphScene;
 class NodegraphView;
+class Notices;
 class OverViewerScene;
 class SceneDocument;
 class StoryTabs;
@@ -91,6 +92,7 @@ private:
     std::unique_ptr<Ui::MainWindow> ui;
     std::unique_ptr<StoryTabs> tabs;
     std::unique_ptr<SceneDocument> sceneDocument;
+    std::unique_ptr<Notices> notices;
     std::unique_ptr<WorkKeeper> work;
     int autosaveInterval = 60000; // milliseconds
 };

@@ -12,7 +12,7 @@
 #include <QDebug>
 #include <QLoggingCategory>
 
-#include <algorithm>
+#include <numeric>
 
 namespace {
 
@@ -57,12 +57,18 @@ QByteArray SceneDocument::bytes() const
     return all;
 }
 
+int SceneDocument::tabCount() const { return int(tabs.views().size()); }
+
+int SceneDocument::eventCount() const
+{
+    return std::accumulate(tabs.views().begin(), tabs.views().end(), 0, [](int count, const auto *view) {
+        return count + int(view->nodegraphScene()->nodes().size());
+    });
+}
+
 QByteArray SceneDocument::unsavedBytes() const
 {
-    const bool holdsEvents = std::any_of(tabs.views().begin(), tabs.views().end(), [](const auto *view) {
-        return !view->nodegraphScene()->nodes().empty();
-    });
-    if (!holdsEvents)
+    if (eventCount() == 0)
         return {};
     const WithoutProgress quiet;
     const QByteArray all = bytes();
@@ -74,7 +80,7 @@ QString SceneDocument::saveTo(const QString &file)
     DurableFile written(file);
     if (!written.open()) {
         qWarning() << "Couldn't open file for writing.";
-        return QStringLiteral("cannot be opened for writing");
+        return written.trouble();
     }
     qInfo() << "Tabs to save" << tabs.views().size();
     const QByteArray all = bytes();
@@ -86,24 +92,24 @@ QString SceneDocument::saveTo(const QString &file)
     return trouble;
 }
 
-QString SceneDocument::loadFrom(const QString &file, const std::function<void()> &leaving)
+Opening SceneDocument::loadFrom(const QString &file, const std::function<void()> &leaving)
 {
     const WholeFile whole(file);
     if (!whole.trouble().isEmpty()) {
         qWarning() << "Couldn't open file for reading.";
-        return whole.trouble();
+        return {whole.trouble(), {}, 0, false};
     }
     if (leaving)
         leaving();
     qInfo() << "Clearing tabs";
     clear();
     onDisk = hashOf(whole.content());
-    read(file, whole.content());
+    Opening opening = read(file, whole.content());
     keptAt = file;
-    return {};
+    return opening;
 }
 
-void SceneDocument::read(const QString &file, const QByteArray &content)
+Opening SceneDocument::read(const QString &file, const QByteArray &content)
 {
     QBuffer buffer;
     buffer.setData(content);
@@ -113,21 +119,31 @@ void SceneDocument::read(const QString &file, const QByteArray &content)
     qint32 count = 0;
     stream >> count;
     qInfo() << "Tabs to open" << count;
+    Opening opening;
     const qint64 mostTabs = mostTabsOf(content);
     if (count > mostTabs) {
         qWarning() << "Damaged scene file:" << file << "cannot hold" << count << "tabs, opening" << mostTabs;
+        opening.missingTabs = static_cast<int>(count - mostTabs);
         count = static_cast<qint32>(mostTabs);
     }
     tabs.add(count);
+    if (stream.status() != QDataStream::Ok)
+        opening.missingTabs = 1; // not even their number is there
     const std::vector<NodegraphView *> opened = tabs.views();
     for (NodegraphView *view : opened) {
         tabs.hideStoryOf(view->nodegraphScene());
-        view->nodegraphScene()->loadSceneFromFile(stream);
+        if (stream.atEnd())
+            ++opening.missingTabs;
+        const Damage damage = view->nodegraphScene()->load(stream);
+        opening.damage.incompleteEvents += damage.incompleteEvents;
+        opening.damage.lostConnections += damage.lostConnections;
         tabs.showStoryOf(view->nodegraphScene());
         view->viewport()->update();
     }
     if (NodegraphView *view = tabs.current())
         view->nodegraphScene()->updateStory();
+    opening.hasRest = !buffer.atEnd();
+    return opening;
 }
 
 void SceneDocument::clear()

@@ -1,11 +1,24 @@
 #pragma once
 
+#include "scene/damage.h"
+
 #include <QByteArray>
 #include <QString>
 
 #include <functional>
 
 class StoryTabs;
+
+/// What came of opening a file.
+struct Opening
+{
+    QString trouble; // why it could not be read, empty if it was
+    Damage damage;   // of all tabs
+    int missingTabs = 0;
+    bool hasRest = false; // behind the last tab there is something else
+
+    bool isWhole() const { return damage.isNone() && missingTabs == 0 && !hasRest; }
+};
 
 /// What is in the tabs of a window as one file: its bytes, where it is kept, and reading and writing it.
 ///
@@ -21,6 +34,9 @@ public:
     const QString &path() const { return keptAt; }
     void setPath(const QString &path) { keptAt = path; }
 
+    int tabCount() const;
+    /// In all tabs.
+    int eventCount() const;
     /// All tabs as a file holds them.
     QByteArray bytes() const;
     /// As bytes(), without a line in the log, if they would be lost with the tabs: some tab holds an event,
@@ -30,14 +46,13 @@ public:
     /// document's own path stays what it is.
     QString saveTo(const QString &file);
     /// Replaces all tabs by those of the file, which becomes the document; `leaving` is called before the
-    /// tabs go. A damaged file gives what is in it. One that cannot be read to its end changes nothing;
-    /// returns why, empty if it was read.
-    QString loadFrom(const QString &file, const std::function<void()> &leaving = {});
+    /// tabs go. A damaged file gives what is in it, and one that cannot be read to its end changes nothing.
+    Opening loadFrom(const QString &file, const std::function<void()> &leaving = {});
     /// Discards all tabs, and forgets the path.
     void clear();
 
 private:
-    void read(const QString &file, const QByteArray &content);
+    Opening read(const QString &file, const QByteArray &content);
 
     StoryTabs &tabs;
     QString keptAt;

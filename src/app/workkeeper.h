@@ -2,16 +2,20 @@
 
 #include "app/keptcopies.h"
 
-class QString;
+#include <QString>
+
+class Notices;
 class SceneDocument;
 
-/// Saves and opens a window's document, and keeps a copy of what would be lost when it leaves the window.
-/// Owned by the window, which asks the questions.
+/// Saves and opens a window's document, keeps a copy of what would be lost when it leaves the window, and
+/// lets the user know what came of it. Owned by the window, which asks the questions.
 class WorkKeeper
 {
 public:
-    /// `sceneDocument` must outlive this object.
-    explicit WorkKeeper(SceneDocument &sceneDocument) : document(sceneDocument) {}
+    /// Both must outlive this object.
+    WorkKeeper(SceneDocument &sceneDocument, Notices &windowNotices)
+        : document(sceneDocument), notices(windowNotices)
+    {}
 
     /// Writes all tabs to that path; false if they could not be written.
     bool saveTo(const QString &path);
@@ -21,7 +25,14 @@ public:
     void startAnew();
     /// To be called before something of the document leaves the window without being saved.
     void keep(KeptCopies::Occasion occasion);
+    void autosave();
 
 private:
+    KeptCopies::Kept keepCopy(KeptCopies::Occasion occasion) const;
+    void tell(const KeptCopies::Kept &kept);
+
     SceneDocument &document;
+    Notices &notices;
+    QString failedPath; // of the last save that failed
+    QString failedWhy;
 };

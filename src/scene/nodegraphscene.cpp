@@ -7,6 +7,7 @@
 #include "scene/clipboard.h"
 #include "scene/connectiondrag.h"
 #include "scene/connector.h"
+#include "scene/damage.h"
 #include "scene/massremoval.h"
 #include "scene/nodedeletion.h"
 #include "scene/nodeindexmap.h"
@@ -368,10 +369,13 @@ void NodegraphScene::pasteNodes() { parts->clipboard.paste(placeOfPointer(*this,
 
 void NodegraphScene::saveSceneToFile(QDataStream &stream) { parts->records.write(stream); }
 
-void NodegraphScene::loadSceneFromFile(QDataStream &stream)
+void NodegraphScene::loadSceneFromFile(QDataStream &stream) { load(stream); }
+
+Damage NodegraphScene::load(QDataStream &stream)
 {
-    parts->records.read(stream);
+    const Damage damage = parts->records.read(stream);
     frameSelectedNodes();
+    return damage;
 }
 
 // Current and selected nodes

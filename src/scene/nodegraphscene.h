@@ -10,6 +10,7 @@
 
 class NodeData;
 class QDataStream;
+struct Damage;
 class QUndoCommand;
 
 Q_MOC_INCLUDE(<QUndoCommand>)
@@ -61,6 +62,9 @@ public:
     void deleteNode(Node *node);
     /// Deletes by commands: the selected nodes, or else `node`, or if that is null the current node.
     void deleteSelectedNodes(Node *node);
+
+    /// Reads one tab's block of a document into this scene, which must be empty; tells what was not there.
+    Damage load(QDataStream &stream);
 
     /// Computes the story anew and publishes it.
     void updateStory();

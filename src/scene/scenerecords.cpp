@@ -87,20 +87,21 @@ void SceneRecords::write(QDataStream &stream) const
     }
 }
 
-void SceneRecords::read(QDataStream &stream) const
+Damage SceneRecords::read(QDataStream &stream) const
 {
     qInfo() << "Fileopening";
     qint32 count = 0;
     stream >> count;
     qInfo() << "Nodes to open" << count;
+    Damage damage;
     if (count >= 1)
-        connectAll(readEvents(stream, count), fileNameOf(stream));
+        connectAll(readEvents(stream, count, damage), fileNameOf(stream), damage);
+    return damage;
 }
 
-/// The nodes that were read, in the order of their records.
-std::vector<Node *> SceneRecords::readEvents(QDataStream &stream, int count) const
+SceneRecords::Loaded SceneRecords::readEvents(QDataStream &stream, int count, Damage &damage) const
 {
-    std::vector<Node *> loaded;
+    Loaded loaded;
     int blankNodes = 0;
     for (int i = 0; i < count; ++i) {
         // Not for any bad status: one damaged text must not cut off the records behind it.
@@ -108,16 +109,23 @@ std::vector<Node *> SceneRecords::readEvents(QDataStream &stream, int count) con
         if (pastEnd && ++blankNodes > mostBlankNodes) {
             qWarning() << "Damaged scene file:" << fileNameOf(stream) << "ended after" << i - mostBlankNodes
                        << "of" << count << "nodes, opening" << i;
+            damage.incompleteEvents += count - i;
             break;
         }
         qInfo() << "deserializing node";
+        const QDataStream::Status before = stream.status();
         QString typeTag; // every node is an event, whatever the tag says
         stream >> typeTag;
         Node *node = makeNode(i < firstScreen ? TextMaking::atOnce : TextMaking::whenNeeded);
         node->openFromStream(stream);
+        // A damaged text stays noted in the stream while the records behind it are read well.
+        if (stream.status() == QDataStream::ReadPastEnd || stream.status() != before)
+            ++damage.incompleteEvents;
         if (node->isEndOfStory())
             scene.setEndOfStory(node);
-        loaded.push_back(node);
+        loaded.nodes.push_back(node);
+        if (stream.status() != QDataStream::ReadPastEnd)
+            ++loaded.whole;
     }
     return loaded;
 }
@@ -140,10 +148,10 @@ void SceneRecords::numberAnew(int firstFree, const QString &fileName) const
                    << "events without an index of their own, given new ones";
 }
 
-void SceneRecords::connectAll(const std::vector<Node *> &loaded, const QString &fileName) const
+void SceneRecords::connectAll(const Loaded &loaded, const QString &fileName, Damage &damage) const
 {
     QHash<int, Node *> firstWithIndex;
-    for (Node *node : loaded) {
+    for (Node *node : loaded.nodes) {
         if (!firstWithIndex.contains(node->getIndex()))
             firstWithIndex.insert(node->getIndex(), node);
     }
@@ -153,24 +161,29 @@ void SceneRecords::connectAll(const std::vector<Node *> &loaded, const QString &
         Node *record; // not fed itself if an earlier one has its index
         Node *downstream;
         Node *upstream; // null if there is none with that index
+        bool isWhole;
     };
     std::vector<Join> joins;
-    for (Node *node : loaded) {
+    std::size_t position = 0;
+    for (Node *node : loaded.nodes) {
+        const bool isWhole = position++ < loaded.whole;
         const int upstreamIndex = node->getPrevIndex();
         if (upstreamIndex == noIndex)
             continue;
         Node *upstream =
             firstWithIndex.contains(upstreamIndex) ? scene.findNodeByIndex(upstreamIndex) : nullptr;
-        joins.push_back({node, scene.findNodeByIndex(node->getIndex()), upstream});
+        joins.push_back({node, scene.findNodeByIndex(node->getIndex()), upstream, isWhole});
     }
-    numberAnew(2 * int(loaded.size()), fileName); // behind the provisional ones
+    numberAnew(2 * int(loaded.nodes.size()), fileName); // behind the provisional ones
 
     Refusals refusals(fileName);
     std::vector<Node *> unfed; // not reset at once: a node that two records were read into is listed twice
-    for (const auto &[record, downstream, upstream] : joins) {
+    for (const auto &[record, downstream, upstream, isWhole] : joins) {
         const bool isRefused = upstream && Connector::wouldCloseCycle(downstream, upstream);
         if (!upstream || isRefused || downstream != record)
             unfed.push_back(record);
+        if (isWhole && (!upstream || isRefused))
+            ++damage.lostConnections;
         if (isRefused)
             refusals.tell(downstream, upstream);
         else if (upstream)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "items/latetext.h"
+#include "scene/damage.h"
 #include "scene/handout.h"
 
 #include <vector>
@@ -25,12 +26,18 @@ public:
 
     void write(QDataStream &stream) const;
     /// Expects an empty scene. Connections are handed out as commands.
-    void read(QDataStream &stream) const;
+    Damage read(QDataStream &stream) const;
 
 private:
-    std::vector<Node *> readEvents(QDataStream &stream, int count) const;
+    struct Loaded
+    {
+        std::vector<Node *> nodes; // in the order of their records
+        std::size_t whole = 0;     // so many come first whose records are there to the end
+    };
+
+    Loaded readEvents(QDataStream &stream, int count, Damage &damage) const;
     void numberAnew(int firstFree, const QString &fileName) const;
-    void connectAll(const std::vector<Node *> &loaded, const QString &fileName) const;
+    void connectAll(const Loaded &loaded, const QString &fileName, Damage &damage) const;
 
     NodegraphScene &scene;
     NodeMaking makeNode;
