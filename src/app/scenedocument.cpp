@@ -1,13 +1,12 @@
 #include "app/scenedocument.h"
 
-#include "app/documentstream.h"
+#include "app/documentformat.h"
 #include "app/durablefile.h"
 #include "app/storytabs.h"
 #include "app/wholefile.h"
 #include "scene/nodegraphscene.h"
 #include "view/nodegraphview.h"
 
-#include <QBuffer>
 #include <QCryptographicHash>
 #include <QDebug>
 #include <QLoggingCategory>
@@ -15,14 +14,6 @@
 #include <numeric>
 
 namespace {
-
-/// Every tab takes four bytes at least; a count beyond that is damage, and the empty tabs would never end.
-qint64 mostTabsOf(const QByteArray &content)
-{
-    constexpr qint64 bytesOfATab = 4;
-    constexpr qint64 spare = 16;
-    return content.size() / bytesOfATab + spare;
-}
 
 /// Keeps lines about progress out of the log during its lifetime: what is written down by the way is no save.
 class WithoutProgress
@@ -43,19 +34,18 @@ QByteArray hashOf(const QByteArray &content)
     return QCryptographicHash::hash(content, QCryptographicHash::Sha256);
 }
 
+/// The scenes of the tabs, in the order in which they are saved.
+std::vector<NodegraphScene *> scenesOf(const StoryTabs &tabs)
+{
+    std::vector<NodegraphScene *> scenes;
+    for (const NodegraphView *view : tabs.views())
+        scenes.push_back(view->nodegraphScene());
+    return scenes;
+}
+
 } // namespace
 
-QByteArray SceneDocument::bytes() const
-{
-    QByteArray all;
-    QBuffer buffer(&all);
-    buffer.open(QIODevice::WriteOnly);
-    DocumentStream stream(&buffer);
-    stream << qint32(tabs.views().size());
-    for (const NodegraphView *view : tabs.views())
-        view->nodegraphScene()->saveSceneToFile(stream);
-    return all;
-}
+QByteArray SceneDocument::bytes() const { return DocumentFormat::bytes(scenesOf(tabs)); }
 
 int SceneDocument::tabCount() const { return int(tabs.views().size()); }
 
@@ -111,38 +101,21 @@ Opening SceneDocument::loadFrom(const QString &file, const std::function<void()>
 
 Opening SceneDocument::read(const QString &file, const QByteArray &content)
 {
-    QBuffer buffer;
-    buffer.setData(content);
-    buffer.setObjectName(file); // what the log is to call it
-    buffer.open(QIODevice::ReadOnly);
-    DocumentStream stream(&buffer);
-    qint32 count = 0;
-    stream >> count;
-    qInfo() << "Tabs to open" << count;
-    Opening opening;
-    const qint64 mostTabs = mostTabsOf(content);
-    if (count > mostTabs) {
-        qWarning() << "Damaged scene file:" << file << "cannot hold" << count << "tabs, opening" << mostTabs;
-        opening.missingTabs = static_cast<int>(count - mostTabs);
-        count = static_cast<qint32>(mostTabs);
-    }
-    tabs.add(count);
-    if (stream.status() != QDataStream::Ok)
-        opening.missingTabs = 1; // not even their number is there
-    const std::vector<NodegraphView *> opened = tabs.views();
-    for (NodegraphView *view : opened) {
-        tabs.hideStoryOf(view->nodegraphScene());
-        if (stream.atEnd())
-            ++opening.missingTabs;
-        const Damage damage = view->nodegraphScene()->load(stream);
-        opening.damage.incompleteEvents += damage.incompleteEvents;
-        opening.damage.lostConnections += damage.lostConnections;
-        tabs.showStoryOf(view->nodegraphScene());
-        view->viewport()->update();
-    }
+    const auto make = [this](int count) {
+        tabs.add(count);
+        return scenesOf(tabs);
+    };
+    const auto fill = [this](NodegraphScene &scene, QDataStream &stream) {
+        tabs.hideStoryOf(&scene);
+        const Damage damage = scene.load(stream);
+        tabs.showStoryOf(&scene);
+        for (QGraphicsView *view : scene.views())
+            view->viewport()->update();
+        return damage;
+    };
+    Opening opening = DocumentFormat::read(file, content, make, fill);
     if (NodegraphView *view = tabs.current())
         view->nodegraphScene()->updateStory();
-    opening.hasRest = !buffer.atEnd();
     return opening;
 }
 

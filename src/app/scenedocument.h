@@ -1,24 +1,12 @@
 #pragma once
 
-#include "scene/damage.h"
+#include "app/documentformat.h"
 
-#include <QByteArray>
 #include <QString>
 
 #include <functional>
 
 class StoryTabs;
-
-/// What came of opening a file.
-struct Opening
-{
-    QString trouble; // why it could not be read, empty if it was
-    Damage damage;   // of all tabs
-    int missingTabs = 0;
-    bool hasRest = false; // behind the last tab there is something else
-
-    bool isWhole() const { return damage.isNone() && missingTabs == 0 && !hasRest; }
-};
 
 /// What is in the tabs of a window as one file: its bytes, where it is kept, and reading and writing it.
 ///

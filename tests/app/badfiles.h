@@ -3,6 +3,7 @@
 #include "app/documentstream.h"
 #include "app/windowsupport.h"
 #include "fuzz/documentmodel.h"
+#include "story/storyagrees.h"
 
 #include <QBuffer>
 #include <QLoggingCategory>
@@ -74,7 +75,8 @@ private:
     QTemporaryDir dir{pattern()};
 };
 
-/// Opens files in one window and compares what came of them with what the format says of their bytes.
+/// Opens files in one window and compares what came of them with what the format says of their bytes, and
+/// with what the command beside the editor makes of them.
 class FileOpener
 {
 public:
@@ -102,7 +104,9 @@ public:
     {
         if (!writeFile(badPath, bytes))
             return QStringLiteral("the file was not written");
-        const QString trouble = openPath(badPath, DocumentModel::read(bytes));
+        QString trouble = openPath(badPath, DocumentModel::read(bytes));
+        if (trouble.isEmpty())
+            trouble = StoryAgrees::difference(badPath, *mainWindow, told);
         if (trouble.isEmpty() && readFile(badPath) != bytes)
             return QStringLiteral("opening has changed the file");
         return trouble;
@@ -171,15 +175,17 @@ private:
             wanted.push_back(DocumentModel::lines(tab));
         if (tabsOf(*mainWindow)->count() != int(wanted.size()))
             return QStringLiteral("%1 tabs are shown").arg(tabsOf(*mainWindow)->count());
-        const QString problem = difference(wanted, lines(), "opened");
-        return problem.isEmpty() ? warningProblem(path, expected) : problem;
+        if (const QString problem = difference(wanted, lines(), "opened"); !problem.isEmpty())
+            return problem;
+        told = warnings.take();
+        return warningProblem(told, path, expected);
     }
 
     /// Exactly the announced kinds of warning, each with the file's name and its numbers; for coordinates
     /// with the node's number.
-    QString warningProblem(const QString &path, const DocumentModel::Document &expected)
+    static QString warningProblem(QStringList left, const QString &path,
+                                  const DocumentModel::Document &expected)
     {
-        QStringList left = warnings.take();
         QStringList missing;
         const auto expect = [&](const QString &what, const QStringList &parts) {
             const auto found = std::find_if(left.begin(), left.end(), [&](const QString &line) {
@@ -309,6 +315,7 @@ private:
         return bytes() == current ? QString() : QStringLiteral("the second saving gives other bytes");
     }
 
+    QStringList told; // by the last opening
     Warnings warnings;
     ScratchFolder folder;
     QString badPath = folder.filePath(QStringLiteral("bad.scene"));

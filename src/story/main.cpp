@@ -1,0 +1,54 @@
+#include "app/applicationpalette.h"
+#include "story/console.h"
+#include "story/storyprogram.h"
+
+#include <QApplication>
+#include <QFile>
+
+#include <csignal>
+#include <cstdio>
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
+namespace {
+
+bool isTerminal(std::FILE *stream)
+{
+#ifdef Q_OS_UNIX
+    return isatty(fileno(stream)) == 1;
+#else
+    return false;
+#endif
+}
+
+/// What the libraries say of the machine (no runtime folder, no font for a sign) is no error of this command.
+void keepLibrariesQuiet(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        std::fprintf(stderr, "%s: %s\n", Console::programName, qPrintable(text));
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+#ifdef Q_OS_UNIX
+    // Whoever started this program may have it ignored, and then nothing would end it when its reader goes.
+    std::signal(SIGPIPE, SIG_DFL);
+#endif
+    qInstallMessageHandler(&keepLibrariesQuiet);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QPA_PLATFORMTHEME", "");
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    const QApplication application(argc, argv);
+    dressApplication();
+
+    QFile output;
+    QFile errors;
+    output.open(stdout, QIODevice::WriteOnly);
+    errors.open(stderr, QIODevice::WriteOnly | QIODevice::Unbuffered);
+    Console console(output, errors, isTerminal(stderr));
+    return StoryProgram::run(QApplication::arguments().mid(1), console);
+}

@@ -1,0 +1,44 @@
+#include "story/outputfile.h"
+
+#include "app/durablefile.h"
+#include "story/console.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+/// A pipe, a terminal, /dev/null: nothing is lost there and nothing can be put in their place.
+bool isDevice(const QFileInfo &file) { return file.exists() && !file.isFile() && !file.isDir(); }
+
+} // namespace
+
+QString OutputFile::refusal() const
+{
+    if (isStandardOutput())
+        return {};
+    const QFileInfo file(name);
+    if (file.isDir())
+        return tr("is a folder");
+    if (file.exists() && !isDevice(file) && !mayReplace)
+        return tr("is there already; --force replaces it");
+    return {};
+}
+
+QString OutputFile::store(const QByteArray &content, Console &console) const
+{
+    if (QString reason = refusal(); !reason.isEmpty())
+        return reason;
+    if (isStandardOutput()) {
+        console.write(content);
+        return console.trouble();
+    }
+    if (isDevice(QFileInfo(name))) {
+        QFile device(name);
+        const bool isWritten = device.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
+                               device.write(content) == content.size();
+        return isWritten ? QString() : device.errorString();
+    }
+    DurableFile file(name);
+    return file.open() ? file.replaceBy(content) : tr("cannot be written");
+}

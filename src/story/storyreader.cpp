@@ -1,0 +1,162 @@
+#include "story/storyreader.h"
+
+#include "app/documentformat.h"
+#include "app/wholefile.h"
+#include "items/eventdata.h"
+#include "items/node.h"
+#include "items/nodedata.h"
+#include "scene/nodegraphscene.h"
+
+#include <QDataStream>
+#include <QHash>
+#include <QUndoCommand>
+
+namespace {
+
+/// Takes the log of its lifetime. What a reader finds wrong with a file it says there, and nowhere else: so
+/// whoever listens tells just what the editor's log tells.
+class ReadingLog
+{
+public:
+    explicit ReadingLog(StoryDamage &damage) : noted(damage), previous(qInstallMessageHandler(&handle))
+    {
+        active = this;
+    }
+    ~ReadingLog()
+    {
+        qInstallMessageHandler(previous);
+        active = nullptr;
+    }
+    ReadingLog(const ReadingLog &) = delete;
+    ReadingLog &operator=(const ReadingLog &) = delete;
+
+private:
+    static void handle(QtMsgType type, const QMessageLogContext &context, const QString &text)
+    {
+        const bool isOfTheProgram = qstrcmp(context.category, "default") == 0;
+        if (type == QtInfoMsg && text == QLatin1String("CouldntFind outNode"))
+            ++active->noted.missingFeeders;
+        else if (type == QtWarningMsg && isOfTheProgram)
+            active->noted.warnings << text;
+        else if (type != QtInfoMsg && type != QtDebugMsg && active->previous)
+            active->previous(type, context, text);
+    }
+
+    inline static ReadingLog *active = nullptr;
+    StoryDamage &noted;
+    QtMessageHandler previous;
+};
+
+/// A graph without a view: its edits are carried out at once and cannot be undone.
+std::unique_ptr<NodegraphScene> graphAlone()
+{
+    auto graph = std::make_unique<NodegraphScene>();
+    QObject::connect(graph.get(), &NodegraphScene::s_UndoCommandAdded, graph.get(),
+                     [](QUndoCommand *command) {
+                         const std::unique_ptr<QUndoCommand> owned(command);
+                         owned->redo();
+                     });
+    return graph;
+}
+
+StoryTab tabOf(const NodegraphScene &graph)
+{
+    const std::vector<Node *> &nodes = graph.nodes();
+    QHash<const Node *, int> places;
+    places.reserve(qsizetype(nodes.size()));
+    for (std::size_t place = 0; place < nodes.size(); ++place)
+        places.insert(nodes[place], int(place));
+
+    StoryTab tab;
+    tab.events.reserve(nodes.size());
+    for (const Node *node : nodes) {
+        StoryEvent event;
+        event.index = node->getIndex();
+        event.title = node->title();
+        if (const EventData *content = node->payload()->eventContent())
+            event.description = content->getDescription();
+        event.position = node->pos();
+        event.isEnd = node->isEndOfStory();
+        event.isImportant = node->isImportant();
+        if (node->hasInput())
+            event.feeder = places.value(node->prevNode(), -1);
+        for (const Node *next : node->nextNodes())
+            event.fed.push_back(places.value(next));
+        tab.events.push_back(std::move(event));
+    }
+    for (const Node *node : graph.story())
+        tab.chain.push_back(places.value(node));
+    return tab;
+}
+
+} // namespace
+
+bool StoryDamage::isNone() const { return lines().isEmpty(); }
+
+QStringList StoryDamage::lines() const
+{
+    QStringList all = warnings;
+    if (missingFeeders > 0)
+        all << tr("connections from events that are not in the file, left out: %1").arg(missingFeeders);
+    if (endedEarly)
+        all << tr("the file ends early: what is missing reads as zero and as empty");
+    if (hasBrokenText)
+        all << tr("a text that ends in the middle of a letter reads as empty");
+    if (bytesBehind > 0)
+        all << tr("bytes behind the last tab, left out: %1").arg(bytesBehind);
+    return all;
+}
+
+StoryReader::StoryReader() = default;
+
+StoryReader::~StoryReader() = default;
+
+QString StoryReader::read(const QString &path)
+{
+    graphs.clear();
+    found = {};
+    const WholeFile file(path);
+    if (!file.trouble().isEmpty())
+        return file.trouble();
+
+    const ReadingLog log(found);
+    const auto make = [this](int count) {
+        for (int i = 0; i < count; ++i)
+            graphs.push_back(graphAlone());
+        return scenes();
+    };
+    QDataStream::Status status = QDataStream::Ok;
+    qint64 readTo = sizeof(qint32);
+    const auto fill = [&](NodegraphScene &graph, QDataStream &stream) {
+        const Damage damage = graph.load(stream);
+        status = stream.status();
+        readTo = stream.device()->pos();
+        return damage;
+    };
+    DocumentFormat::read(path, file.content(), make, fill);
+    const qint64 size = file.content().size();
+    found.endedEarly = status == QDataStream::ReadPastEnd || size < qint64(sizeof(qint32));
+    found.hasBrokenText = status == QDataStream::ReadCorruptData;
+    found.bytesBehind = qMax<qint64>(0, size - readTo);
+    return {};
+}
+
+Story StoryReader::story() const
+{
+    Story story;
+    for (const auto &graph : graphs) {
+        story.tabs.push_back(tabOf(*graph));
+        story.tabs.back().name = Story::nameOfTab(int(story.tabs.size()) - 1);
+    }
+    return story;
+}
+
+std::vector<NodegraphScene *> StoryReader::scenes() const
+{
+    std::vector<NodegraphScene *> all;
+    for (const auto &graph : graphs)
+        all.push_back(graph.get());
+    return all;
+}
+
+QByteArray StoryReader::bytes() const { return DocumentFormat::bytes(scenes()); }
