@@ -9,6 +9,7 @@
 
 #include <QDataStream>
 #include <QHash>
+#include <QIODevice>
 #include <QUndoCommand>
 
 namespace {
