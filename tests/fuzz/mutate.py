@@ -23,6 +23,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 CHECKER = ROOT / "build/release/tests/fuzz/checkdocument"
 FAILED = ROOT / "build/mutated"
 FILES_A_RUN = 100
+PATIENCE = 1200  # seconds for so many; a file that is never opened counts as harm
 
 NUMBERS = [0, 1, 2, 3, 4, 6, 8, 10, 99, -1, -2, -2**31, 2**31 - 1, 2**31 - 2, 65536]
 PLACES = [0.0, -0.0, 0.5, -1.0, 1e-300, 5e-324, 99999.0, 1e5, 1e12, 1e300, -1e300,
@@ -205,14 +206,18 @@ def troubles_of(paths):
     lines = []
     environment = dict(os.environ, QT_QPA_PLATFORM="offscreen", QT_QPA_PLATFORMTHEME="", LC_ALL="C.UTF-8")
     while paths:
-        run = subprocess.run([CHECKER, *paths], env=environment, stdin=subprocess.DEVNULL, capture_output=True,
-                             text=True, errors="replace")
-        told = run.stdout.splitlines()
+        try:
+            run = subprocess.run([CHECKER, *paths], env=environment, stdin=subprocess.DEVNULL, capture_output=True,
+                                 text=True, errors="replace", timeout=PATIENCE)
+            out, fate = run.stdout, f"ended the program with {run.returncode}: {run.stderr[-500:]}"
+        except subprocess.TimeoutExpired as late:
+            out, fate = (late.stdout or b"").decode(errors="replace"), "was not opened in time"
+        told = out.splitlines()
         done = [line for line in told if line.startswith("done ")]
         lines += [line for line in told if not line.startswith("done ")]
         if len(done) == len(paths):
             break
-        lines.append(f"{paths[len(done)]}: ended the program with {run.returncode}: {run.stderr[-500:]}")
+        lines.append(f"{paths[len(done)]}: {fate}")
         paths = paths[len(done) + 1:]
     return lines
 
