@@ -39,10 +39,11 @@ void print(const QVector<Row> &rows, double unit, const QVector<int> &sizes)
         out << work.leftJustified(34);
         for (const int events : sizes) {
             const Row row = table[work].value(events);
-            const QString text =
-                row.units > 0
-                    ? QStringLiteral("%1 ms %2 U").arg(row.value, 0, 'f', 2).arg(row.units, 7, 'f', 1)
-                    : QStringLiteral("%1 KiB").arg(row.value, 0, 'f', 1);
+            QString text = QStringLiteral("-"); // not for that many
+            if (row.events > 0 && row.kind == Row::Kind::time)
+                text = QStringLiteral("%1 ms %2 U").arg(row.value, 0, 'f', 2).arg(row.units, 7, 'f', 1);
+            else if (row.events > 0)
+                text = QStringLiteral("%1 KiB").arg(row.value, 0, 'f', 1);
             out << text.rightJustified(22);
         }
         // From 1,000 to 10,000 events, which goes with the number if it is ten.
@@ -103,7 +104,7 @@ int main(int argc, char *argv[])
         rows << Works(events, parser.value(roundsOption).toInt()).measured(units);
     const double unit = Measure::median(units);
     for (Row &row : rows) {
-        if (row.work != QLatin1String("memory an event"))
+        if (row.kind == Row::Kind::time)
             row.units = row.value / unit;
     }
     print(rows, unit, sizes);

@@ -12,12 +12,32 @@
 #include <unistd.h>
 #endif
 
+#if __has_include(<valgrind/callgrind.h>)
+#include <valgrind/callgrind.h>
+#define COUNTS_INSTRUCTIONS
+#endif
+
 double Measure::milliseconds(const std::function<void()> &work)
 {
     QElapsedTimer timer;
     timer.start();
     work();
     return double(timer.nsecsElapsed()) / 1e6;
+}
+
+void Measure::count([[maybe_unused]] const QString &name, const std::function<void()> &step)
+{
+#ifdef COUNTS_INSTRUCTIONS
+    if (RUNNING_ON_VALGRIND) {
+        CALLGRIND_START_INSTRUMENTATION;
+        CALLGRIND_ZERO_STATS;
+        step();
+        CALLGRIND_DUMP_STATS_AT(qPrintable(name));
+        CALLGRIND_STOP_INSTRUMENTATION;
+        return;
+    }
+#endif
+    step();
 }
 
 double Measure::median(std::vector<double> values)
@@ -50,12 +70,16 @@ double Measure::unit()
     return median(times);
 }
 
+void Measure::giveMemoryBack()
+{
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
+}
+
 double Measure::residentKiB()
 {
 #ifdef Q_OS_LINUX
-#ifdef __GLIBC__
-    malloc_trim(0); // what an earlier work has freed is not of this one
-#endif
     QFile file(QStringLiteral("/proc/self/statm"));
     if (file.open(QIODevice::ReadOnly))
         return file.readAll().split(' ').value(1).toDouble() * double(sysconf(_SC_PAGESIZE)) / 1024;

@@ -10,6 +10,8 @@ namespace Measure {
 
 /// Milliseconds that `work` takes; the smallest thing to be measured is some microseconds.
 double milliseconds(const std::function<void()> &work);
+/// Carries out `step`, and nothing else; under callgrind its instructions are kept under that name.
+void count(const QString &name, const std::function<void()> &step);
 double median(std::vector<double> values);
 
 /// U: milliseconds for laying out a text of 60 words in a reused document, 400 wide, in the description's
@@ -18,14 +20,19 @@ double unit();
 
 /// Memory of this process that is resident now, in KiB; 0 where the system does not tell.
 double residentKiB();
+/// Gives back what an earlier work has freed, which is not of the next one.
+void giveMemoryBack();
 
 } // namespace Measure
 
 /// One row of a result: some work on a graph of so many events.
 struct Row
 {
+    enum class Kind { time, memory };
+
     QString work;
     int events = 0;
-    double value = 0; // milliseconds, KiB an event for memory
+    double value = 0; // milliseconds, KiB for memory
+    Kind kind = Kind::time;
     double units = 0; // the same in U, 0 for memory
 };

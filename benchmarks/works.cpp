@@ -18,6 +18,7 @@
 #include <QScrollBar>
 #include <QStandardPaths>
 #include <QTabWidget>
+#include <QUndoStack>
 #include <QWheelEvent>
 
 namespace {
@@ -55,33 +56,40 @@ void Works::add(const QString &work, const Step &before, const Step &step, int t
     for (int i = 0; i < (times > 0 ? times : rounds); ++i) {
         if (before)
             before();
-        values.push_back(Measure::milliseconds(step));
+        values.push_back(timed(work, step));
     }
-    rows << Row{work, events, Measure::median(values), 0};
+    rows << Row{work, events, Measure::median(values)};
 }
 
-void Works::addPair(const QString &there, const Step &go, const QString &back, const Step &comeBack)
+double Works::timed(const QString &work, const Step &step) const
+{
+    return Measure::milliseconds(
+        [this, &work, &step] { Measure::count(QStringLiteral("%1|%2").arg(work).arg(events), step); });
+}
+
+void Works::addPair(const QString &there, const Step &go, const QString &back, const Step &comeBack,
+                    int times)
 {
     std::vector<double> first;
     std::vector<double> second;
-    const auto shown = [this](const Step &step) {
-        return Measure::milliseconds([this, &step] {
+    const auto shown = [this](const QString &work, const Step &step) {
+        return timed(work, [this, &step] {
             step();
             story->show();
         });
     };
-    for (int i = 0; i < rounds; ++i) {
-        first.push_back(shown(go));
-        second.push_back(shown(comeBack));
+    for (int i = 0; i < (times > 0 ? times : rounds); ++i) {
+        first.push_back(shown(there, go));
+        second.push_back(shown(back, comeBack));
     }
-    rows << Row{there, events, Measure::median(first), 0} << Row{back, events, Measure::median(second), 0};
+    rows << Row{there, events, Measure::median(first)} << Row{back, events, Measure::median(second)};
 }
 
 QVector<Row> Works::measured(std::vector<double> &units)
 {
     for (const auto part :
          {&Works::memory, &Works::documents, &Works::edits, &Works::editsBack, &Works::connections,
-          &Works::typing, &Works::looking, &Works::everything, &Works::emptying}) {
+          &Works::typing, &Works::looking, &Works::everything, &Works::pasting, &Works::emptying}) {
         units.push_back(Measure::unit());
         (this->*part)();
     }
@@ -92,10 +100,19 @@ QVector<Row> Works::measured(std::vector<double> &units)
 void Works::memory()
 {
     story = std::make_unique<StoryWindow>();
+    Measure::giveMemoryBack();
     const double before = Measure::residentKiB();
     story->window().loadFrom(path);
     story->show();
-    rows << Row{QStringLiteral("memory an event"), events, (Measure::residentKiB() - before) / events, 0};
+    const double opened = Measure::residentKiB();
+    rows << Row{QStringLiteral("memory an event"), events, (opened - before) / events, Row::Kind::memory};
+    for (const char *work : {"memory more after New", "memory more after a second New"}) {
+        story->window().clearTabs();
+        settle(*story);
+        rows << Row{QString::fromLatin1(work), events, Measure::residentKiB() - before, Row::Kind::memory};
+        story->window().loadFrom(path);
+        story->show();
+    }
 }
 
 void Works::documents()
@@ -296,13 +313,68 @@ void Works::everything()
         worst.push_back(slowest);
         mouse(canvas, QEvent::MouseButtonRelease, other, Qt::LeftButton, Qt::NoButton);
     }
-    rows << Row{QStringLiteral("rubber band, worst move"), events, Measure::median(worst), 0};
+    rows << Row{QStringLiteral("rubber band, worst move"), events, Measure::median(worst)};
     add(
         QStringLiteral("select all"), [scene] { scene->deselectAll(); },
         [this] {
             story->window().sl_selectAll();
             story->show();
         });
+}
+
+/// Selects so many events, whole rows of them or the first ones of a row, from the middle of the story.
+void Works::select(int count)
+{
+    NodegraphScene *scene = story->scene();
+    scene->deselectAll();
+    scene->sl_deselectCurrentNode();
+    const int inARow = 100;
+    const int rowsTaken = (count + inARow - 1) / inARow;
+    const int firstRow = (events / inARow - rowsTaken) / 2;
+    const QPointF from(-50, 500.0 * firstRow - 50);
+    const QPointF to(600.0 * (qMin(count, inARow) - 1) + 50, 500.0 * (firstRow + rowsTaken - 1) + 50);
+    const auto send = [scene](QEvent::Type type, QPointF place, Qt::MouseButton button) {
+        QGraphicsSceneMouseEvent event(type);
+        event.setScenePos(place);
+        event.setButton(button);
+        event.setButtons(type == QEvent::GraphicsSceneMouseRelease ? Qt::NoButton : Qt::LeftButton);
+        QCoreApplication::sendEvent(scene, &event);
+    };
+    send(QEvent::GraphicsSceneMousePress, from, Qt::LeftButton);
+    send(QEvent::GraphicsSceneMouseMove, to, Qt::NoButton);
+    send(QEvent::GraphicsSceneMouseRelease, to, Qt::LeftButton);
+    if (int(scene->selectedNodes().size()) != count)
+        qFatal("%d events selected instead of %d", int(scene->selectedNodes().size()), count);
+}
+
+/// The steps of a paste are undone without a frame in between.
+void Works::pasting()
+{
+    const int few = qMax(1, rounds / 3);
+    for (const int count : {20, 100, 1000}) {
+        if (count > events)
+            break;
+        int before = 0;
+        const auto open = [this, count] {
+            story->window().loadFrom(path);
+            settle(*story);
+            story->lookAt(story->node(0.5));
+            select(count);
+        };
+        const auto paste = [this, &before] {
+            before = story->view()->undoStack()->count();
+            story->window().sl_cut();
+            story->scene()->sl_lastMousePos(QPointF(1000, 60000));
+            story->window().sl_paste();
+            story->show();
+        };
+        add(QStringLiteral("cut and paste of %1").arg(count), open, paste, few);
+        addPair(
+            QStringLiteral("undo of paste of %1").arg(count),
+            [&] { story->view()->undoStack()->setIndex(before); },
+            QStringLiteral("redo of paste of %1").arg(count),
+            [&] { story->view()->undoStack()->setIndex(story->view()->undoStack()->count()); }, 1);
+    }
 }
 
 /// What is done to all of them.
@@ -324,6 +396,14 @@ void Works::emptying()
             story->show();
         },
         few);
+    // Each step tells the story anew, as when the key is held down.
+    constexpr int notTooMany = 2000;
+    if (events <= notTooMany) {
+        QUndoStack *stack = story->view()->undoStack();
+        addPair(
+            QStringLiteral("undo of delete of all"), [&] { stack->setIndex(stack->count() - events); },
+            QStringLiteral("redo of delete of all"), [&] { stack->setIndex(stack->count()); }, 1);
+    }
     add(
         QStringLiteral("closing of the window"), open, [this] { story.reset(); }, 1);
 }

@@ -23,9 +23,13 @@ private:
 
     /// The median of all rounds; `before` is not measured.
     void add(const QString &work, const Step &before, const Step &step, int times = 0);
-    void addPair(const QString &there, const Step &go, const QString &back, const Step &comeBack);
+    double timed(const QString &work, const Step &step) const;
+    void addPair(const QString &there, const Step &go, const QString &back, const Step &comeBack,
+                 int times = 0);
     void memory();
     void documents();
+    void pasting();
+    void select(int count);
     void edits();
     void editsBack();
     void connections();
