@@ -18,6 +18,7 @@ constexpr std::size_t firstScreen = 30; // entries that are made at once
 } // namespace
 
 OverViewerScene::OverViewerScene()
+    : list(std::make_unique<PanelList>([this](const PanelRow &row) { return makeEntry(row); }))
 {
     // Entries come and go all at once, so an index of their places would be rebuilt for every story.
     setItemIndexMethod(QGraphicsScene::NoIndex);
@@ -35,25 +36,36 @@ void OverViewerScene::rebuildOvNodes()
         listedGraph = storyNodes.front()->scene();
     for (Node *node : storyNodes) {
         if (!showImportantOnly || node->isImportant())
-            addOvNode(node);
+            list->add(node);
     }
-    qInfo() << "No of ovnodes now: " << ovNodes_.size();
+    makeFirstEntries();
+    qInfo() << "No of ovnodes now: " << rows().size();
     layoutOvNodes();
     keyboard.resume();
 }
 
-void OverViewerScene::addOvNode(Node *node)
+/// Those that are seen first, and those that the keyboard and the mark have been waiting for.
+void OverViewerScene::makeFirstEntries()
 {
-    auto *entry = new OvNode(node, TextMaking::whenNeeded);
-    if (keyboard.isAwaitedBy(node))
+    for (std::size_t place = 0; place < rows().size(); ++place) {
+        const Node *node = rows()[place].node;
+        if (place < firstScreen)
+            list->entry(place)->make();
+        else if (keyboard.isAwaitedBy(node) || entryMark.isAwaitedBy(node))
+            list->entry(place);
+    }
+}
+
+OvNode *OverViewerScene::makeEntry(const PanelRow &row)
+{
+    auto *entry = new OvNode(row);
+    if (keyboard.isAwaitedBy(row.node))
         keyboard.giveBackTo(entry);
-    else if (ovNodes_.size() < firstScreen)
-        entry->make();
-    entryMark.noteEntry(entry, node);
+    entryMark.noteEntry(entry, row.node);
     addItem(entry);
-    ovNodes_.push_back(entry);
     currentOvNode = entry;
     connect(entry, &OvNode::s_nodeChanged, this, &OverViewerScene::sl_updateOvNode);
+    return entry;
 }
 
 /// All at once, which takes a third of the time: an item that leaves alone is looked up in a list of all of
@@ -66,25 +78,14 @@ void OverViewerScene::clearOvNodes()
     entryMark.forgetEntries();
     takeInNewItems(); // several stories may come before the event loop runs
     currentOvNode = nullptr;
-    ovNodes_.clear();
+    list->clear();
     clear();
-}
-
-/// Entries stand below one another, so those between two heights follow each other.
-void OverViewerScene::makeEntriesIn(double top, double bottom)
-{
-    const auto endsAbove = [](const OvNode *entry, double y) {
-        return entry->y() + entry->boundingRect().bottom() < y;
-    };
-    auto entry = std::lower_bound(ovNodes_.begin(), ovNodes_.end(), top, endsAbove);
-    for (; entry != ovNodes_.end() && (*entry)->y() <= bottom; ++entry)
-        (*entry)->make();
 }
 
 // The items to paint are looked up after this.
 void OverViewerScene::drawBackground(QPainter *painter, const QRectF &rect)
 {
-    makeEntriesIn(rect.top(), rect.bottom());
+    list->makeBetween(rect.top(), rect.bottom());
     QGraphicsScene::drawBackground(painter, rect);
 }
 
@@ -94,7 +95,7 @@ bool OverViewerScene::event(QEvent *event)
     if (event->type() == QEvent::GraphicsSceneMousePress) {
         keyboard.giveUp();
         const double y = static_cast<QGraphicsSceneMouseEvent *>(event)->scenePos().y();
-        makeEntriesIn(y, y);
+        list->makeBetween(y, y);
     }
     return QGraphicsScene::event(event);
 }
@@ -136,30 +137,22 @@ int OverViewerScene::layoutOvNodes()
 {
     if (observer)
         observer->aboutToPlaceEntries();
-    int y = 0;
-    QRectF covered;
-    for (OvNode *entry : ovNodes_) {
-        entry->setPos(0, y);
-        const QRectF outline = entry->boundingRect();
-        covered |= outline.translated(0, y);
-        y = static_cast<int>(spacing_ + outline.height() + y);
-    }
+    const auto [covered, end] = list->layOut(spacing_);
     setSceneRect(covered.isNull() ? emptyPanel : covered);
     if (observer)
         observer->entriesPlaced();
-    return y;
+    return end;
 }
 
-const QGraphicsScene *OverViewerScene::shownGraph() const { return ovNodes_.empty() ? nullptr : listedGraph; }
+const QGraphicsScene *OverViewerScene::shownGraph() const { return rows().empty() ? nullptr : listedGraph; }
 
 OvNode *OverViewerScene::findOvNode(int index)
 {
-    const auto found = std::find_if(ovNodes_.begin(), ovNodes_.end(),
-                                    [index](const OvNode *entry) { return entry->getIndex() == index; });
-    if (found == ovNodes_.end())
+    const std::size_t place = list->placeOf(index);
+    if (place == rows().size())
         return nullptr;
     qInfo() << "Found ovNode";
-    return *found;
+    return list->entry(place);
 }
 
 void OverViewerScene::forgetScene(const QGraphicsScene *graph)
@@ -181,10 +174,13 @@ void OverViewerScene::sl_updatedNode(Node *node)
 {
     const auto occurrences = std::count(storyNodes.begin(), storyNodes.end(), node);
     for (auto i = occurrences; i > 0; --i) {
-        for (OvNode *entry : ovNodes_) {
-            if (entry->getIndex() == node->getIndex())
-                entry->updateFromNode();
+        bool isResized = false;
+        for (std::size_t place = 0; place < rows().size(); ++place) {
+            if (rows()[place].currentIndex() == node->getIndex())
+                isResized = list->refresh(place) || isResized;
         }
+        if (isResized)
+            layoutOvNodes();
     }
 }
 
@@ -195,16 +191,18 @@ void OverViewerScene::sl_updateOvNode(OvNode *entry)
 
 void OverViewerScene::sl_nodeIndexChanged(Node *node, int index)
 {
-    OvNode *entry = findOvNode(node->getIndex());
-    if (!entry)
+    const std::size_t place = list->placeOf(node->getIndex());
+    if (place == rows().size())
         return;
-    qInfo() << "Changing ovNode index from: " << entry->getIndex() << " to " << index;
-    entry->setIndex(index);
+    qInfo() << "Found ovNode";
+    qInfo() << "Changing ovNode index from: " << rows()[place].currentIndex() << " to " << index;
+    list->setIndex(place, index);
 }
 
 void OverViewerScene::sl_importanceChanged(Node *node, bool isImportant)
 {
-    if (OvNode *entry = findOvNode(node->getIndex())) {
+    OvNode *entry = findOvNode(node->getIndex());
+    if (entry) {
         qInfo() << "Setting importance";
         entry->setImportant(isImportant);
     }

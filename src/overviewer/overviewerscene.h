@@ -4,11 +4,13 @@
 #include "items/promptscene.h"
 #include "overviewer/ovnode.h"
 #include "overviewer/panelfocus.h"
+#include "overviewer/panellist.h"
 #include "overviewer/panelmark.h"
 
 #include <QColor>
 #include <QPointer>
 
+#include <memory>
 #include <vector>
 
 class PanelObserver;
@@ -26,8 +28,10 @@ public:
     OverViewerScene();
     ~OverViewerScene() override;
 
-    /// The entries shown, top first.
-    const std::vector<OvNode *> &ovNodes() const { return ovNodes_; }
+    /// The entries shown, top first. Whoever asks has all of them made; the rows are there anyway.
+    const std::vector<OvNode *> &ovNodes() const { return list->entries(); }
+    const std::vector<PanelRow> &rows() const { return list->rows(); }
+    OvNode *entryOfRow(std::size_t place) { return list->entry(place); }
     /// Shows that story, first event first, instead of the last one.
     void showStory(std::vector<Node *> nodes);
     /// The scene whose story it is; null while there are no entries.
@@ -72,12 +76,12 @@ protected:
 
 private:
     void rebuildOvNodes();
-    void makeEntriesIn(double top, double bottom);
-    void addOvNode(Node *node);
+    OvNode *makeEntry(const PanelRow &row);
+    void makeFirstEntries();
     void clearOvNodes();
 
     std::vector<Node *> storyNodes; // not owned; refreshed or emptied before any of them goes
-    std::vector<OvNode *> ovNodes_;
+    std::unique_ptr<PanelList> list;
     QPointer<const QGraphicsScene> listedGraph; // of the entries, or of the last ones if there are none
     QColor backgroundColor{QStringLiteral("#EAEAEA")};
     int spacing_ = 5; // scene units

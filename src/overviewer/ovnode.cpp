@@ -4,6 +4,7 @@
 #include "items/node.h"
 #include "items/nodedata.h"
 #include "overviewer/overviewerscene.h"
+#include "overviewer/panellist.h"
 
 #include <QBrush>
 #include <QPainter>
@@ -32,6 +33,14 @@ OvNode::OvNode(Node *shownNode, TextMaking making)
     if (making == TextMaking::atOnce && type == 0)
         takeContent(new EventData(nullptr, making));
     updateFromNode();
+}
+
+OvNode::OvNode(const PanelRow &row)
+    : node(row.node), type(row.node->getType()), index(row.shownIndex), isImportant(row.isImportant)
+{
+    if (type == 0 && nodeContent())
+        late.keep(row.text, row.outline);
+    setPos(0, row.y);
 }
 
 void OvNode::takeContent(EventData *content)

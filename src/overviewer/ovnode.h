@@ -9,6 +9,7 @@
 
 class EventData;
 class Node;
+struct PanelRow;
 
 /// One entry of the panel: an editable copy of a story event's description. Owned by the panel's scene.
 class OvNode : public QObject, public QGraphicsItem, public ResizeObserver
@@ -19,10 +20,12 @@ class OvNode : public QObject, public QGraphicsItem, public ResizeObserver
 public:
     /// `node` is not owned; the panel removes the entry before the node goes.
     explicit OvNode(Node *node, TextMaking making = TextMaking::atOnce);
+    /// The entry of a row: it shows what the row tells, and stands where the row does.
+    explicit OvNode(const PanelRow &row);
     ~OvNode() override;
 
-    /// Makes the entry's content if it is still missing. A panel of thousands of entries is made anew for
-    /// every edit, and few of them are ever on screen: the others are a text and the size of the node's own.
+    /// Makes the entry's content if it is still missing. An entry that somebody asked for need not be in
+    /// sight: it is a text and the size of the node's own.
     void make();
     /// Takes the content out, to be adopted by another entry: of the caller's then, and in no scene. Null if
     /// it was never made.

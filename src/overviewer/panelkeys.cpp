@@ -133,30 +133,33 @@ void PanelKeys::updateMark()
 OvNode *PanelKeys::topEntry() const
 {
     const double top = view->viewportTransform().inverted().map(QPointF(0, -1)).y(); // it may be rounded
-    const std::vector<OvNode *> &entries = scene->ovNodes();
-    const auto shown = std::find_if(entries.begin(), entries.end(),
-                                    [top](const OvNode *entry) { return entry->top() >= top; });
-    if (shown != entries.end())
-        return *shown;
-    return entries.empty() ? nullptr : entries.back();
+    const std::vector<PanelRow> &rows = scene->rows();
+    if (rows.empty())
+        return nullptr;
+    const auto shown =
+        std::find_if(rows.begin(), rows.end(), [top](const PanelRow &row) { return row.top() >= top; });
+    const auto place = shown == rows.end() ? rows.size() - 1 : static_cast<std::size_t>(shown - rows.begin());
+    return scene->entryOfRow(place);
 }
 
 double PanelKeys::pageHeight() const { return view->viewport()->height() / view->transform().m22(); }
 
 OvNode *PanelKeys::entryAt(int key) const
 {
-    const std::vector<OvNode *> &entries = scene->ovNodes();
-    if (entries.empty())
+    const std::vector<PanelRow> &rows = scene->rows();
+    if (rows.empty())
         return nullptr;
-    const auto marked = std::find(entries.begin(), entries.end(), scene->mark().entry());
-    const bool isMarked = isAboutKeys && marked != entries.end();
-    const auto place = isMarked ? marked - entries.begin() : 0;
-    const auto last = static_cast<std::ptrdiff_t>(entries.size()) - 1;
+    const OvNode *mark = scene->mark().entry();
+    const auto marked =
+        std::find_if(rows.begin(), rows.end(), [mark](const PanelRow &row) { return row.entry == mark; });
+    const bool isMarked = isAboutKeys && mark && marked != rows.end();
+    const auto place = isMarked ? marked - rows.begin() : 0;
+    const auto last = static_cast<std::ptrdiff_t>(rows.size()) - 1;
     const auto inDistance = [&](double distance) {
-        const double y = entries[static_cast<std::size_t>(place)]->y() + distance;
-        const auto found = std::lower_bound(entries.begin(), entries.end(), y,
-                                            [](const OvNode *entry, double at) { return entry->y() < at; });
-        return found - entries.begin();
+        const double y = rows[static_cast<std::size_t>(place)].y + distance;
+        const auto found = std::lower_bound(rows.begin(), rows.end(), y,
+                                            [](const PanelRow &row, double at) { return row.y < at; });
+        return found - rows.begin();
     };
     std::ptrdiff_t next = 0;
     switch (key) {
@@ -173,15 +176,15 @@ OvNode *PanelKeys::entryAt(int key) const
         next = std::max(place + 1, inDistance(pageHeight()) - 1);
         break;
     case Qt::Key_Home:
-        return entries.front();
+        return scene->entryOfRow(0);
     case Qt::Key_End:
-        return entries.back();
+        return scene->entryOfRow(rows.size() - 1);
     default:
         return nullptr;
     }
     if (!isMarked) // the first of these keys says where one is
         return topEntry();
-    return entries[static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(next, 0, last))];
+    return scene->entryOfRow(static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(next, 0, last)));
 }
 
 void PanelKeys::markEntry(OvNode *entry)

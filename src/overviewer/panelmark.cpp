@@ -31,7 +31,7 @@ void PanelMark::setShown(bool shown)
 
 void PanelMark::noteEntry(OvNode *entry, const Node *node)
 {
-    if (!marked && event.is(node))
+    if (isAwaitedBy(node))
         marked = entry;
 }
 

@@ -21,6 +21,8 @@ public:
 
     /// The entries are about to go.
     void forgetEntries() { marked = nullptr; }
+    /// Whether it waits for that node's entry.
+    bool isAwaitedBy(const Node *node) const { return !marked && event.is(node); }
     /// An entry has come.
     void noteEntry(OvNode *entry, const Node *node);
 

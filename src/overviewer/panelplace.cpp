@@ -60,15 +60,15 @@ double PanelPlace::pixelY(double sceneY) const
 void PanelPlace::aboutToPlaceEntries()
 {
     const bool isFirst = !std::exchange(isPlacing, true);
-    const std::vector<OvNode *> &entries = scene->ovNodes();
-    if (!isFirst || kept || entries.empty())
+    const std::vector<PanelRow> &rows = scene->rows();
+    if (!isFirst || kept || rows.empty())
         return;
     // By the upper edges alone: an entry that grows has its new height already.
     const double edge = view->viewportTransform().inverted().map(QPointF(0, 0)).y();
-    const auto below = std::upper_bound(entries.begin() + 1, entries.end(), edge + scene->spacing(),
-                                        [](double y, const OvNode *entry) { return y < entry->top(); });
-    const auto top = static_cast<std::size_t>(below - entries.begin() - 1);
-    keep(top, pixelY(entries[top]->top()));
+    const auto below = std::upper_bound(rows.begin() + 1, rows.end(), edge + scene->spacing(),
+                                        [](double y, const PanelRow &row) { return y < row.top(); });
+    const auto top = static_cast<std::size_t>(below - rows.begin() - 1);
+    keep(top, pixelY(rows[top].top()));
 }
 
 void PanelPlace::keep(std::size_t top, double y)
@@ -77,23 +77,24 @@ void PanelPlace::keep(std::size_t top, double y)
     place.graph = scene->shownGraph();
     place.top = top;
     place.y = y;
-    place.indices.reserve(scene->ovNodes().size());
-    for (const OvNode *entry : scene->ovNodes())
-        place.indices.push_back(entry->getIndex());
+    // Not what the entries have meanwhile: a new event announces its index as a change from 0.
+    place.indices.reserve(scene->rows().size());
+    for (const PanelRow &row : scene->rows())
+        place.indices.push_back(row.index);
     kept = std::move(place);
 }
 
 void PanelPlace::entriesPlaced()
 {
-    const std::vector<OvNode *> &entries = scene->ovNodes();
-    if (!entries.empty()) {
+    const std::vector<PanelRow> &rows = scene->rows();
+    if (!rows.empty()) {
         choosePlaceOf(scene->shownGraph());
         QScrollBar *bar = view->verticalScrollBar();
         const int listed = kept ? listedFrom(*kept) : -1;
         if (listed >= 0) {
             const auto place = static_cast<std::size_t>(listed);
-            bar->setValue(bar->value() + qRound(pixelY(entries[place]->top()) - kept->y));
-            if (entries[place]->getIndex() == kept->indices[kept->top])
+            bar->setValue(bar->value() + qRound(pixelY(rows[place].top()) - kept->y));
+            if (rows[place].index == kept->indices[kept->top])
                 keep(place, kept->y); // with those that have come around it
         } else {
             bar->setValue(bar->minimum());
@@ -121,15 +122,15 @@ void PanelPlace::choosePlaceOf(const QGraphicsScene *graph)
 
 int PanelPlace::listedFrom(const Place &wanted) const
 {
-    const std::vector<OvNode *> &entries = scene->ovNodes();
+    const std::vector<PanelRow> &rows = scene->rows();
     const int top = wanted.indices[wanted.top];
-    const auto found = std::find_if(entries.begin(), entries.end(),
-                                    [top](const OvNode *entry) { return entry->getIndex() == top; });
-    if (found != entries.end())
-        return static_cast<int>(found - entries.begin());
+    const auto found =
+        std::find_if(rows.begin(), rows.end(), [top](const PanelRow &row) { return row.index == top; });
+    if (found != rows.end())
+        return static_cast<int>(found - rows.begin());
     QHash<int, int> places;
-    for (std::size_t i = entries.size(); i-- > 0;)
-        places.insert(entries[i]->getIndex(), static_cast<int>(i));
+    for (std::size_t i = rows.size(); i-- > 0;)
+        places.insert(rows[i].index, static_cast<int>(i));
     const auto listed = [&places](int index) { return places.contains(index); };
     const auto start = wanted.indices.begin() + static_cast<std::ptrdiff_t>(wanted.top);
     if (const auto after = std::find_if(start, wanted.indices.end(), listed); after != wanted.indices.end())

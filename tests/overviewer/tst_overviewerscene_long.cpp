@@ -12,6 +12,9 @@
 #include <QSignalSpy>
 #include <QUndoStack>
 
+#include <array>
+#include <random>
+
 using namespace Qt::StringLiterals;
 
 // A story that is longer than the screen. The entries beyond its first part are made when they are needed,
@@ -52,6 +55,60 @@ struct LongStory
     std::vector<Node *> nodes;
 };
 
+/// Anything that is told to the panel or asked of it.
+void edit(LongStory &story, std::mt19937 &random)
+{
+    const std::vector<Node *> &all = story.graph.nodes();
+    Node *any = all.at(random() % all.size());
+    switch (random() % 9) {
+    case 0:
+        any->payload()->eventContent()->descriptionItem()->setPlainText(textOfEvent(int(random() % 60)));
+        break;
+    case 1:
+        any->payload()->eventContent()->setDescription(u"not told"_s);
+        break;
+    case 2:
+        story.graph.toggleImportance(any);
+        break;
+    case 3:
+        story.panel.sl_setFilter_important(random() % 3 == 0);
+        break;
+    case 4:
+        story.graph.setEndOfStory(any);
+        break;
+    case 5:
+        any->setIndex(1000 + int(random() % 1000));
+        break;
+    case 6:
+        if (OvNode *entry = story.panel.findOvNode(int(random() % 60)))
+            dynamic_cast<EventData *>(entry->eventData())->descriptionItem()->setPlainText(u"typed here"_s);
+        break;
+    case 7:
+        story.graph.sl_selectCurrentNode(any);
+        story.graph.sl_addEventNode();
+        break;
+    default:
+        if (random() % 2 == 0)
+            story.stack.undo();
+        else
+            story.graph.deleteSelectedNodes(any);
+    }
+}
+
+QStringList shown(const LongStory &story)
+{
+    QStringList all;
+    for (OvNode *entry : story.panel.ovNodes()) {
+        const QRectF place = entry->sceneBoundingRect();
+        const auto *content = dynamic_cast<EventData *>(entry->eventData());
+        all << u"%1 at %2 of %3: %4"_s.arg(entry->getIndex())
+                   .arg(place.top())
+                   .arg(place.height())
+                   .arg(content->descriptionItem()->toPlainText());
+    }
+    return all;
+}
+
 } // namespace
 
 class tst_OverviewerSceneLong : public QObject
@@ -70,6 +127,9 @@ private slots:
     void editOfALateEntryReachesItsNode();
     void editOfANodeReachesALateEntry();
     void storiesInARowLeaveNothingBehind();
+    void entriesOutOfSightAreMadeForWhoeverAsks();
+    void entriesThatWereAskedForAreThoseThatWereNot_data();
+    void entriesThatWereAskedForAreThoseThatWereNot();
 };
 
 void tst_OverviewerSceneLong::firstScreenfulIsMadeAtOnce()
@@ -172,6 +232,63 @@ void tst_OverviewerSceneLong::storiesInARowLeaveNothingBehind()
         story.panel.sl_recieveNodes(story.nodes);
         QCOMPARE(story.panel.items().size(), items);
     }
+}
+
+void tst_OverviewerSceneLong::entriesOutOfSightAreMadeForWhoeverAsks()
+{
+    LongStory story;
+    const auto entryCount = [&story] {
+        const QList<QGraphicsItem *> items = story.panel.items();
+        return std::count_if(items.begin(), items.end(),
+                             [](QGraphicsItem *item) { return dynamic_cast<OvNode *>(item); });
+    };
+    QCOMPARE(entryCount(), 30);
+    const QRectF area = story.panel.sceneRect();
+    QVERIFY(story.panel.findOvNode(50));
+    QCOMPARE(entryCount(), 31);
+    QCOMPARE(story.panel.ovNodes().size(), length);
+    QCOMPARE(entryCount(), int(length));
+    QCOMPARE(story.panel.sceneRect(), area);
+}
+
+void tst_OverviewerSceneLong::entriesThatWereAskedForAreThoseThatWereNot_data()
+{
+    QTest::addColumn<unsigned>("seed");
+    for (unsigned seed = 1; seed <= 20; ++seed)
+        QTest::addRow("seed %u", seed) << seed;
+}
+
+// The same edits in two windows, in one of which every entry is made after each of them.
+void tst_OverviewerSceneLong::entriesThatWereAskedForAreThoseThatWereNot()
+{
+    QFETCH(const unsigned, seed);
+    std::array<LongStory, 2> both;
+    std::array<QStringList, 2> logs;
+    std::array<QStringList, 2> areas;
+    for (const std::size_t made : {0, 1}) {
+        LongStory &story = both.at(made);
+        QObject::connect(&story.graph, SIGNAL(s_updateStory(std::vector<Node*>)), &story.panel,
+                                              SLOT(sl_recieveNodes(std::vector<Node*>)));
+        QObject::connect(&story.graph, SIGNAL(s_importanceChanged(Node*,bool)), &story.panel,
+                                              SLOT(sl_importanceChanged(Node*,bool)));
+        QObject::connect(&story.graph, SIGNAL(s_nodeIndexChanged(Node*,int)), &story.panel,
+                                              SLOT(sl_nodeIndexChanged(Node*,int)));
+        std::mt19937 random(seed);
+        const LogCapture log;
+        for (int step = 0; step < 40; ++step) {
+            edit(story, random);
+            if (made == 1) {
+                for (OvNode *entry : story.panel.ovNodes())
+                    entry->make();
+            }
+            const QRectF area = story.panel.sceneRect();
+            areas.at(made) << u"%1 %2"_s.arg(area.width()).arg(area.height());
+        }
+        logs.at(made) = log.lines();
+    }
+    QCOMPARE(logs[0], logs[1]);
+    QCOMPARE(areas[0], areas[1]);
+    QCOMPARE(shown(both[0]), shown(both[1]));
 }
 
 QTEST_MAIN(tst_OverviewerSceneLong)
