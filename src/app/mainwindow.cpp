@@ -250,18 +250,8 @@ void MainWindow::sl_deselectAll()
 
 void MainWindow::sl_delete()
 {
-    NodegraphView *view = tabs->current();
-    if (!view)
-        return;
-    NodegraphScene *scene = view->nodegraphScene();
-    const bool many = scene->selectedNodes().size() > 1;
-    if (many)
-        tabs->hideStoryOf(scene);
-    scene->deleteSelectedNodes(nullptr);
-    if (many) {
-        tabs->showStoryOf(scene);
-        overviewerScene_->showStory(scene->story());
-    }
+    if (NodegraphView *view = tabs->current())
+        view->nodegraphScene()->deleteSelectedNodes(nullptr);
 }
 
 void MainWindow::sl_setEndOfStory()

@@ -5,6 +5,7 @@
 #include "app/storytabs.h"
 #include "app/wholefile.h"
 #include "scene/nodegraphscene.h"
+#include "scene/storypublishing.h"
 #include "view/nodegraphview.h"
 
 #include <QCryptographicHash>
@@ -12,6 +13,7 @@
 #include <QLoggingCategory>
 
 #include <numeric>
+#include <optional>
 
 namespace {
 
@@ -101,21 +103,25 @@ Opening SceneDocument::loadFrom(const QString &file, const std::function<void()>
 
 Opening SceneDocument::read(const QString &file, const QByteArray &content)
 {
-    const auto make = [this](int count) {
+    // The story that is listed in the end is told once, after those of the other tabs.
+    NodegraphView *shown = nullptr;
+    std::optional<StoryPublishing::Step> last;
+    const auto make = [&](int count) {
         tabs.add(count);
+        shown = tabs.current();
+        if (shown)
+            last.emplace(shown->nodegraphScene()->publishing());
         return scenesOf(tabs);
     };
-    const auto fill = [this](NodegraphScene &scene, QDataStream &stream) {
-        tabs.hideStoryOf(&scene);
+    const auto fill = [](NodegraphScene &scene, QDataStream &stream) {
         const Damage damage = scene.load(stream);
-        tabs.showStoryOf(&scene);
         for (QGraphicsView *view : scene.views())
             view->viewport()->update();
         return damage;
     };
     Opening opening = DocumentFormat::read(file, content, make, fill);
-    if (NodegraphView *view = tabs.current())
-        view->nodegraphScene()->updateStory();
+    if (shown)
+        shown->nodegraphScene()->updateStory();
     return opening;
 }
 

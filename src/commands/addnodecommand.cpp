@@ -3,6 +3,7 @@
 #include "commands/delnodecommand.h"
 #include "items/node.h"
 #include "scene/nodegraphscene.h"
+#include "scene/storypublishing.h"
 
 #include <QObject>
 
@@ -17,6 +18,7 @@ AddNodeCommand::~AddNodeCommand() = default;
 
 void AddNodeCommand::redo()
 {
+    const StoryPublishing::Step step(scene->publishing());
     if (removal)
         bringBack();
     else
@@ -53,6 +55,7 @@ void AddNodeCommand::rememberFormerEnd(const Node *former, const Node *node)
 
 void AddNodeCommand::undo()
 {
+    const StoryPublishing::Step step(scene->publishing());
     Node *node = scene->findNodeByIndex(index);
     if (!node)
         return;

@@ -4,6 +4,7 @@
 #include "items/node.h"
 #include "items/nodedata.h"
 #include "scene/nodegraphscene.h"
+#include "scene/storypublishing.h"
 
 #include <QObject>
 
@@ -68,6 +69,7 @@ void DelNodeCommand::captureAgain()
 
 void DelNodeCommand::redo()
 {
+    const StoryPublishing::Step step(scene->publishing());
     node = meantNode();
     if (!node)
         return;
@@ -78,6 +80,7 @@ void DelNodeCommand::redo()
 
 void DelNodeCommand::undo()
 {
+    const StoryPublishing::Step step(scene->publishing());
     undone = true;
     const bool endIsFree = scene->endOfStoryNode() == nullptr;
     // The payload itself is items and texts; a graph that is emptied would make one for each event.

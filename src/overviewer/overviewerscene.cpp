@@ -1,6 +1,8 @@
 #include "overviewer/overviewerscene.h"
 
 #include "overviewer/panelobserver.h"
+#include "scene/nodegraphscene.h"
+#include "scene/storypublishing.h"
 
 #include <QBrush>
 #include <QDebug>
@@ -15,6 +17,13 @@ namespace {
 const QRectF emptyPanel(0, 0, 1, 1);
 
 constexpr std::size_t firstScreen = 30; // entries that are made at once
+
+/// Whether the node's graph is about to tell its story, for which all entries are made anew.
+bool isStoryToCome(const Node &node)
+{
+    auto *graph = dynamic_cast<NodegraphScene *>(node.scene());
+    return graph && graph->publishing().isStoryToCome();
+}
 } // namespace
 
 OverViewerScene::OverViewerScene()
@@ -39,10 +48,12 @@ void OverViewerScene::rebuildOvNodes()
             list->add(node);
     }
     makeFirstEntries();
-    qInfo() << "No of ovnodes now: " << rows().size();
+    tellCount();
     layoutOvNodes();
     keyboard.resume();
 }
+
+void OverViewerScene::tellCount() const { qInfo() << "No of ovnodes now: " << rows().size(); }
 
 /// Those that are seen first, and those that the keyboard and the mark have been waiting for.
 void OverViewerScene::makeFirstEntries()
@@ -206,7 +217,11 @@ void OverViewerScene::sl_importanceChanged(Node *node, bool isImportant)
         qInfo() << "Setting importance";
         entry->setImportant(isImportant);
     }
-    rebuildOvNodes();
+    // Thousands of important events may be pasted at one go.
+    if (isStoryToCome(*node))
+        tellCount();
+    else
+        rebuildOvNodes();
 }
 
 void OverViewerScene::sl_setFilter_important(bool show)

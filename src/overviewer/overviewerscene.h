@@ -76,6 +76,7 @@ protected:
 
 private:
     void rebuildOvNodes();
+    void tellCount() const;
     OvNode *makeEntry(const PanelRow &row);
     void makeFirstEntries();
     void clearOvNodes();

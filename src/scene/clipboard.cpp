@@ -8,7 +8,6 @@
 
 #include <QDebug>
 
-#include <algorithm>
 #include <cmath>
 #include <map>
 #include <set>
@@ -168,12 +167,12 @@ void Clipboard::copy()
 {
     qInfo() << "Copying";
     // What was cut and never pasted would otherwise stay out of sight for good.
-    for (Node *source : sources)
+    for (Node *source : remembered())
         setNodeShown(scene, source, true);
     sources.clear();
     if (Node *current = scene.currentNode()) {
         qInfo() << "Copying node " << current->getIndex();
-        sources.push_back(current);
+        sources.add(current);
     } else {
         sources = scene.selectedNodes();
     }
@@ -183,16 +182,16 @@ void Clipboard::cut()
 {
     copy();
     cutPending = true;
-    for (Node *source : sources)
+    for (Node *source : remembered())
         setNodeShown(scene, source, false);
 }
 
 void Clipboard::paste(const QPointF &target)
 {
-    if (sources.empty() && !scene.currentNode())
+    if (sources.isEmpty() && !scene.currentNode())
         return;
     qInfo() << "Pasting";
-    const std::vector<Node *> originals = sources; // they are forgotten one by one as they are deleted
+    const std::vector<Node *> originals = remembered(); // they are forgotten one by one as they are deleted
     Paste paste(scene, originals);
     paste.duplicateAll(target);
     paste.join();
@@ -215,11 +214,4 @@ void Clipboard::deleteOriginals(const std::vector<Node *> &originals)
         if (scene.isMember(source))
             setNodeShown(scene, source, true);
     }
-}
-
-void Clipboard::forget(const Node *node)
-{
-    const auto found = std::find(sources.begin(), sources.end(), node);
-    if (found != sources.end())
-        sources.erase(found);
 }

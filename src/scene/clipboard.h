@@ -1,5 +1,7 @@
 #pragma once
 
+#include "scene/nodelist.h"
+
 #include <vector>
 
 class MassRemoval;
@@ -24,17 +26,17 @@ public:
     /// from it; the sources are deleted and forgotten. With nothing remembered there is nothing to see.
     void paste(const QPointF &target);
 
-    const std::vector<Node *> &remembered() const { return sources; }
+    const std::vector<Node *> &remembered() const { return sources.nodes(); }
     /// Whether anything has ever been cut; a paste does not ask.
     bool isCutPending() const { return cutPending; }
     /// The node is dying.
-    void forget(const Node *node);
+    void forget(const Node *node) { sources.remove(node); }
 
 private:
     void deleteOriginals(const std::vector<Node *> &originals);
 
     NodegraphScene &scene;
     MassRemoval &removal;
-    std::vector<Node *> sources;
+    NodeList sources;
     bool cutPending = false;
 };

@@ -15,6 +15,7 @@
 #include "scene/rubberband.h"
 #include "scene/scenerecords.h"
 #include "scene/storychain.h"
+#include "scene/storypublishing.h"
 #include "scene/textfocus.h"
 #include "scene/viewroom.h"
 
@@ -50,8 +51,9 @@ QColor veilColour()
 /// None of them knows of the others but by what it is given here.
 struct NodegraphScene::Parts
 {
-    Parts(NodegraphScene &scene, const SceneRecords::NodeMaking &makeForRecord, const HandOut &out)
-        : handOut(out), removal(scene), drag(scene, out), band(scene, veilColour()),
+    Parts(NodegraphScene &scene, const SceneRecords::NodeMaking &makeForRecord, const HandOut &out,
+          const std::function<void()> &tellStory)
+        : handOut(out), removal(scene), publishing(tellStory), drag(scene, out), band(scene, veilColour()),
           clipboard(scene, removal), deletion(scene, removal, out), records(scene, makeForRecord, out)
     {}
 
@@ -59,6 +61,7 @@ struct NodegraphScene::Parts
     MassRemoval removal;
     Connector connector{removal};
     StoryChain story;
+    StoryPublishing publishing;
     ConnectionDrag drag;
     RubberBand band;
     Clipboard clipboard;
@@ -85,7 +88,13 @@ NodegraphScene::NodegraphScene()
         updateStory();
         return findNodeByIndex(provisionalIndex);
     };
-    parts = std::make_unique<Parts>(*this, makeForRecord, handOut);
+    // Whoever does not listen need not have the story known each time.
+    const auto tellStory = [this] {
+        static const QMetaMethod published = QMetaMethod::fromSignal(&NodegraphScene::s_updateStory);
+        if (isSignalConnected(published))
+            emit s_updateStory(story());
+    };
+    parts = std::make_unique<Parts>(*this, makeForRecord, handOut, tellStory);
     qRegisterMetaType<std::vector<Node *>>("std::vector<Node*>");
     setBackgroundBrush(backgroundColour());
     setSceneRect(QRectF(0, 0, canvasSize, canvasSize));
@@ -95,7 +104,7 @@ NodegraphScene::~NodegraphScene()
 {
     // The base would take the items out from the front.
     std::vector<QGraphicsItem *> all;
-    for (Node *node : nodes_) {
+    for (Node *node : nodes()) {
         all.push_back(node);
         if (ConnectionLine *line = node->inLine())
             all.push_back(line);
@@ -122,7 +131,7 @@ void NodegraphScene::sl_addEventNode() { addEvent(); }
 
 void NodegraphScene::addEvent()
 {
-    const bool wasEmpty = nodes_.empty();
+    const bool wasEmpty = nodes_.isEmpty();
     Node *added = addNodeAt(placeOfPointer(*this, parts->mouse), 0, -1);
     if (!added)
         return;
@@ -136,13 +145,13 @@ void NodegraphScene::addEvent()
 
 Node *NodegraphScene::addNodeAt(QPointF pos, int type, int index, int markFrom)
 {
-    const std::size_t before = nodes_.size();
+    const std::size_t before = nodes().size();
     const int wanted = index == -1 ? parts->nodeCounter : index;
     auto command = std::make_unique<AddNodeCommand>(this, pos, wanted, type, QString());
     if (markFrom != -1)
         command->willTakeMarkFrom(markFrom);
     parts->handOut(std::move(command));
-    return nodes_.size() == before ? nullptr : nodes_.back(); // it may have got another index
+    return nodes().size() == before ? nullptr : nodes().back(); // it may have got another index
 }
 
 void NodegraphScene::createNode(QPointF pos, int index, int type, const NodeData *data, const QString &name)
@@ -171,7 +180,7 @@ Node *NodegraphScene::buildNode(QPointF pos, int index, int type, const NodeData
     connect(node, SIGNAL(s_changed(Node*)), this, SLOT(sl_nodeChanged(Node*)));
     connect(node, SIGNAL(s_indexChanged(Node*,int)), this, SLOT(sl_nodeIndexChanged(Node*,int)));
     connect(node, SIGNAL(s_importanceChanged(Node*,bool)), this, SLOT(sl_importanceChanged(Node*,bool)));
-    nodes_.push_back(node);
+    nodes_.add(node);
     parts->nodesByIndex.insert(node, node->getIndex());
     ++parts->nodeCounter;
     node->placeAt(pos);
@@ -196,7 +205,7 @@ void NodegraphScene::attachToCurrentNode(Node *newNode)
         newNode->setSelected(true);
     }
     Node *only = newNode ? newNode : currentNode_;
-    if (nodes_.size() == 1 && only)
+    if (nodes().size() == 1 && only)
         setEndOfStory(only);
 }
 
@@ -244,7 +253,11 @@ void NodegraphScene::sl_manualNodeConnect(Socket *socket) { parts->drag.dropOn(s
 
 // Deleting
 
-void NodegraphScene::deleteSelectedNodes(Node *node) { parts->deletion.deleteSelected(node); }
+void NodegraphScene::deleteSelectedNodes(Node *node)
+{
+    const StoryPublishing::Step step(parts->publishing);
+    parts->deletion.deleteSelected(node);
+}
 
 void NodegraphScene::deleteNode(Node *node)
 {
@@ -267,11 +280,8 @@ void NodegraphScene::deleteNode(Node *node)
 /// The one place where a dying node leaves everything that the scene remembers.
 void NodegraphScene::forgetNode(Node *node)
 {
-    for (std::vector<Node *> *list : {&nodes_, &selectedNodes_}) {
-        const auto found = std::find(list->begin(), list->end(), node);
-        if (found != list->end())
-            list->erase(found);
-    }
+    nodes_.remove(node);
+    selectedNodes_.remove(node);
     parts->nodesByIndex.remove(node);
     parts->clipboard.forget(node);
     if (currentNode_ == node)
@@ -282,6 +292,7 @@ void NodegraphScene::forgetNode(Node *node)
 
 void NodegraphScene::clear()
 {
+    const StoryPublishing::Step step(parts->publishing);
     parts->deletion.deleteAll();
     selectedNodes_.clear();
     parts->band.end();
@@ -299,11 +310,10 @@ void NodegraphScene::updateStory()
     parts->story.change();
     if (!endOfStoryNode())
         qInfo() << "No storyNode";
-    // Emptying a graph changes its story with every event; if nobody listens it need not be known each time.
-    static const QMetaMethod published = QMetaMethod::fromSignal(&NodegraphScene::s_updateStory);
-    if (isSignalConnected(published))
-        emit s_updateStory(story());
+    parts->publishing.storyChanged();
 }
+
+StoryPublishing &NodegraphScene::publishing() { return parts->publishing; }
 
 void NodegraphScene::setEndOfStoryNode()
 {
@@ -365,7 +375,11 @@ void NodegraphScene::copyNodes() { parts->clipboard.copy(); }
 
 void NodegraphScene::cutNodes() { parts->clipboard.cut(); }
 
-void NodegraphScene::pasteNodes() { parts->clipboard.paste(placeOfPointer(*this, parts->mouse)); }
+void NodegraphScene::pasteNodes()
+{
+    const StoryPublishing::Step step(parts->publishing);
+    parts->clipboard.paste(placeOfPointer(*this, parts->mouse));
+}
 
 void NodegraphScene::saveSceneToFile(QDataStream &stream) { parts->records.write(stream); }
 
@@ -373,6 +387,7 @@ void NodegraphScene::loadSceneFromFile(QDataStream &stream) { load(stream); }
 
 Damage NodegraphScene::load(QDataStream &stream)
 {
+    const StoryPublishing::Step step(parts->publishing);
     const Damage damage = parts->records.read(stream);
     frameSelectedNodes();
     return damage;
@@ -395,15 +410,15 @@ void NodegraphScene::setCurrentNode(Node *node)
 void NodegraphScene::selectAll()
 {
     selectedNodes_.clear();
-    for (Node *node : nodes_)
+    for (Node *node : nodes())
         node->setSelected(true);
-    selectedNodes_ = nodes_;
+    selectedNodes_ = nodes();
 }
 
 void NodegraphScene::deselectAll()
 {
     selectedNodes_.clear();
-    for (Node *node : nodes_)
+    for (Node *node : nodes())
         node->setSelected(false);
 }
 
@@ -414,7 +429,7 @@ void NodegraphScene::frameSelectedNodes()
     if (currentNode_) {
         bounds = sceneRectOf(currentNode_);
     } else {
-        const std::vector<Node *> &framed = selectedNodes_.empty() ? nodes_ : selectedNodes_;
+        const std::vector<Node *> &framed = selectedNodes().empty() ? nodes() : selectedNodes();
         for (const Node *node : framed)
             bounds |= sceneRectOf(node);
     }
@@ -454,13 +469,15 @@ void NodegraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
         parts->drag.moveTo(parts->mouse.value_or(QPointF()));
     if (parts->band.isActive()) {
         parts->band.stretchTo(event->scenePos());
-        parts->band.catchFrom(nodes_, selectedNodes_);
+        std::vector<Node *> caught = selectedNodes();
+        parts->band.catchFrom(nodes(), caught);
+        selectedNodes_ = caught;
     }
     // The framework repaints for a band or line only where it is and was in the view, and reckons that in
     // whole numbers: at the scale of a damaged file's places it reckons wrongly.
     if (parts->band.isActive() || parts->drag.hasLine())
         update();
-    for (Node *node : selectedNodes_)
+    for (Node *node : selectedNodes())
         node->reportSocketPlaces();
     QGraphicsScene::mouseMoveEvent(event);
 }
@@ -476,7 +493,7 @@ void NodegraphScene::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
     // While nodes are dragged their lines are one step behind; when they are dropped every line must be
     // exact. That goes for all nodes: what is dragged may have been cut, deselected or joined by new events
     // since the press.
-    for (Node *node : nodes_)
+    for (Node *node : nodes())
         node->updateLines();
     QGraphicsScene::mouseReleaseEvent(event);
 }
@@ -510,5 +527,5 @@ void NodegraphScene::adaptDetail()
 {
     const QList<QGraphicsView *> all = views();
     if (!all.isEmpty())
-        parts->detail.apply(*all.first(), nodes_);
+        parts->detail.apply(*all.first(), nodes());
 }

@@ -4,6 +4,7 @@
 #include "items/node.h"
 #include "items/promptscene.h"
 #include "items/socket.h"
+#include "scene/nodelist.h"
 
 #include <memory>
 #include <vector>
@@ -12,6 +13,7 @@ class NodeData;
 class QDataStream;
 struct Damage;
 class QUndoCommand;
+class StoryPublishing;
 
 Q_MOC_INCLUDE(<QUndoCommand>)
 Q_MOC_INCLUDE(<QDataStream>)
@@ -30,9 +32,9 @@ public:
     ~NodegraphScene() override;
 
     /// All nodes in the order of their creation; owned by this scene.
-    const std::vector<Node *> &nodes() const { return nodes_; }
+    const std::vector<Node *> &nodes() const { return nodes_.nodes(); }
     /// What select all and the rubber band have collected; not the items' own selected state.
-    const std::vector<Node *> &selectedNodes() const { return selectedNodes_; }
+    const std::vector<Node *> &selectedNodes() const { return selectedNodes_.nodes(); }
     const std::vector<Node *> &story() const; // from the first event to the end
     /// The node that last reported itself pressed, null when there is none.
     Node *currentNode() const { return currentNode_; }
@@ -66,8 +68,10 @@ public:
     /// Reads one tab's block of a document into this scene, which must be empty; tells what was not there.
     Damage load(QDataStream &stream);
 
-    /// Computes the story anew and publishes it.
+    /// Computes the story anew and publishes it, within a step at the end of that.
     void updateStory();
+    /// For those who change the story in steps: all that one of them changes is published once.
+    StoryPublishing &publishing();
     /// Moves the end-of-story mark to the current node, if there is one, or to `node`, which is not null.
     void setEndOfStoryNode();
     void setEndOfStory(Node *node);
@@ -125,8 +129,8 @@ private:
     void attachToCurrentNode(Node *newNode);
     void forgetNode(Node *node);
 
-    std::vector<Node *> nodes_;
-    std::vector<Node *> selectedNodes_;
+    NodeList nodes_;
+    NodeList selectedNodes_;
     Node *currentNode_ = nullptr;
     struct Parts; // each with a state of its own
     std::unique_ptr<Parts> parts;

@@ -14,6 +14,7 @@ private slots:
     void importanceComesAndGoesAtTheStoryPosition();
     void importanceChangeRebuilds_data();
     void importanceChangeRebuilds();
+    void importanceOfPastedEventsWaitsForTheirStory();
 
     void updatedNodeIsRefreshed();
     void updatedNodeOutsideTheStoryIsIgnored();
@@ -107,6 +108,26 @@ void tst_OverViewerScene_Changes::importanceChangeRebuilds()
     QCOMPARE(capture.lines(), log);
     QVERIFY(allGone(old));
     QCOMPARE(indices(story.panel), QList<int>({0, 1}));
+}
+
+// With each of them the whole panel was made anew, so that pasting took time by the square of their number.
+void tst_OverViewerScene_Changes::importanceOfPastedEventsWaitsForTheirStory()
+{
+    Story story(3);
+    for (Node *node : story.nodes)
+        story.graph.toggleImportance(node);
+    story.graph.sl_deselectCurrentNode();
+    story.graph.selectAll();
+    story.graph.copyNodes();
+    const auto old = watch(story.panel);
+    QVector<bool> gone;
+    connect(&story.graph, &NodegraphScene::s_importanceChanged, this, [&] { gone << !old[0]; });
+    const LogCapture log;
+    story.graph.pasteNodes();
+    QCOMPARE(gone, QVector<bool>(3, false));
+    QCOMPARE(log.lines().filter(u"No of ovnodes now:"_s), QStringList(4, u"No of ovnodes now:  3"_s));
+    QVERIFY(allGone(old));
+    QCOMPARE(indices(story.panel), QList<int>({3, 4, 5}));
 }
 
 void tst_OverViewerScene_Changes::updatedNodeIsRefreshed()
