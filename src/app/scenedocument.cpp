@@ -2,6 +2,7 @@
 
 #include "app/documentformat.h"
 #include "app/durablefile.h"
+#include "app/heap.h"
 #include "app/storytabs.h"
 #include "app/wholefile.h"
 #include "scene/nodegraphscene.h"
@@ -94,10 +95,11 @@ Opening SceneDocument::loadFrom(const QString &file, const std::function<void()>
     if (leaving)
         leaving();
     qInfo() << "Clearing tabs";
-    clear();
+    tabs.closeAll();
     onDisk = hashOf(whole.content());
     Opening opening = read(file, whole.content());
     keptAt = file;
+    giveMemoryBack();
     return opening;
 }
 
@@ -129,4 +131,5 @@ void SceneDocument::clear()
 {
     tabs.closeAll();
     keptAt.clear();
+    giveMemoryBack();
 }

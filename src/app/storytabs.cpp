@@ -2,6 +2,7 @@
 
 #include "app/tabsaside.h"
 #include "overviewer/overviewerscene.h"
+#include "scene/clearinglog.h"
 #include "scene/nodegraphscene.h"
 #include "view/nodegraphview.h"
 
@@ -29,7 +30,8 @@ void StoryTabs::add()
     tabs->setTabsClosable(true);
 
     NodegraphScene *scene = view->nodegraphScene();
-    showStoryOf(scene);
+    QObject::connect(scene, SIGNAL(s_updateStory(std::vector<Node*>)), panel,
+                                   SLOT(sl_recieveNodes(std::vector<Node*>)));
     QObject::connect(scene, SIGNAL(s_updateNode(Node*)), panel, SLOT(sl_updatedNode(Node*)));
     QObject::connect(panel, SIGNAL(s_nodeChanged(QGraphicsItem*,int)), scene,
                                    SLOT(sl_ovNodeChanged(QGraphicsItem*,int)));
@@ -73,10 +75,8 @@ void StoryTabs::close(NodegraphView *view)
 void StoryTabs::closeAll()
 {
     panel->showStory({});
-    for (const NodegraphView *view : all) {
-        hideStoryOf(view->nodegraphScene());
-        view->nodegraphScene()->clear();
-    }
+    for (const NodegraphView *view : all)
+        logClearing(*view->nodegraphScene());
     const TabsAside aside(tabs, tabs->count());
     while (tabs->count() > 0) {
         const int place = aside.nextToGo();
@@ -85,16 +85,4 @@ void StoryTabs::closeAll()
         delete page;
     }
     all.clear();
-}
-
-void StoryTabs::showStoryOf(NodegraphScene *scene) const
-{
-    QObject::connect(scene, SIGNAL(s_updateStory(std::vector<Node*>)), panel,
-                                   SLOT(sl_recieveNodes(std::vector<Node*>)), Qt::UniqueConnection);
-}
-
-void StoryTabs::hideStoryOf(NodegraphScene *scene) const
-{
-    QObject::disconnect(scene, SIGNAL(s_updateStory(std::vector<Node*>)), panel,
-                                      SLOT(sl_recieveNodes(std::vector<Node*>)));
 }

@@ -4,7 +4,6 @@
 
 #include <vector>
 
-class NodegraphScene;
 class NodegraphView;
 class OverViewerScene;
 class QTabWidget;
@@ -32,13 +31,8 @@ public:
     void add(int count);
     /// Takes that tab away; its view is destroyed soon after.
     void close(NodegraphView *view);
-    /// Empties all stories, one after the other, and takes all tabs away.
+    /// Takes all tabs away with their stories, which go as they are; the log tells of each event.
     void closeAll();
-
-    /// Whether the panel is told when that story changes; it is from the start. Emptying or filling a graph
-    /// of n events changes its story several times n times, and the panel is made anew each time.
-    void showStoryOf(NodegraphScene *scene) const;
-    void hideStoryOf(NodegraphScene *scene) const;
 
 private:
     QTabWidget *tabs;

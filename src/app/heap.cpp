@@ -1,0 +1,14 @@
+#include "app/heap.h"
+
+#include <QtGlobal>
+
+#ifdef Q_OS_LINUX
+#include <malloc.h>
+#endif
+
+void giveMemoryBack()
+{
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
+}
