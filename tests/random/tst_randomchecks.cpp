@@ -10,8 +10,8 @@
 // The checks that the random edits rely on are checked themselves: each finds the damage that is made here on
 // purpose, and nothing else.
 
-using Damage = std::function<void(NodegraphScene &)>;
-Q_DECLARE_METATYPE(Damage)
+using Tampering = std::function<void(NodegraphScene &)>;
+Q_DECLARE_METATYPE(Tampering)
 
 class tst_RandomChecks : public QObject
 {
@@ -48,9 +48,9 @@ void tst_RandomChecks::aSoundWindowHasNoFault()
 
 void tst_RandomChecks::damageToASceneIsFound_data()
 {
-    QTest::addColumn<Damage>("damage");
+    QTest::addColumn<Tampering>("damage");
     QTest::addColumn<QString>("fault");
-    const auto row = [](const char *name, const Damage &damage, const char *fault) {
+    const auto row = [](const char *name, const Tampering &damage, const char *fault) {
         QTest::newRow(name) << damage << QString::fromLatin1(fault);
     };
     row(
@@ -125,7 +125,7 @@ void tst_RandomChecks::damageToASceneIsFound_data()
 void tst_RandomChecks::damageToASceneIsFound()
 {
     StoryWindow story;
-    QFETCH(Damage, damage);
+    QFETCH(Tampering, damage);
     QFETCH(QString, fault);
     damage(story.scene);
     QCOMPARE(Invariants::faultOfScene(story.scene, false), fault);
