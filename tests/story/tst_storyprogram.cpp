@@ -40,7 +40,7 @@ void tst_StoryProgram::wrongUseIsOneLine_data()
     row("show", "which file is to be shown?");
     row("show --frob @", "Unknown option 'frob'.");
     row("show /nowhere/x.scene", "/nowhere/x.scene: No such file or directory");
-    row("show /", "/: is no file");
+    row("show /", "/: it is no file");
     row("check", "which file is to be checked?");
     row("check /nowhere/x.scene", "/nowhere/x.scene: No such file or directory");
     row("export", "one FILE is to be exported, not 0");

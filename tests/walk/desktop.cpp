@@ -67,8 +67,8 @@ bool Desktop::startServer()
     server.start(QStringLiteral("Xvfb"),
                  {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
                   QStringLiteral("0"), size, QStringLiteral("-fbdir"), homePath(QStringLiteral("screen")),
-                  QStringLiteral("-nolisten"), QStringLiteral("tcp"), QStringLiteral("-noreset"),
-                  QStringLiteral("-r")});
+                  QStringLiteral("-nocursor"), QStringLiteral("-nolisten"), QStringLiteral("tcp"),
+                  QStringLiteral("-noreset"), QStringLiteral("-r")});
     if (!server.waitForStarted())
         return fail(QStringLiteral("Xvfb: ") + server.errorString());
     QByteArray number;

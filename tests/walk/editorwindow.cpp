@@ -219,7 +219,14 @@ bool EditorWindow::dialogIsActive(const QString &title) const
 
 bool EditorWindow::key(const QString &keys) const { return hasKeyboard() && desktop.key(keys); }
 
-bool EditorWindow::clickEmptyCanvas() const { return desktop.click(canvas.bottomLeft() + QPoint(20, -20)); }
+bool EditorWindow::clickEmptyCanvas() const { return desktop.click(canvas.topLeft() + QPoint(20, 20)); }
+
+bool EditorWindow::noticeHasGone() const
+{
+    const QRgb ground = qRgb(30, 70, 50); // of good news, which go by themselves
+    return eventually(
+        [&] { return desktop.screenshot().pixel(canvas.bottomLeft() + QPoint(4, -4)) != ground; });
+}
 
 bool EditorWindow::replaceTitle(const EventBox &box, const QString &text) const
 {

@@ -74,6 +74,8 @@ public:
     /// Each returns whether it could be done.
     bool key(const QString &keys) const;
     bool clickEmptyCanvas() const;
+    /// What tells of a save at the lower edge of the canvas is not shown, or not any more.
+    bool noticeHasGone() const;
     bool replaceTitle(const EventBox &box, const QString &text) const;
     bool writeDescription(const EventBox &box, const QString &text) const;
     bool pressTabButton() const;

@@ -61,7 +61,7 @@ bool ScreenCheck::isPaintedAnew(int window) const
 QString ScreenCheck::fault() const
 {
     QImage before;
-    if (!comesToRest(before))
+    if (!editor.noticeHasGone() || !comesToRest(before))
         return QStringLiteral("the screen does not come to rest");
     if (!isPaintedAnew(desktop.windowWithTitle(Program::title())))
         return QStringLiteral("the window does not follow its size");
