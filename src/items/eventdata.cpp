@@ -78,15 +78,15 @@ void EventData::sl_isChanged() { noteChange(); }
 
 void EventData::sl_saveToFile(QDataStream &stream)
 {
-    qInfo() << "Saving event data";
+    qInfo("Saving event data");
     stream << description->text();
 }
 
 void EventData::sl_openFromFile(QDataStream &stream)
 {
-    qInfo() << "Opening event data";
+    qInfo("Opening event data");
     QString text;
     stream >> text;
     description->setText(text);
-    qInfo() << "SetEventData";
+    qInfo("SetEventData");
 }

@@ -11,9 +11,9 @@ NodeData::NodeData(int dataType, QGraphicsItem *parent, TextMaking making) : typ
     if (type != 0)
         return;
     auto *event = new EventData(this, making);
-    connect(this, SIGNAL(s_saveToFile(QDataStream&)), event, SLOT(sl_saveToFile(QDataStream&)));
-    connect(this, SIGNAL(s_openFromFile(QDataStream&)), event, SLOT(sl_openFromFile(QDataStream&)));
-    connect(event, SIGNAL(s_isChanged()), this, SLOT(sl_dataChanged()));
+    connect(this, &NodeData::s_saveToFile, event, &EventData::sl_saveToFile);
+    connect(this, &NodeData::s_openFromFile, event, &EventData::sl_openFromFile);
+    connect(event, &EventData::s_isChanged, this, &NodeData::sl_dataChanged);
     content_ = event;
 }
 

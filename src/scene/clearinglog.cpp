@@ -28,7 +28,7 @@ private:
 void Departure::tellStory() const
 {
     if (!end)
-        qInfo() << "No storyNode";
+        qInfo("No storyNode");
 }
 
 void Departure::part(const Node *node) const
@@ -54,7 +54,7 @@ void Departure::leave(const Node *node)
 
 void Departure::leaveByCommand(const Node *node)
 {
-    qInfo() << "Del";
+    qInfo("Del");
     leave(node);
 }
 
@@ -67,7 +67,7 @@ void logClearing(const NodegraphScene &graph)
     for (const Node *node : graph.nodes()) {
         if (departure.hasLeft(node))
             continue;
-        qInfo() << "clearing scene";
+        qInfo("clearing scene");
         if (!isSelectionLeft) {
             departure.leaveByCommand(node);
             continue;

@@ -37,7 +37,7 @@ void NodeDeletion::deleteAll()
     for (Node *node : all) {
         if (!scene.isMember(node)) // the first deletion takes the whole selection with it
             continue;
-        qInfo() << "clearing scene";
+        qInfo("clearing scene");
         deleteSelected(node);
     }
     while (!scene.nodes().empty()) // nobody took the commands
@@ -46,7 +46,7 @@ void NodeDeletion::deleteAll()
 
 void NodeDeletion::deleteByCommand(const Node *node)
 {
-    qInfo() << "Del";
+    qInfo("Del");
     handOut(std::make_unique<DelNodeCommand>(&scene, node->pos(), node->getIndex(), node->payload(),
                                              node->title()));
 }

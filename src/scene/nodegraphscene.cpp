@@ -309,7 +309,7 @@ void NodegraphScene::updateStory()
 {
     parts->story.change();
     if (!endOfStoryNode())
-        qInfo() << "No storyNode";
+        qInfo("No storyNode");
     parts->publishing.storyChanged();
 }
 

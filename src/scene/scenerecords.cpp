@@ -82,7 +82,7 @@ void SceneRecords::write(QDataStream &stream) const
         Node *node = nodes[position];
         if (node->getType() == 0)
             stream << QStringLiteral("Event");
-        qInfo() << "Serializing node";
+        qInfo("Serializing node");
         node->saveToStream(stream);
     }
 }
@@ -112,7 +112,7 @@ SceneRecords::Loaded SceneRecords::readEvents(QDataStream &stream, int count, Da
             damage.incompleteEvents += count - i;
             break;
         }
-        qInfo() << "deserializing node";
+        qInfo("deserializing node");
         const QDataStream::Status before = stream.status();
         QString typeTag; // every node is an event, whatever the tag says
         stream >> typeTag;
