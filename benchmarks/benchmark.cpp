@@ -87,7 +87,11 @@ int main(int argc, char *argv[])
     const QCommandLineOption roundsOption(QStringLiteral("rounds"),
                                           QStringLiteral("How often each work is measured."),
                                           QStringLiteral("number"), QStringLiteral("7"));
-    parser.addOptions({eventsOption, jsonOption, roundsOption});
+    const QCommandLineOption partsOption(
+        QStringLiteral("parts"),
+        QStringLiteral("Measures only these: %1.").arg(Works::partNames().join(QLatin1String(", "))),
+        QStringLiteral("names"));
+    parser.addOptions({eventsOption, jsonOption, roundsOption, partsOption});
     parser.process(application);
 
     QVector<int> sizes;
@@ -97,11 +101,12 @@ int main(int argc, char *argv[])
             qFatal("not a number of events: %s", qPrintable(number));
         sizes << number.toInt();
     }
+    const QStringList partsWanted = parser.value(partsOption).split(QLatin1Char(','), Qt::SkipEmptyParts);
     // The speed of a machine changes during a run, so the unit is taken between the works.
     std::vector<double> units;
     QVector<Row> rows;
     for (const int events : std::as_const(sizes))
-        rows << Works(events, parser.value(roundsOption).toInt()).measured(units);
+        rows << Works(events, parser.value(roundsOption).toInt()).measured(partsWanted, units);
     const double unit = Measure::median(units);
     for (Row &row : rows) {
         if (row.kind == Row::Kind::time)

@@ -2,12 +2,37 @@
 """Compares two results of fablegrid_benchmark --json: compare.py before.json after.json
 
 Times are told in U, the unit that each run measured for itself, so that two runs can be compared although the
-machine was not equally fast. Ends with 1 if any work became slower by more than the tolerance (--tolerance 1.3).
+machine was not equally fast. What count.py has counted is compared by its instructions, which hold on any machine.
+Ends with 1 if any work became slower by more than the tolerance (--tolerance 1.3), or grows with the number of
+events by more than its goal.
 """
 
 import argparse
 import json
 import sys
+
+
+# How much more an edit may take among 10,000 events than among 1,000, in instructions.
+EDIT_GROWTH = 1.2
+EDITS = ("add", "undo of add", "delete", "undo of delete", "redo of delete", "importance on", "importance off",
+         "end of story", "end of story back", "filter on", "filter off", "disconnect", "connect")
+# How much more pasting ten times as many may take, in instructions: by their number, and a fifth.
+PASTE_GROWTH = 12
+PASTE = "cut and paste of {}"
+
+
+def growths(rows):
+    """Yields what grew, by how much, and the most that is wanted; nothing where instructions were not counted."""
+    def counted(work, events):
+        return rows.get((work, events), {}).get("instructions", 0)
+
+    for work in EDITS:
+        if counted(work, 1000) and counted(work, 10000):
+            yield f"{work}, 1,000 to 10,000", counted(work, 10000) / counted(work, 1000), EDIT_GROWTH
+    for events in sorted({events for _, events in rows}):
+        few, many = counted(PASTE.format(100), events), counted(PASTE.format(1000), events)
+        if few and many:
+            yield f"{PASTE.format('100 to 1,000')} among {events:,}", many / few, PASTE_GROWTH
 
 
 def read(path):
@@ -26,13 +51,15 @@ def main():
     unit_after, after = read(arguments.after)
 
     print(f"U = {unit_before * 1000:.1f} us before, {unit_after * 1000:.1f} us after")
-    print(f"{'work':34}{'events':>8}{'before':>12}{'after':>12}{'ratio':>8}")
+    print(f"{'work':34}{'events':>8}{'before':>16}{'after':>16}{'ratio':>8}")
     slower = 0
     for key in before:
         if key not in after:
             continue
         work, events = key
         measure = "units" if before[key]["units"] > 0 else "value"
+        if "instructions" in before[key] and "instructions" in after[key]:
+            measure = "instructions"
         first, second = before[key][measure], after[key][measure]
         if first <= 0:
             continue
@@ -41,10 +68,14 @@ def main():
         if ratio > arguments.tolerance:
             mark = "  slower"
             slower += 1
-        print(f"{work:34}{events:8}{first:12.1f}{second:12.1f}{ratio:8.2f}{mark}")
+        print(f"{work:34}{events:8}{first:16,.1f}{second:16,.1f}{ratio:8.2f}{mark}")
     for key in sorted(set(before) ^ set(after)):
         print(f"only in one of them: {key[0]}, {key[1]} events")
-    return 1 if slower else 0
+    beyond = 0
+    for what, growth, goal in growths(after):
+        print(f"growth of {what}: {growth:.2f}, goal {goal}" + ("  beyond" if growth > goal else ""))
+        beyond += growth > goal
+    return 1 if slower or beyond else 0
 
 
 if __name__ == "__main__":

@@ -85,15 +85,42 @@ void Works::addPair(const QString &there, const Step &go, const QString &back, c
     rows << Row{there, events, Measure::median(first)} << Row{back, events, Measure::median(second)};
 }
 
-QVector<Row> Works::measured(std::vector<double> &units)
+const std::vector<Works::Part> &Works::parts()
 {
-    for (const auto part :
-         {&Works::memory, &Works::documents, &Works::edits, &Works::editsBack, &Works::connections,
-          &Works::typing, &Works::looking, &Works::everything, &Works::pasting, &Works::emptying}) {
+    static const std::vector<Part> all{
+        {"memory", &Works::memory},    {"documents", &Works::documents},     {"edits", &Works::edits},
+        {"marks", &Works::editsBack},  {"connections", &Works::connections}, {"typing", &Works::typing},
+        {"looking", &Works::looking},  {"everything", &Works::everything},   {"pasting", &Works::pasting},
+        {"emptying", &Works::emptying}};
+    return all;
+}
+
+QStringList Works::partNames()
+{
+    QStringList names;
+    for (const Part &part : parts())
+        names << QString::fromLatin1(part.name);
+    return names;
+}
+
+QVector<Row> Works::measured(const QStringList &partsWanted, std::vector<double> &units)
+{
+    for (const Part &part : parts()) {
+        if (!partsWanted.isEmpty() && !partsWanted.contains(QLatin1String(part.name)))
+            continue;
+        if (!story && part.measure != &Works::memory)
+            openStory();
         units.push_back(Measure::unit());
-        (this->*part)();
+        (this->*part.measure)();
     }
     return rows;
+}
+
+void Works::openStory()
+{
+    story = std::make_unique<StoryWindow>();
+    story->window().loadFrom(path);
+    story->show();
 }
 
 /// First of all, while the process has not yet held anything larger.

@@ -15,17 +15,25 @@ class Works
 public:
     Works(int events, int rounds);
 
-    /// Appends the unit as it is before each part of the work.
-    QVector<Row> measured(std::vector<double> &units);
+    static QStringList partNames();
+    /// Those parts, all if none is named; appends the unit as it is before each of them.
+    QVector<Row> measured(const QStringList &partsWanted, std::vector<double> &units);
 
 private:
     using Step = std::function<void()>;
+    struct Part
+    {
+        const char *name;
+        void (Works::*measure)();
+    };
+    static const std::vector<Part> &parts();
 
     /// The median of all rounds; `before` is not measured.
     void add(const QString &work, const Step &before, const Step &step, int times = 0);
     double timed(const QString &work, const Step &step) const;
     void addPair(const QString &there, const Step &go, const QString &back, const Step &comeBack,
                  int times = 0);
+    void openStory();
     void memory();
     void documents();
     void pasting();
