@@ -323,6 +323,13 @@ void tst_MainWindowOpening::truncatedFileLeavesWhatWasRead()
             qPrintable(QStringLiteral("Damaged scene file: \"%1\" has a connection that closes a cycle, left "
                                       "out: event 0 \"%2\" fed by event 0 \"%2\"")
                            .arg(file, first.at(0))));
+    // The index is 0 as well, which another event has already.
+    if (refused > 0)
+        QTest::ignoreMessage(QtWarningMsg,
+                             qPrintable(QStringLiteral("Damaged scene file: \"%1\" has 1 events "
+                                                       "without an index of their own, given "
+                                                       "new ones")
+                                            .arg(file)));
     QCOMPARE(openFile(window, file), QString());
 
     QCOMPARE(tabTitles(window),
