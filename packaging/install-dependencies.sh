@@ -8,7 +8,7 @@
 # Silent and quick when nothing is missing. When something is and cannot be installed, says so and fails.
 set -euo pipefail
 
-run_packages=(g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools libqt6svg6 fonts-dejavu-core)
+run_packages=(g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools libqt6svg6 fonts-dejavu-core libcmark-dev)
 test_packages=(xvfb xauth openbox xdotool imagemagick x11-utils)
 lint_packages=(clang-14 clang-format-14 clang-tidy-14 clazy git)
 package_packages=(dpkg-dev fakeroot file git lintian desktop-file-utils appstream mandoc debootstrap)

@@ -161,9 +161,10 @@ void NodegraphScene::createNode(QPointF pos, int index, int type, const NodeData
     updateStory();
 }
 
-Node *NodegraphScene::restoreNode(QPointF pos, int index, int type, const NodeData *data, const QString &name)
+Node *NodegraphScene::restoreNode(QPointF pos, int index, int type, const NodeData *data, const QString &name,
+                                  TextMaking making)
 {
-    Node *node = buildNode(pos, index, type, data, name, TextMaking::atOnce);
+    Node *node = buildNode(pos, index, type, data, name, making);
     updateStory();
     return node;
 }

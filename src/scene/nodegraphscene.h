@@ -49,7 +49,8 @@ public:
     /// end-of-story mark. A taken index is replaced by a free one; `data`, which may be null, is copied.
     void createNode(QPointF pos, int index, int type, const NodeData *data, const QString &name);
     /// Makes a node just as told, whichever is current: for bringing back one that was there before.
-    Node *restoreNode(QPointF pos, int index, int type, const NodeData *data, const QString &name);
+    Node *restoreNode(QPointF pos, int index, int type, const NodeData *data, const QString &name,
+                      TextMaking making = TextMaking::atOnce);
     /// Adds a node by a command, null if nobody ran it; an `index` of -1 asks for the counter's value. The
     /// mark is taken from the node with the index `markFrom`, -1 for none.
     Node *addNodeAt(QPointF pos, int type, int index, int markFrom = -1);

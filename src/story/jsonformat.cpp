@@ -1,4 +1,5 @@
 #include "story/formats.h"
+#include "story/readings.h"
 #include "story/story.h"
 #include "story/storyformat.h"
 
@@ -72,6 +73,9 @@ public:
         };
         out.write(QJsonDocument(document).toJson());
     }
+
+    bool canRead() const override { return true; }
+    ImportResult read(const QByteArray &text, Story &story) const override { return readJson(text, story); }
 };
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "story/formats.h"
 #include "story/outline.h"
+#include "story/readings.h"
 #include "story/story.h"
 #include "story/storyformat.h"
 
@@ -63,6 +64,8 @@ QString escapedLine(const QString &line, Standing standing)
 /// A text as paragraphs, with every line and every empty line where it was.
 QString paragraphs(const QString &text)
 {
+    if (text.isEmpty())
+        return {};
     QString all;
     bool isInParagraph = false;
     int emptyLines = 0;
@@ -120,6 +123,12 @@ public:
             if (options.wants(int(i)))
                 writeTab(story.tabs[i], options, out);
         }
+    }
+
+    bool canRead() const override { return true; }
+    ImportResult read(const QByteArray &text, Story &story) const override
+    {
+        return readMarkdown(text, story);
     }
 
 private:

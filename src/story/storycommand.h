@@ -31,3 +31,4 @@ public:
 const StoryCommand &showCommand();
 const StoryCommand &exportCommand();
 const StoryCommand &checkCommand();
+const StoryCommand &importCommand();

@@ -28,6 +28,14 @@ struct ImportResult
 {
     QString trouble;   // why nothing could be read at all, else empty
     QStringList notes; // what was left out, one line each, with the number of the line in the text
+
+    /// What is known of where the events stand.
+    enum class Places {
+        none,   // they are to be laid out
+        wished, // unless they overlap
+        exact,  // whatever they are
+    };
+    Places places = Places::none;
 };
 
 /// One way to write a story into a file of another kind, or to read it from there.

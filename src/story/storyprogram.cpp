@@ -88,9 +88,6 @@ int runAny(const QStringList &arguments, Console &console)
 const std::vector<const StoryCommand *> &StoryProgram::commands()
 {
     static const std::vector<const StoryCommand *> all{
-        &showCommand(),
-        &exportCommand(),
-        &checkCommand(),
     };
     return all;
 }

@@ -1,0 +1,173 @@
+#include "app/documentformat.h"
+#include "story/console.h"
+#include "story/outputfile.h"
+#include "story/storycommand.h"
+#include "story/storyformat.h"
+#include "story/storyformats.h"
+#include "story/storygraph.h"
+#include "story/storylayout.h"
+#include "story/storyreader.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+QStringList namesOfReadable()
+{
+    QStringList names;
+    for (const StoryFormat *format : StoryFormats::all()) {
+        if (format->canRead())
+            names << format->name();
+    }
+    return names;
+}
+
+/// Makes stories of texts in other formats.
+class ImportCommand : public StoryCommand
+{
+    Q_DECLARE_TR_FUNCTIONS(ImportCommand)
+
+public:
+    QString name() const override { return QStringLiteral("import"); }
+    QString summary() const override { return tr("Makes a story of an outline or of data."); }
+    QString usage() const override { return tr("IN -o FILE"); }
+    QString example() const override
+    {
+        return QStringLiteral("fablegrid-story import outline.md -o novel.scene");
+    }
+    void addOptions(QCommandLineParser &parser) const override
+    {
+        parser.addOptions({
+            {{QStringLiteral("o"), QStringLiteral("output")},
+             tr("The story to write; - is the standard output."),
+             tr("FILE")},
+            {QStringLiteral("format"),
+             tr("One of %1; else by the name of IN.").arg(namesOfReadable().join(QLatin1Char(' '))),
+             tr("NAME")},
+            {QStringLiteral("into"),
+             tr("Adds the tabs behind those of the story FILE, which is written anew, or with -o stays as it "
+                "is."),
+             tr("FILE")},
+            {QStringLiteral("force"), tr("Replaces what -o names if it is there; adds to a damaged story.")},
+        });
+    }
+
+    int run(const QCommandLineParser &parser, Console &console) const override
+    {
+        const QStringList files = parser.positionalArguments();
+        if (files.size() != 1)
+            return refuse(console, {}, tr("one IN is to be imported, not %1").arg(files.size()));
+        const QString into = parser.value(QStringLiteral("into"));
+        const QString to = parser.value(QStringLiteral("output"));
+        const bool isForced = parser.isSet(QStringLiteral("force"));
+        const OutputFile output(to.isEmpty() ? into : to, isForced || to.isEmpty());
+        if (output.path().isEmpty())
+            return refuse(console, {}, tr("where to? -o FILE or --into FILE is missing"));
+        const QString formatName = parser.value(QStringLiteral("format"));
+        const StoryFormat *format =
+            formatName.isEmpty() ? StoryFormats::forFile(files.first()) : StoryFormats::named(formatName);
+        if (!format || !format->canRead())
+            return refuse(console, {}, formatTrouble(formatName, files.first()));
+        if (const QString trouble = output.refusal(); !trouble.isEmpty())
+            return refuse(console, output.path(), trouble);
+
+        StoryReader before;
+        if (!into.isEmpty()) {
+            if (const QString trouble = troubleWith(before, into, isForced); !trouble.isEmpty())
+                return refuse(console, into, trouble);
+        }
+        return import(files.first(), *format, before, output, console);
+    }
+
+private:
+    static int refuse(Console &console, const QString &file, const QString &trouble)
+    {
+        console.complain(file, trouble);
+        return Trouble;
+    }
+
+    static QString formatTrouble(const QString &name, const QString &path)
+    {
+        const QString readable = namesOfReadable().join(QLatin1Char(' '));
+        return name.isEmpty() ? tr("%1 does not say which format; --format NAME does: %2").arg(path, readable)
+                              : tr("the format \"%1\" cannot be imported, only %2").arg(name, readable);
+    }
+
+    /// What is damaged would be gone from the file when it is written anew.
+    static QString troubleWith(StoryReader &before, const QString &into, bool isForced)
+    {
+        if (QString trouble = before.read(into); !trouble.isEmpty())
+            return trouble;
+        return before.damage().isNone() || isForced
+                   ? QString()
+                   : tr("is damaged, as fablegrid-story check tells; --force adds to what can be read of it");
+    }
+
+    static int import(const QString &path, const StoryFormat &format, const StoryReader &before,
+                      const OutputFile &output, Console &console)
+    {
+        QFile file(path);
+        if (QFileInfo(path).isDir())
+            return refuse(console, path, tr("is a folder"));
+        if (!file.open(QIODevice::ReadOnly))
+            return refuse(console, path, file.errorString());
+        const QByteArray text = file.readAll();
+        if (file.error() != QFileDevice::NoError)
+            return refuse(console, path, file.errorString());
+        Story story;
+        ImportResult result = format.read(text, story);
+        if (!result.trouble.isEmpty())
+            return refuse(console, path, result.trouble);
+        if (story.tabs.empty() && result.places != ImportResult::Places::exact)
+            return refuse(console, path, tr("has no events"));
+
+        std::vector<StoryGraph> graphs;
+        for (const StoryTab &tab : story.tabs) {
+            graphs.emplace_back(tab);
+            if (!layOut(graphs.back(), tab, result))
+                return refuse(console, path, tr("has more than the canvas of one tab has room for"));
+            graphs.back().connect(tab);
+        }
+        for (const QString &note : std::as_const(result.notes))
+            console.complain(path, note);
+        std::vector<NodegraphScene *> scenes = before.scenes();
+        for (const StoryGraph &graph : graphs)
+            scenes.push_back(&graph.scene());
+        if (const QString trouble = output.store(DocumentFormat::bytes(scenes), console); !trouble.isEmpty())
+            return refuse(console, output.path(), trouble);
+        return Done;
+    }
+
+    /// False if there is no room.
+    static bool layOut(StoryGraph &graph, const StoryTab &tab, ImportResult &result)
+    {
+        if (result.places == ImportResult::Places::exact)
+            return true;
+        const std::vector<QSizeF> sizes = graph.sizes();
+        if (result.places == ImportResult::Places::wished) {
+            std::vector<QRectF> boxes;
+            for (std::size_t i = 0; i < sizes.size(); ++i)
+                boxes.emplace_back(tab.events[i].position, sizes[i]);
+            if (StoryLayout::isClear(std::move(boxes), graph.canvas()))
+                return true;
+            result.notes << tr("the places would let events overlap or leave the canvas; they are laid out "
+                               "anew");
+        }
+        const std::vector<QPointF> places = StoryLayout(tab, sizes, graph.canvas()).places();
+        if (places.size() != tab.events.size())
+            return false;
+        graph.place(places);
+        return true;
+    }
+};
+
+} // namespace
+
+const StoryCommand &importCommand()
+{
+    static const ImportCommand command;
+    return command;
+}

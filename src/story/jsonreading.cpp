@@ -1,0 +1,134 @@
+#include "story/eventrows.h"
+#include "story/jsonlines.h"
+#include "story/leftout.h"
+#include "story/readings.h"
+#include "story/story.h"
+#include "story/storyformat.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+struct Texts
+{
+    Q_DECLARE_TR_FUNCTIONS(JsonReading)
+};
+
+/// A number is written as a text where JSON has no other way to keep it.
+std::optional<double> coordinateOf(const QJsonValue &value)
+{
+    bool isNumber = value.isDouble();
+    const double coordinate = value.isString() ? value.toString().toDouble(&isNumber) : value.toDouble();
+    return isNumber && std::isfinite(coordinate) ? std::optional(coordinate) : std::nullopt;
+}
+
+std::optional<int> wholeNumberOf(const QJsonValue &value)
+{
+    const double number = value.toDouble(std::numeric_limits<double>::quiet_NaN());
+    const bool isWhole = number == std::floor(number) && number >= std::numeric_limits<int>::min() &&
+                         number <= std::numeric_limits<int>::max();
+    return isWhole ? std::optional(int(number)) : std::nullopt;
+}
+
+/// Reads what docs/story.schema.json describes. What does not keep to it is left out with a note.
+class Reading
+{
+public:
+    Reading(const QByteArray &json, Story &story) : read(story)
+    {
+        constexpr int depthOfEvents = 4; // in the document, its tabs, a tab and its events
+        lines = linesOfJsonObjects(json, depthOfEvents);
+    }
+
+    QStringList readTabs(const QJsonArray &tabs)
+    {
+        for (const auto &tab : tabs) {
+            read.tabs.emplace_back();
+            readTab(tab.toObject(), read.tabs.back());
+        }
+        return notes;
+    }
+
+private:
+    void readTab(const QJsonObject &object, StoryTab &tab)
+    {
+        tab.name = object[QStringLiteral("name")].toString();
+        EventRows rows(notes);
+        const QJsonArray events = object[QStringLiteral("events")].toArray();
+        for (const auto &event : events) {
+            if (event.isObject())
+                rows.add(rowOf(event.toObject()));
+            else
+                notes << Texts::tr("what is no object among the events is left out");
+        }
+        rows.fill(tab);
+    }
+
+    EventRow rowOf(const QJsonObject &object)
+    {
+        EventRow row;
+        row.line = nextEvent < lines.size() ? lines[nextEvent] : 0;
+        ++nextEvent;
+        row.event.title = textOf(object, QStringLiteral("title"), row.line);
+        row.event.description = textOf(object, QStringLiteral("description"), row.line);
+        const std::optional<double> x = coordinateOf(object[QStringLiteral("x")]);
+        const std::optional<double> y = coordinateOf(object[QStringLiteral("y")]);
+        if (x && y)
+            row.event.position = QPointF(*x, *y);
+        else
+            notes << noteOfLine(row.line,
+                                Texts::tr("x and y are not both numbers; the event stands at 0, 0"));
+        row.event.isEnd = object[QStringLiteral("endOfStory")].toBool();
+        row.event.isImportant = object[QStringLiteral("important")].toBool();
+        row.index = wholeNumberOf(object[QStringLiteral("index")]);
+        const QJsonValue feeder = object[QStringLiteral("fedBy")];
+        row.fedBy = wholeNumberOf(feeder);
+        if (!row.fedBy && !feeder.isNull() && !feeder.isUndefined())
+            notes << noteOfLine(row.line, Texts::tr("fedBy is no whole number and is left out"));
+        return row;
+    }
+
+    /// A text of the editor's may be null, which is not the same in its files as an empty one.
+    QString textOf(const QJsonObject &object, const QString &name, qint64 line)
+    {
+        const QJsonValue value = object[name];
+        if (!value.isString() && !value.isNull())
+            notes << noteOfLine(line, Texts::tr("%1 is no text and is left out").arg(name));
+        const QString text = value.toString();
+        return value.isString() && text.isNull() ? QStringLiteral("") : text;
+    }
+
+    Story &read;
+    QStringList notes;
+    std::vector<qint64> lines; // of all events
+    std::size_t nextEvent = 0;
+};
+
+} // namespace
+
+ImportResult readJson(const QByteArray &text, Story &story)
+{
+    ImportResult result;
+    QJsonParseError error{};
+    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
+    const QJsonObject object = document.object();
+    const QJsonValue tabs = object[QStringLiteral("tabs")];
+    const int version = object[QStringLiteral("version")].toInt();
+    if (error.error != QJsonParseError::NoError)
+        result.trouble = noteOfLine(text.left(error.offset).count('\n') + 1, error.errorString());
+    else if (object[QStringLiteral("format")].toString() != QLatin1String("fablegrid-story") ||
+             !tabs.isArray())
+        result.trouble =
+            Texts::tr("is no story: \"format\" is not \"fablegrid-story\", or there are no \"tabs\"");
+    else if (version != 1)
+        result.trouble = Texts::tr("has the version %1; only 1 can be read").arg(version);
+    else
+        result.notes = Reading(text, story).readTabs(tabs.toArray());
+    result.places = ImportResult::Places::exact;
+    return result;
+}

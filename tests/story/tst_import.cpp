@@ -1,0 +1,263 @@
+#include "story/importsupport.h"
+
+// What becomes of texts of other programs, as the editor shows it after opening the file that was made.
+
+class tst_Import : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { failOnWarnings(); }
+
+    void textBecomesAStory_data();
+    void textBecomesAStory();
+    void textWithoutAStoryIsRefused_data();
+    void textWithoutAStoryIsRefused();
+    void jsonGivesTheSameBytes_data();
+    void jsonGivesTheSameBytes();
+    void markdownGivesBackWhatWasTold();
+    void wrongUseIsOneLine_data();
+    void wrongUseIsOneLine();
+    void tabsAreAddedToAStory();
+    void damagedStoryIsNotWrittenAnew();
+    void nothingIsReplacedUnlessForced();
+
+private:
+    StoryFolder folder;
+};
+
+void tst_Import::textBecomesAStory_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QStringList>("tabs");
+    QTest::addColumn<QStringList>("notes");
+    const auto row = [](const char *name, const QString &format, const QByteArray &text,
+                        const QStringList &tabs, const QStringList &notes = {}) {
+        QTest::newRow(name) << QStringLiteral("in.") + format << text << tabs << notes;
+    };
+    const QString md = QStringLiteral("md");
+    row("headings", md, "# A\none\ntwo\n\nthree\n# B\n## C\n## D\n### E\n# F\n",
+        {QStringLiteral("0A=one two\n\nthree 0B 1/C 1D 1E 0F.")});
+    row("underlined headings", md, "A\n=\nB\n-\nC\n=\n", {QStringLiteral("0A 1/B 0C.")});
+    row("levels that are left out", md, "### A\n# B\n#### C\n## D\n## E",
+        {QStringLiteral("0A 0B. 1/C 1D 1E")});
+    row("lists", md, "- A\n\n  one\n  - B\n    1. C\n  - D\n\n  two\n- E\n\n1. F\n",
+        {QStringLiteral("0A=one\n\ntwo 1/B 2/C 1D 0E 0F.")});
+    row("lists below headings", md, "# A\n- one\n  - two\n\n    > three\n1. four\n2. five\n",
+        {QStringLiteral("0A=- one\n  - two\n    > three\n\n1. four\n2. five.")});
+    row("other blocks", md, "# A\n```\none\n two\n```\n***\n> three\n\n<br>\n\nfour\n",
+        {QStringLiteral("0A=one\n two\n\n* * *\n\n> three\n\n\nfour.")});
+    row("text within lines", md, "# *A* [b](u) `c`\none<br>two \\* &amp; ![p](q) <http://r>\\\nthree **s**\n",
+        {QStringLiteral("0A b (u) c=one\ntwo * & p (q) http://r\nthree s.")},
+        {QStringLiteral("line 1: emphasis is left out, its words are kept; so in 2 places")});
+    row("what no event can hold", md, "zero\n\n# A\n<div>\n\n<!-- branch -->\n# B\n<i>x</i>\n",
+        {QStringLiteral("0A 0B=x.")},
+        {QStringLiteral("line 4: HTML is left out; so in 4 places"),
+         QStringLiteral("line 1: what stands before the first event is left out")});
+    row("front matter", md, "---\ntitle: x\n---\n# A\n<div>\n", {QStringLiteral("0A.")},
+        {QStringLiteral("line 1: the front matter is left out"), QStringLiteral("line 5: HTML is left out")});
+    row("letters", md, "\xEF\xBB\xBF# \xF0\x9F\x98\x80 \xD7\xA9\n\xFFz\n",
+        {QStringLiteral("0\U0001F600 \u05E9=\uFFFDz.")});
+}
+
+void tst_Import::textBecomesAStory()
+{
+    QFETCH(const QString, name);
+    QFETCH(const QByteArray, text);
+    QFETCH(const QStringList, tabs);
+    QFETCH(const QStringList, notes);
+    const Imported made = imported(folder, name, text);
+    QCOMPARE(made.tabs, tabs);
+    QCOMPARE(made.notes, notes);
+    QCOMPARE(made.result.output, QByteArray());
+    QVERIFY(made.isClear);
+    QVERIFY(made.isSound);
+}
+
+void tst_Import::textWithoutAStoryIsRefused_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("trouble");
+    const auto row = [](const char *name, const QByteArray &text, const QString &trouble) {
+        QTest::addRow("%s, %d bytes", name, int(text.size())) << QString::fromLatin1(name) << text << trouble;
+    };
+    row("no.md", "words", QStringLiteral("has neither headings nor a list"));
+    row("no.json", "{\n\"a\": 1,\n}", QStringLiteral("line 3: object is missing after a comma"));
+    row("no.json", "[]",
+        QStringLiteral("is no story: \"format\" is not \"fablegrid-story\", or there are no \"tabs\""));
+    row("no.json", "{\"format\": \"fablegrid-story\", \"tabs\": [], \"version\": 2}",
+        QStringLiteral("has the version 2; only 1 can be read"));
+}
+
+void tst_Import::textWithoutAStoryIsRefused()
+{
+    QFETCH(const QString, name);
+    QFETCH(const QByteArray, text);
+    QFETCH(const QString, trouble);
+    const Imported made = imported(folder, name, text);
+    QCOMPARE(made.result.code, 2);
+    QCOMPARE(made.notes, QStringList(trouble));
+    QVERIFY(!QFile::exists(folder.path(name + QStringLiteral(".scene"))));
+}
+
+void tst_Import::jsonGivesTheSameBytes_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    const QDir corpus(QStringLiteral(FABLEGRID_CORPUS "/document"));
+    const QStringList names = corpus.entryList(QDir::Files);
+    for (const QString &name : names)
+        QTest::newRow(qPrintable(name)) << readFile(corpus.filePath(name));
+    QTest::newRow("branches") << sceneBytes({branchedTab(), StoryTab(), branchedTab()});
+    const QString odd = QStringLiteral("\r\na\u2028\u2029\t \U0001F600\uFFFE") + QChar(0xD800) + QChar(u'\0');
+    QTest::newRow("texts") << documentBytes({{Record{odd, QPointF(-0.0, 1e-300), -5, -1, true, true, odd}}});
+    QTest::newRow("null texts")
+        << QByteArray(documentBytes({{Record{}}})).replace(22, 4, QByteArray(4, '\xFF'));
+    StoryTab many = branchedTab();
+    many.events.resize(300, many.events[9]);
+    for (int i = 10; i < 300; ++i)
+        many.events[i].index = 1000 - i;
+    QTest::newRow("late texts") << sceneBytes({many});
+}
+
+void tst_Import::jsonGivesTheSameBytes()
+{
+    QFETCH(const QByteArray, bytes);
+    const QString scene = folder.put(QStringLiteral("in.scene"), bytes);
+    StoryReader reader;
+    QCOMPARE(reader.read(scene), QString());
+    const QByteArray saved = reader.bytes();
+    const CommandResult json =
+        runCommand({QStringLiteral("export"), scene, QStringLiteral("-o"), QStringLiteral("-"),
+                    QStringLiteral("--format"), QStringLiteral("json")});
+    const QString text = folder.put(QStringLiteral("between.json"), json.output);
+    const CommandResult made =
+        runCommand({QStringLiteral("import"), text, QStringLiteral("-o"), QStringLiteral("-")});
+    QCOMPARE(made.errors, QByteArray());
+    QCOMPARE(made.code, 0);
+    QCOMPARE(made.output.toHex(), saved.toHex());
+}
+
+void tst_Import::markdownGivesBackWhatWasTold()
+{
+    StoryTab tab = branchedTab();
+    const QString odd = QStringLiteral("# *a* <b> `c` [d](e) &amp; 1. f\\ \U0001F600 \u05E9\u2028g");
+    const QStringList texts{QStringLiteral("\n\na\n\n\nb\n c \n- d\n\n"), odd,
+                            QStringLiteral("1. x\n> y\n    z\n---"), QStringLiteral("\n"), QString()};
+    for (int i = 0; i < texts.size(); ++i) {
+        tab.events[i].description = texts[i];
+        tab.events[i].title = texts[i];
+    }
+    tab.events[5].description = QStringLiteral("Enter description");
+    StoryTab deep;
+    for (int i = 0; i < 20; ++i) {
+        StoryEvent event;
+        event.index = i;
+        event.title = QString::number(i);
+        event.feeder = i < 2 ? i - 1 : i - (i % 2 == 0 ? 2 : 1);
+        event.isEnd = i == 1;
+        deep.events.push_back(event);
+    }
+    const QString scene =
+        folder.put(QStringLiteral("told.scene"), sceneBytes({tab, StoryTab(), branchedTab(), deep}));
+    const QString text = folder.path(QStringLiteral("told.md"));
+    QCOMPARE(runCommand(
+                 {QStringLiteral("export"), scene, QStringLiteral("-o"), text, QStringLiteral("--branches")})
+                 .code,
+             0);
+    StoryReader reader;
+    reader.read(scene);
+    Story before = reader.story();
+    const Imported made = imported(folder, QStringLiteral("again.md"), readFile(text));
+    QCOMPARE(made.notes, QStringList());
+    QCOMPARE(made.tabs.size(), qsizetype(before.tabs.size()));
+    for (std::size_t i = 0; i < before.tabs.size(); ++i) {
+        for (StoryEvent &event : before.tabs[i].events)
+            event.isImportant = false; // no heading can say so
+        QCOMPARE(made.tabs[qsizetype(i)], told(before.tabs[i]));
+    }
+    QVERIFY(made.isClear);
+}
+
+void tst_Import::wrongUseIsOneLine_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("line");
+    const auto row = [](const QString &arguments, const QString &line) {
+        QTest::newRow(qPrintable(arguments)) << arguments.split(u' ', Qt::SkipEmptyParts) << line;
+    };
+    row("import", "one IN is to be imported, not 0");
+    row("import a.md", "where to? -o FILE or --into FILE is missing");
+    row("import /nowhere/a.md -o b.scene", "/nowhere/a.md: No such file or directory");
+    row("import /nowhere/a.md --into /nowhere/b.scene", "/nowhere/b.scene: No such file or directory");
+    row("import / -o b.scene --format md", "/: is a folder");
+    row("import a.md -o /", "/: is a folder");
+    row("import a -o b.scene", "a does not say which format; --format NAME does: ");
+    row("import a.md -o b.scene --format pdf", "the format \"pdf\" cannot be imported, only ");
+}
+
+void tst_Import::wrongUseIsOneLine()
+{
+    QFETCH(const QStringList, arguments);
+    QFETCH(const QString, line);
+    const CommandResult result = runCommand(arguments);
+    QCOMPARE(result.code, 2);
+    QCOMPARE(result.errorLines().size(), 1);
+    QCOMPARE(result.errorLines().first().left(17 + line.size()), QStringLiteral("fablegrid-story: ") + line);
+}
+
+void tst_Import::tabsAreAddedToAStory()
+{
+    const QString text = folder.put(QStringLiteral("more.md"), "# X\n");
+    const QString into = folder.put(QStringLiteral("into.scene"), sceneBytes({branchedTab()}));
+    const QString other = folder.path(QStringLiteral("other.scene"));
+    const QStringList arguments{QStringLiteral("import"), text, QStringLiteral("--into"), into};
+    QCOMPARE(runCommand(arguments + QStringList({QStringLiteral("-o"), other})).code, 0);
+    QCOMPARE(readFile(into), sceneBytes({branchedTab()}));
+    const CommandResult added = runCommand(arguments);
+    QCOMPARE(added.code, 0);
+    QCOMPARE(added.errors, QByteArray());
+    QCOMPARE(readFile(into).toHex(), readFile(other).toHex());
+    StoryReader reader;
+    QCOMPARE(reader.read(into), QString());
+    const Story story = reader.story();
+    QCOMPARE(story.tabs.size(), std::size_t(2));
+    QCOMPARE(told(story.tabs[0]), told(branchedTab()));
+    QCOMPARE(told(story.tabs[1]), QStringLiteral("0X."));
+}
+
+void tst_Import::damagedStoryIsNotWrittenAnew()
+{
+    const QString text = folder.put(QStringLiteral("more.md"), "# X\n");
+    const QByteArray damaged = sceneBytes({branchedTab()}) + "abc";
+    const QString into = folder.put(QStringLiteral("damaged.scene"), damaged);
+    const QStringList arguments{QStringLiteral("import"), text, QStringLiteral("--into"), into};
+    const CommandResult refused = runCommand(arguments);
+    QCOMPARE(refused.code, 2);
+    QCOMPARE(refused.errorLines(),
+             QStringList(QStringLiteral("fablegrid-story: %1: is damaged, as fablegrid-story check tells; "
+                                        "--force adds to what can be read of it")
+                             .arg(into)));
+    QCOMPARE(readFile(into), damaged);
+    QCOMPARE(runCommand(arguments + QStringList(QStringLiteral("--force"))).code, 0);
+    StoryReader reader;
+    QCOMPARE(reader.read(into), QString());
+    QVERIFY(reader.damage().isNone());
+    QCOMPARE(reader.story().tabs.size(), std::size_t(2));
+}
+
+void tst_Import::nothingIsReplacedUnlessForced()
+{
+    const QString text = folder.put(QStringLiteral("new.md"), "# X\n");
+    const QString there = folder.put(QStringLiteral("there.scene"), "mine");
+    const CommandResult result = runCommand({QStringLiteral("import"), text, QStringLiteral("-o"), there});
+    QCOMPARE(result.code, 2);
+    QCOMPARE(
+        result.errorLines(),
+        QStringList(QStringLiteral("fablegrid-story: %1: is there already; --force replaces it").arg(there)));
+    QCOMPARE(readFile(there), QByteArray("mine"));
+}
+
+QTEST_MAIN(tst_Import)
+#include "tst_import.moc"
