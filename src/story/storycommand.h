@@ -32,3 +32,4 @@ const StoryCommand &showCommand();
 const StoryCommand &exportCommand();
 const StoryCommand &checkCommand();
 const StoryCommand &importCommand();
+const StoryCommand &diffCommand();
