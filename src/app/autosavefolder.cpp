@@ -13,18 +13,21 @@ namespace {
 /// Where the next copy goes; makes the folder if there is none.
 QString pathOfNextCopy()
 {
-    const QString documents =
-        QDir::toNativeSeparators(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
-    const QString folder = QStringLiteral("Fablegrid/Autosavedir");
-    const QDir parent(documents);
-    if (!parent.exists(folder))
-        parent.mkpath(folder);
+    const QString folder = AutosaveFolder::usualFolder();
+    if (!QDir().exists(folder))
+        QDir().mkpath(folder);
     const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd_hhmmss"));
-    return documents + QLatin1Char('/') + folder + QDir::separator() + QStringLiteral("Yarnsmith_") + stamp +
+    return folder + QDir::separator() + QStringLiteral("Yarnsmith_") + stamp +
            QStringLiteral("_autosaveVersion.scene");
 }
 
 } // namespace
+
+QString AutosaveFolder::usualFolder()
+{
+    return QDir::toNativeSeparators(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)) +
+           QStringLiteral("/Fablegrid/Autosavedir");
+}
 
 AutosaveFolder::Copy AutosaveFolder::keep(const SceneDocument &document)
 {

@@ -7,6 +7,9 @@ class SceneDocument;
 /// Where a document is put by once a minute, each time as a new file that is named after the second.
 namespace AutosaveFolder {
 
+/// The one below the user's documents.
+QString usualFolder();
+
 struct Copy
 {
     QString path;

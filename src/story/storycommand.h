@@ -33,3 +33,4 @@ const StoryCommand &exportCommand();
 const StoryCommand &checkCommand();
 const StoryCommand &importCommand();
 const StoryCommand &diffCommand();
+const StoryCommand &copiesCommand();

@@ -88,6 +88,7 @@ int runAny(const QStringList &arguments, Console &console)
 const std::vector<const StoryCommand *> &StoryProgram::commands()
 {
     static const std::vector<const StoryCommand *> all{
+        &showCommand(), &exportCommand(), &checkCommand(), &importCommand(), &diffCommand(), &copiesCommand(),
     };
     return all;
 }
