@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <map>
 #include <queue>
-#include <ranges>
 
 /// A part of a chain in one row.
 struct StoryLayout::Segment
@@ -72,8 +71,9 @@ bool StoryLayout::placeBranches()
     const auto wait = [&](int first, int column) {
         waiting.push_back({chainFrom(first), 0, std::min(column, columns - 1)});
     };
-    for (const int root : std::views::reverse(roots()))
-        wait(root, 0);
+    const std::vector<int> first = roots();
+    for (std::size_t i = first.size(); i-- > 0;)
+        wait(first[i], 0);
     while (!waiting.empty()) {
         Segment now = std::move(waiting.back());
         waiting.pop_back();
@@ -82,9 +82,9 @@ bool StoryLayout::placeBranches()
             return false;
         const std::size_t end =
             std::min(now.chain.size(), now.first + std::size_t(columns) - std::size_t(now.column));
-        const std::size_t first = now.first;
+        const std::size_t start = now.first;
         const int column = now.column;
-        const std::vector<int> row(now.chain.begin() + std::ptrdiff_t(first),
+        const std::vector<int> row(now.chain.begin() + std::ptrdiff_t(start),
                                    now.chain.begin() + std::ptrdiff_t(end));
         if (end < now.chain.size()) {
             now.first = end;
@@ -92,9 +92,10 @@ bool StoryLayout::placeBranches()
             waiting.push_back(std::move(now)); // below its branches, so it waits longest
         }
         for (std::size_t i = 0; i < row.size(); ++i) {
-            for (const int branch : std::views::reverse(tab.events[row[i]].fed)) {
-                if (branch != nextOf[row[i]])
-                    wait(branch, column + int(i) + 1);
+            const std::vector<int> &fed = tab.events[row[i]].fed;
+            for (std::size_t k = fed.size(); k-- > 0;) {
+                if (fed[k] != nextOf[row[i]])
+                    wait(fed[k], column + int(i) + 1);
             }
         }
     }
@@ -152,9 +153,10 @@ std::vector<int> StoryLayout::inOrder() const
         order.push_back(place);
         if (nextOf[place] != -1)
             waiting.push_back(nextOf[place]);
-        for (const int branch : std::views::reverse(tab.events[place].fed)) {
-            if (branch != nextOf[place])
-                waiting.push_back(branch);
+        const std::vector<int> &fed = tab.events[place].fed;
+        for (std::size_t i = fed.size(); i-- > 0;) {
+            if (fed[i] != nextOf[place])
+                waiting.push_back(fed[i]);
         }
     }
     return order;

@@ -35,7 +35,7 @@ public:
     std::optional<std::vector<WordRun::Kind>> find()
     {
         for (int changes = 0; changes <= mostChanges; ++changes) {
-            reached.emplace_back(std::size_t(2 * changes + 1));
+            reached.emplace_back(2 * std::size_t(changes) + 1);
             for (int lead = -changes; lead <= changes; lead += 2) {
                 const int x = slide(startOf(changes, lead), lead);
                 at(changes, lead) = x;
@@ -47,7 +47,11 @@ public:
     }
 
 private:
-    int &at(int changes, int lead) { return reached[std::size_t(changes)][std::size_t(lead + changes)]; }
+    int &at(int changes, int lead)
+    {
+        const int place = lead + changes; // never negative
+        return reached[std::size_t(changes)][std::size_t(place)];
+    }
 
     bool comesByAdding(int changes, int lead)
     {
