@@ -57,8 +57,6 @@ public:
     bool release(int button = 1) const;
     /// A key with its modifiers, such as "ctrl+shift+a".
     bool key(const QString &keys) const;
-    /// One after the other.
-    bool keys(const QStringList &keys) const;
     /// Types the text, a Return for every line break.
     bool type(const QString &text) const;
 

@@ -345,9 +345,11 @@ bool EditorWindow::chooseByKeys(Menu menu, int entry) const
 {
     if (openMenu(menu).isEmpty())
         return false;
-    QStringList keys(entry + 1, QStringLiteral("Down"));
-    keys << QStringLiteral("Return");
-    return desktop.keys(keys) && eventually([this] { return openedMenu().isEmpty(); });
+    for (int i = 0; i <= entry; ++i) {
+        if (!desktop.key(QStringLiteral("Down")))
+            return false;
+    }
+    return desktop.key(QStringLiteral("Return")) && eventually([this] { return openedMenu().isEmpty(); });
 }
 
 bool EditorWindow::pressFilterButton() const { return desktop.click(window.topRight() + QPoint(-52, 58)); }

@@ -84,9 +84,14 @@ void tst_KeyWalk::startSaved(const QString &name)
 /// Where the first event's texts can be clicked; null if they are not in sight.
 QPoint tst_KeyWalk::placeOf(Text text) const
 {
-    const QList<EventBox> boxes = window.events();
-    const QList<QRect> entries = window.entries();
-    if (boxes.size() != 3 || entries.size() != 3)
+    QList<EventBox> boxes;
+    QList<QRect> entries;
+    const auto allAreShown = [&] { // not at once when a dialog has been over them
+        boxes = window.events();
+        entries = window.entries();
+        return boxes.size() == 3 && entries.size() == 3;
+    };
+    if (!eventually(allAreShown))
         return {};
     if (text == Text::entry)
         return entries.at(0).center();
