@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 #include <QStandardPaths>
 
+#include <algorithm>
 #include <cerrno>
 
 namespace {
@@ -76,11 +77,9 @@ KeptCopies::Kept KeptCopies::keep(const QByteArray &content, Occasion occasion) 
 QString KeptCopies::sameAs(const QByteArray &content) const
 {
     const QFileInfoList copies = copiesIn(folder);
-    for (auto copy = copies.crbegin(); copy != copies.crend(); ++copy) {
-        if (holds(*copy, content))
-            return copy->filePath();
-    }
-    return {};
+    const auto same = std::find_if(copies.crbegin(), copies.crend(),
+                                   [&content](const QFileInfo &copy) { return holds(copy, content); });
+    return same == copies.crend() ? QString() : same->filePath();
 }
 
 KeptCopies::Kept KeptCopies::store(const QByteArray &content, Occasion occasion) const

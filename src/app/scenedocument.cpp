@@ -77,7 +77,7 @@ QString SceneDocument::saveTo(const QString &file)
     }
     qInfo() << "Tabs to save" << tabs.views().size();
     const QByteArray all = bytes();
-    const QString trouble = written.replaceBy(all);
+    QString trouble = written.replaceBy(all);
     if (trouble.isEmpty())
         onDisk = hashOf(all);
     else

@@ -10,9 +10,8 @@
 
 namespace {
 
-constexpr qint64 step = 64 * 1024; // bytes asked for when the file has more than it said
-constexpr qint64 mostGrowth =
-    16 * 1024 * 1024; // a file that gets longer all the time is never read to its end
+constexpr qint64 step = qint64(64) * 1024; // bytes asked for when the file has more than it said
+constexpr qint64 mostGrowth = 256 * step;  // a file that gets longer all the time is never read to its end
 
 } // namespace
 

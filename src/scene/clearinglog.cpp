@@ -76,8 +76,9 @@ void logClearing(const NodegraphScene &graph)
         for (const Node *selected : graph.selectedNodes())
             departure.leaveByCommand(selected);
     }
-    for (auto last = graph.nodes().rbegin(); last != graph.nodes().rend(); ++last) {
-        if (!departure.hasLeft(*last))
-            departure.leave(*last);
+    const std::vector<const Node *> backwards(graph.nodes().rbegin(), graph.nodes().rend());
+    for (const Node *node : backwards) {
+        if (!departure.hasLeft(node))
+            departure.leave(node);
     }
 }

@@ -19,7 +19,8 @@ void NodeDeletion::deleteSelected(Node *node)
         scene.setCurrentNode(nullptr);
     }
     if (scene.selectedNodes().empty()) {
-        deleteByCommand(node);
+        if (node)
+            deleteByCommand(node);
         return;
     }
     const MassRemoval::Together together(removal);
