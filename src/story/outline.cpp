@@ -3,8 +3,6 @@
 #include "story/story.h"
 #include "story/storyformat.h"
 
-#include <ranges>
-
 namespace {
 
 /// A number of more parts than this is shortened: nobody reads it, and it would grow with the depth.
@@ -83,7 +81,8 @@ private:
                 waiting.push_back({next, now.depth, OutlineStep::goesOn});
             if (!options.withBranches)
                 continue;
-            for (const int branch : std::views::reverse(fed)) {
+            const std::vector<int> lastFirst(fed.rbegin(), fed.rend());
+            for (const int branch : lastFirst) {
                 if (branch != next && !isInStory[branch])
                     waiting.push_back({branch, now.depth + 1, OutlineStep::branches});
             }

@@ -2,8 +2,6 @@
 
 #include "story/story.h"
 
-#include <ranges>
-
 namespace {
 
 /// All ends of what leaves the story at one of its events, in the order of the branches.
@@ -17,7 +15,8 @@ void findDeadEnds(const StoryTab &tab, const std::vector<bool> &isInStory, int l
         const std::vector<int> &fed = tab.events[place].fed;
         if (fed.empty() && !isInStory[place])
             found.push_back({place, leaves});
-        for (const int next : std::views::reverse(fed)) {
+        const std::vector<int> lastFirst(fed.rbegin(), fed.rend());
+        for (const int next : lastFirst) {
             if (!isInStory[next])
                 waiting.push_back(next);
         }
