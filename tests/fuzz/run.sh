@@ -2,8 +2,8 @@
 # Runs the fuzz targets side by side for that many seconds each, or the named ones only:
 #   tests/fuzz/run.sh 60 [fuzz_document] [fuzz_edits]
 # With FABLEGRID_FUZZ_SEED in the environment the inputs come in the same order every time.
-# Starts from the committed corpus. What the run adds to it stays in build/fuzz/corpus until the next run, and
-# every input that did harm in build/fuzz/artifacts.
+# Starts from the committed corpus. What the run adds to it stays in build/asan/fuzz/corpus until the next run, and
+# every input that did harm in build/asan/fuzz/artifacts.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
@@ -16,8 +16,8 @@ targets=("${@:2}")
 ((${#targets[@]})) || targets=(fuzz_document fuzz_edits)
 
 packaging/install-dependencies.sh ci
-cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz --target "${targets[@]}"
+cmake --preset asan >/dev/null
+cmake --build --preset asan --target "${targets[@]}"
 
 # The targets write small files all the time; a memory file system spares the disk.
 memory=/dev/shm
@@ -34,14 +34,14 @@ clean_up() {
 }
 trap clean_up EXIT
 
-artifacts=$PWD/build/fuzz/artifacts
+artifacts=$PWD/build/asan/fuzz/artifacts
 mkdir -p "$artifacts"
 
 # Leaks are looked for once, at the end of a run: Qt and the font libraries cache so much that the fuzzer would
 # suspect one after every input, and each look takes longer than many inputs.
 start() {
-    local target=$1 name=${1#fuzz_} log=build/fuzz/$1.log
-    local corpus=build/fuzz/corpus/$name options=()
+    local target=$1 name=${1#fuzz_} log=build/asan/fuzz/$1.log
+    local corpus=build/asan/fuzz/corpus/$name options=()
     rm -rf "$corpus"
     mkdir -p "$corpus" "$scratch/$name"
     cp -r "tests/fuzz/corpus/$name/." "$corpus"
@@ -50,7 +50,7 @@ start() {
     TMPDIR=$scratch/$name QT_QPA_PLATFORM=offscreen QT_QPA_PLATFORMTHEME='' LC_ALL=C.UTF-8 \
         ASAN_OPTIONS=detect_leaks=1:quarantine_size_mb=64 LSAN_OPTIONS=print_suppressions=0 \
         UBSAN_OPTIONS=print_stacktrace=1 \
-        "build/fuzz/tests/fuzz/$target" -max_total_time="$seconds" -max_len=4096 -timeout=30 \
+        "build/asan/tests/fuzz/$target" -max_total_time="$seconds" -max_len=4096 -timeout=30 \
         -rss_limit_mb=3000 -detect_leaks=0 -print_final_stats=1 "${options[@]}" \
         -artifact_prefix="$artifacts/$name-" "$corpus" >"$log" 2>&1 </dev/null &
     pids+=($!)
@@ -66,7 +66,7 @@ for i in "${!targets[@]}"; do
     target=${targets[i]}
     status=0
     wait "${pids[i]}" || status=$?
-    log=build/fuzz/$target.log
+    log=build/asan/fuzz/$target.log
     printf '%s: %s executions\n' "$target" "$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")"
     grep 'cov: .* ft: ' "$log" | tail -n 1 || true
     if ((status != 0)); then
