@@ -9,6 +9,10 @@ if(NOT UNIX OR APPLE)
     return()
 endif()
 
+# Everything that is installed, and nothing besides.
+add_custom_target(fablegrid_packed)
+add_dependencies(fablegrid_packed fablegrid)
+
 # All libraries are the system's own.
 set_target_properties(fablegrid PROPERTIES INSTALL_RPATH "")
 
@@ -41,6 +45,7 @@ if(GZIP_PROGRAM)
             DEPENDS ${file}
             VERBATIM)
         add_custom_target(compressed_${name} ALL DEPENDS ${made})
+        add_dependencies(fablegrid_packed compressed_${name})
         install(FILES ${made} DESTINATION ${destination})
     endfunction()
     fablegrid_install_compressed(${made_files}/fablegrid.1 ${CMAKE_INSTALL_MANDIR}/man1)

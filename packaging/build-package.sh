@@ -7,15 +7,18 @@ cd "${1:-$here/..}"
 
 "$here/install-dependencies.sh" package >&2
 
-cmake --preset package >&2
-cmake --build --preset package >&2
-rm -f build/package/*.deb
-(cd build/package && umask 022 && cpack -G DEB >&2)
+# What is packed is what ./run and ./test have built; a folder without it has no need of the tests.
+if [[ ! -e build/release/build.ninja ]]; then
+    cmake --preset release -DBUILD_TESTING=OFF >&2
+fi
+cmake --build --preset release --target fablegrid_packed >&2
+rm -rf build/package
+(umask 022 && cpack --config build/release/CPackConfig.cmake -G DEB -B build/package >&2)
 package=$(realpath build/package/*.deb)
 
 desktop-file-validate packaging/linux/*.desktop >&2
-appstreamcli validate --no-net build/package/packaging/*.metainfo.xml >&2
-mandoc -T lint -W warning build/package/packaging/fablegrid.1 >&2
+appstreamcli validate --no-net build/release/packaging/*.metainfo.xml >&2
+mandoc -T lint -W warning build/release/packaging/fablegrid.1 >&2
 # A warning is to be mended, or overridden with its reason.
 complaints=$(lintian --fail-on none --tag-display-limit 0 "$package")
 if grep -E '^[EW]:' <<<"$complaints" >&2; then

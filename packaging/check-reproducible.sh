@@ -15,8 +15,8 @@ here_package=$(packaging/build-package.sh)
 other_package=$(packaging/build-package.sh "$other")
 
 sums() { sha256sum "$1" "$2" | cut -d' ' -f1 | uniq | wc -l; }
-sha256sum build/package/src/fablegrid "$other/build/package/src/fablegrid" "$here_package" "$other_package"
-if [[ $(sums build/package/src/fablegrid "$other/build/package/src/fablegrid") -ne 1 ]]; then
+sha256sum build/release/src/fablegrid "$other/build/release/src/fablegrid" "$here_package" "$other_package"
+if [[ $(sums build/release/src/fablegrid "$other/build/release/src/fablegrid") -ne 1 ]]; then
     echo "The program is not the same when it is built in another folder." >&2
     exit 1
 fi
