@@ -1,7 +1,7 @@
 #pragma once
 
-// What nearly every test program includes, compiled once. A test still includes what it uses: without this header it
-// has to build as well (cmake -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON).
+// What nearly every test program includes, compiled once. A test still includes what it uses: without this
+// header it has to build as well (cmake -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON).
 
 #include <QApplication>
 #include <QGraphicsScene>
