@@ -7,9 +7,9 @@ cd "${1:-$here/..}"
 
 "$here/install-dependencies.sh" package >&2
 
-# What is packed is what ./run and ./test have built; a folder without it has no need of the tests.
+# What is packed is what ./run and ./test build.
 if [[ ! -e build/release/build.ninja ]]; then
-    cmake --preset release -DBUILD_TESTING=OFF >&2
+    cmake --preset release >&2
 fi
 cmake --build --preset release --target fablegrid_packed >&2
 rm -rf build/package
