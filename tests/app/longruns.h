@@ -6,7 +6,7 @@
 
 #include <cstddef>
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(FABLEGRID_SANITIZED)
 // The compiler brings the function, but not everywhere the header that declares it.
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #elif defined(__GLIBC__)
@@ -34,7 +34,7 @@ inline void keepFilesInMemory()
 /// The bytes that are allocated now, 0 where nobody counts them.
 inline qint64 allocatedBytes()
 {
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(FABLEGRID_SANITIZED)
     return qint64(__sanitizer_get_current_allocated_bytes());
 #elif defined(__GLIBC__)
     const struct mallinfo2 info = mallinfo2();
@@ -49,7 +49,7 @@ inline qint64 allocatedBytes()
 /// it starts again.
 inline void countAllocationsExactly([[maybe_unused]] char *arguments[])
 {
-#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__)
+#if defined(__GLIBC__) && !defined(FABLEGRID_SANITIZED)
     constexpr char restarted[] = "FABLEGRID_TEST_RESTARTED";
     if (qEnvironmentVariableIsSet(restarted))
         return;

@@ -319,7 +319,7 @@ private:
 };
 #endif
 
-#if defined(Q_OS_LINUX) && !defined(__SANITIZE_ADDRESS__)
+#if defined(Q_OS_LINUX) && !defined(FABLEGRID_SANITIZED)
 #define FABLEGRID_CAN_LIMIT_MEMORY
 /// The program gets that many bytes more than it has, and no others, during the lifetime of this object.
 class LittleMemory

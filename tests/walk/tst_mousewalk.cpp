@@ -218,17 +218,29 @@ void tst_MouseWalk::onlyAClickOnTheLineItselfTakesItOff()
     STEP(walk.start(QStringLiteral("line")));
     STEP(walk.addChain(2));
     QVERIFY(window.chooseByKeys(Menu::view, zoomTo50));
-    QVERIFY(eventually(
-        [this] { return window.events().size() == 2 && qAbs(window.events().at(0).scale() - 0.5) < 0.01; }));
-    const EventBox before = window.events().at(1);
+    EventBox before;
+    QVERIFY(eventually([&] {
+        const QList<EventBox> now = window.events();
+        if (now.size() != 2 || qAbs(now.at(0).scale() - 0.5) >= 0.01)
+            return false;
+        const bool atRest = now.at(1).header == before.header;
+        before = now.at(1);
+        return atRest;
+    }));
     QVERIFY(desktop.drag(before.body(), before.body() + QPoint(100, 150)));
     QVERIFY(window.clickEmptyCanvas());
     QList<EventBox> boxes;
-    QVERIFY(eventually([&] {
-        boxes = window.events();
-        return boxes.size() == 2 &&
-               isNear(boxes.at(1).header.topLeft(), before.header.topLeft() + QPoint(100, 150), 2);
-    }));
+    const QPoint goal = before.header.topLeft() + QPoint(100, 150);
+    QVERIFY2(eventually([&] {
+                 boxes = window.events();
+                 return boxes.size() == 2 && isNear(boxes.at(1).header.topLeft(), goal, 2);
+             }),
+             qPrintable(QStringLiteral("%1 events, the last at %2, %3 instead of %4, %5")
+                            .arg(boxes.size())
+                            .arg(boxes.isEmpty() ? 0 : boxes.last().header.x())
+                            .arg(boxes.isEmpty() ? 0 : boxes.last().header.y())
+                            .arg(goal.x())
+                            .arg(goal.y())));
     const QPoint from = boxes.at(0).output;
     const QPoint to = boxes.at(1).input;
     const QPoint onLine = curvePoint(from, to, 0.25);
