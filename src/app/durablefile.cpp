@@ -5,51 +5,61 @@
 #include <QFileInfo>
 
 #include <cerrno>
-#include <filesystem>
-#include <system_error>
 
 namespace {
 
 /// The name of the temporary is that of the file and seven characters.
-bool leavesNoRoomForATemporary(const QFileInfo &file)
+bool leavesNoRoomForATemporary(const QString &path)
 {
     constexpr int longestName = 255; // bytes, on every usual file system
-    return QFile::encodeName(file.fileName()).size() + 7 > longestName;
+    return QFile::encodeName(QFileInfo(path).fileName()).size() + 7 > longestName;
 }
 
-bool isCircularLink(const QString &path)
+/// Where the links from that path lead, whether or not there is a file; a link if they lead in a circle.
+QString endOfLinks(const QString &path)
 {
-    std::error_code trouble;
-    const std::filesystem::file_status end =
-        std::filesystem::status(QFileInfo(path).filesystemFilePath(), trouble);
-    return !std::filesystem::exists(end) && trouble == std::errc::too_many_symbolic_link_levels;
+    constexpr int mostLinks = 128;
+    QFileInfo end(path);
+    for (int i = 0; i < mostLinks && end.isSymLink(); ++i)
+        end = QFileInfo(end.symLinkTarget());
+    return end.filePath();
 }
+
+/// No file may be made beside this one, but it may be one that is mounted by itself.
+bool isOfTheFolder(int error) { return error == EACCES || error == EPERM || error == EROFS; }
+
+/// The folder is another user's and sticky, or the file is one that is mounted by itself.
+bool forbidsReplacing(int error) { return error == EPERM || error == EBUSY || error == EACCES; }
 
 } // namespace
 
-DurableFile::DurableFile(const QString &path) : temporary(path), inPlace(path) {}
+DurableFile::DurableFile(const QString &file) : path(endOfLinks(file)), temporary(path), inPlace(path) {}
 
 bool DurableFile::open()
 {
-    const QFileInfo before(temporary.fileName());
-    if (isCircularLink(temporary.fileName())) {
-        whyNot = Storing::reason(ELOOP);
+    if (!isWritable())
         return false;
-    }
-    if (leavesNoRoomForATemporary(before))
+    if (leavesNoRoomForATemporary(path))
         return openInPlace();
-    errno = 0;
-    if (temporary.open(QIODevice::WriteOnly)) {
-        // What this user may do is no permission of the file; root may write what nobody may.
-        constexpr QFileDevice::Permissions thisUser =
-            QFileDevice::ReadUser | QFileDevice::WriteUser | QFileDevice::ExeUser;
-        if (before.exists())
-            temporary.setPermissions(before.permissions() & ~thisUser);
+    if (temporary.open())
         return true;
-    }
     const int error = errno;
-    whyNot = Storing::reasonOf(temporary, error);
-    return error == EACCES && openInPlace();
+    whyNot = error != 0 ? Storing::reason(error) : tr("no file can be made there");
+    return isOfTheFolder(error) && openInPlace();
+}
+
+/// What is there must be a file that may be written to, or nothing. A pipe, a socket or a device would be
+/// replaced by a file.
+bool DurableFile::isWritable()
+{
+    const QFileInfo before(path);
+    if (before.isSymLink())
+        whyNot = Storing::reason(ELOOP);
+    else if (before.exists() && !before.isFile())
+        whyNot = tr("there is something that is no file");
+    else if (before.exists() && !before.isWritable())
+        whyNot = tr("the file may not be written to");
+    return whyNot.isEmpty();
 }
 
 bool DurableFile::openInPlace()
@@ -69,12 +79,19 @@ QString DurableFile::replaceBy(const QByteArray &content)
 
 QString DurableFile::replaceThroughTemporary(const QByteArray &content)
 {
-    if (QString trouble = Storing::write(temporary, content); !trouble.isEmpty())
+    if (QString trouble = temporary.write(content); !trouble.isEmpty())
         return trouble;
-    if (QString trouble = Storing::putOnDisk(temporary.handle()); !trouble.isEmpty())
-        return trouble;
-    errno = 0;
-    return temporary.commit() ? QString() : Storing::reasonOf(temporary, errno);
+    temporary.takePropertiesOf(path);
+    const int error = temporary.replace(path);
+    if (error == 0)
+        return {};
+    if (!forbidsReplacing(error) || !QFileInfo::exists(path) || !openInPlace())
+        return Storing::reason(error);
+    // Complete and on the disk as it is, the temporary is better than half a file.
+    QString trouble = replaceInPlace(content);
+    if (!trouble.isEmpty())
+        rescuedTo = temporary.stay();
+    return trouble;
 }
 
 QString DurableFile::replaceInPlace(const QByteArray &content)

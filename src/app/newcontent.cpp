@@ -1,8 +1,10 @@
 #include "app/newcontent.h"
 
+#include "app/fileproperties.h"
 #include "app/storing.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <cerrno>
 
@@ -16,16 +18,25 @@
 
 namespace {
 
-/// Moves a file to a name that nobody has; 0, or what the system says of it.
+// Both move a file in its folder; 0, or what the system says of it.
 #ifdef Q_OS_WIN
-int movedToFreeName(const QString &from, const QString &to)
+int moved(const QString &from, const QString &to, DWORD how)
 {
     const auto wide = [](const QString &path) { return reinterpret_cast<const wchar_t *>(path.utf16()); };
-    if (MoveFileExW(wide(from), wide(to), MOVEFILE_WRITE_THROUGH))
+    if (MoveFileExW(wide(from), wide(to), MOVEFILE_WRITE_THROUGH | how))
         return 0;
     return GetLastError() == ERROR_ALREADY_EXISTS || GetLastError() == ERROR_FILE_EXISTS ? EEXIST : EIO;
 }
+
+int movedToFreeName(const QString &from, const QString &to) { return moved(from, to, 0); }
+
+int movedOver(const QString &from, const QString &to) { return moved(from, to, MOVEFILE_REPLACE_EXISTING); }
 #else
+int movedOver(const QString &from, const QString &to)
+{
+    return rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0 ? 0 : errno;
+}
+
 int movedToFreeName(const QString &from, const QString &to)
 {
     const QByteArray source = QFile::encodeName(from);
@@ -73,12 +84,48 @@ QString NewContent::write(const QByteArray &content)
     return Storing::putOnDisk(file.handle());
 }
 
-NewContent::Naming NewContent::takeFreeName(const QString &path)
+/// The name that it has beside the file. It may get it only now, and not at all if the disk is broken; errno
+/// tells why.
+QString NewContent::present()
 {
     errno = 0;
-    const QString present =
-        file.fileName(); // which it may get only now, and not at all if the disk is broken
-    const int error = present.isEmpty() ? (errno != 0 ? errno : EIO) : movedToFreeName(present, path);
+    QString name = file.fileName();
+    if (name.isEmpty() && errno == 0)
+        errno = EIO;
+    return name;
+}
+
+void NewContent::takePropertiesOf(const QString &path)
+{
+    if (QFileInfo::exists(path))
+        FileProperties::takeOver(path, file);
+    else
+        takePropertiesOfNewFiles();
+}
+
+void NewContent::takePropertiesOfNewFiles() { FileProperties::beNew(file); }
+
+int NewContent::replace(const QString &path)
+{
+    const QString name = present();
+    const int error = name.isEmpty() ? errno : movedOver(name, path);
+    if (error == 0) {
+        file.setAutoRemove(false);
+        Storing::putNamesOnDisk(path);
+    }
+    return error;
+}
+
+QString NewContent::stay()
+{
+    file.setAutoRemove(false);
+    return present();
+}
+
+NewContent::Naming NewContent::takeFreeName(const QString &path)
+{
+    const QString name = present();
+    const int error = name.isEmpty() ? errno : movedToFreeName(name, path);
     if (error == EEXIST)
         return Naming::taken;
     if (error != 0) {

@@ -19,6 +19,13 @@ public:
     bool open();
     /// Once after open(). Returns why the content could not be stored, empty if it is.
     QString write(const QByteArray &content);
+    /// Gives it who may do what with that file, or with new ones if there is no such file.
+    void takePropertiesOf(const QString &path);
+    void takePropertiesOfNewFiles();
+    /// Puts it in the place of that file in the same folder; 0, or what the system says of it.
+    int replace(const QString &path);
+    /// Lets it stay under the name that it has, and returns that.
+    QString stay();
     /// Gives it that name in the same folder if nobody has it, not even a link. If it is taken another one
     /// can be tried.
     Naming takeFreeName(const QString &path);
@@ -26,6 +33,8 @@ public:
     const QString &trouble() const { return whyNot; }
 
 private:
+    QString present();
+
     QTemporaryFile file;
     QString whyNot;
 };

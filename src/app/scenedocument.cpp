@@ -68,21 +68,23 @@ QByteArray SceneDocument::unsavedBytes() const
     return hashOf(all) == onDisk ? QByteArray() : all;
 }
 
-QString SceneDocument::saveTo(const QString &file)
+Saving SceneDocument::saveTo(const QString &file)
 {
     DurableFile written(file);
     if (!written.open()) {
         qWarning() << "Couldn't open file for writing.";
-        return written.trouble();
+        return {written.trouble(), {}};
     }
     qInfo() << "Tabs to save" << tabs.views().size();
+    Saving saving;
     const QByteArray all = bytes();
-    QString trouble = written.replaceBy(all);
-    if (trouble.isEmpty())
+    saving.trouble = written.replaceBy(all);
+    saving.rescue = written.rescue();
+    if (saving.trouble.isEmpty())
         onDisk = hashOf(all);
     else
-        qWarning() << "Couldn't write the scene file:" << file << trouble;
-    return trouble;
+        qWarning() << "Couldn't write the scene file:" << file << saving.trouble;
+    return saving;
 }
 
 Opening SceneDocument::loadFrom(const QString &file, const std::function<void()> &leaving)

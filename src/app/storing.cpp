@@ -11,7 +11,6 @@
 #include <io.h>
 #else
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -83,16 +82,5 @@ void Storing::putNamesOnDisk(const QString &path)
         return;
     fsync(handle);
     close(handle);
-#endif
-}
-
-int Storing::modeOfNewFiles()
-{
-#ifdef Q_OS_WIN
-    return 0666;
-#else
-    const mode_t mask = umask(077); // it can only be asked by being set
-    umask(mask);
-    return int(0666U & ~mask);
 #endif
 }

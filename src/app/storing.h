@@ -18,7 +18,5 @@ QString write(QFileDevice &file, const QByteArray &content);
 QString putOnDisk(int handle);
 /// Waits until the names in the folder of that file are on the disk, as far as the system lets us.
 void putNamesOnDisk(const QString &path);
-/// What a program gives to a file that it makes.
-int modeOfNewFiles();
 
 } // namespace Storing

@@ -11,11 +11,11 @@ using Subject = Notices::Subject;
 
 bool WorkKeeper::saveTo(const QString &path)
 {
-    const QString trouble = document.saveTo(path);
-    if (!trouble.isEmpty()) {
+    const Saving saving = document.saveTo(path);
+    if (!saving.trouble.isEmpty()) {
         failedPath = path;
-        failedWhy = trouble;
-        notices.fail(Subject::save, Wording::notSaved(path, trouble, {}));
+        failedWhy = saving.trouble;
+        notices.fail(Subject::save, Wording::notSaved(path, saving.trouble, saving.rescue));
         return false;
     }
     notices.succeed(Subject::save);

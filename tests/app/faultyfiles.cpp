@@ -23,7 +23,7 @@ namespace {
 
 using Call = FaultyFiles::Call;
 
-constexpr std::size_t kindsOfCall = std::size_t(Call::close) + 1;
+constexpr std::size_t kindsOfCall = std::size_t(Call::setAttribute) + 1;
 
 struct ArmedFault
 {
@@ -59,7 +59,7 @@ bool concerns(int descriptor)
     std::snprintf(link.data(), link.size(), "/proc/self/fd/%d", descriptor);
     std::array<char, PATH_MAX> target{};
     const ssize_t length = readlink(link.data(), target.data(), target.size() - 1);
-    return length > 0 && concerns(target.data());
+    return length > 0 && (target.data() == armed.canonicalFolder || concerns(target.data()));
 }
 
 /// Counts the call. What it is to fail with, 0 for half a success; nothing if it is left alone.
@@ -162,6 +162,9 @@ int faultyLink(const char *from, const char *to) STANDS_FOR("link");
 int faultyLinkat(int fromFolder, const char *from, int toFolder, const char *to, int flags)
     STANDS_FOR("linkat");
 int faultyClose(int file) STANDS_FOR("close");
+int faultyFchown(int file, uid_t owner, gid_t group) STANDS_FOR("fchown");
+int faultyFsetxattr(int file, const char *name, const void *value, size_t size, int flags)
+    STANDS_FOR("fsetxattr");
 }
 
 int faultyOpen(const char *path, int flags, ...)
@@ -244,6 +247,20 @@ int faultyLinkat(int fromFolder, const char *from, int toFolder, const char *to,
     static const auto real = next(&faultyLinkat, "linkat");
     const int error = faultOf(Call::rename, to).value_or(0);
     return error ? failed(error) : real(fromFolder, from, toFolder, to, flags);
+}
+
+int faultyFchown(int file, uid_t owner, gid_t group)
+{
+    static const auto real = next(&faultyFchown, "fchown");
+    const int error = faultOf(Call::giveAway, file).value_or(0);
+    return error ? failed(error) : real(file, owner, group);
+}
+
+int faultyFsetxattr(int file, const char *name, const void *value, size_t size, int flags)
+{
+    static const auto real = next(&faultyFsetxattr, "fsetxattr");
+    const int error = faultOf(Call::setAttribute, file).value_or(0);
+    return error ? failed(error) : real(file, name, value, size, flags);
 }
 
 int faultyClose(int file)

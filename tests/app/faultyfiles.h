@@ -4,7 +4,8 @@
 
 #include <vector>
 
-/// Lets calls into the operating system fail for the files below one folder, during its lifetime.
+/// Lets calls into the operating system fail for the files below one folder and its own handle, during its
+/// lifetime.
 ///
 /// The program that links faultyfiles.cpp must export its symbols, so that Qt's calls come here first. One
 /// object at a time.
@@ -20,6 +21,8 @@ public:
         sync,
         rename, // or giving a name to an unnamed file
         close,
+        giveAway,     // to another owner or group
+        setAttribute, // access lists as well
     };
 
     struct Fault

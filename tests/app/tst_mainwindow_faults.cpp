@@ -25,8 +25,8 @@ struct Trouble
     const char *outcome; // of a save whose 1st, 2nd, ... call is hit, as a pattern: r reported, . harmless
 };
 
-// A write that fails once may be tried again. QSaveFile syncs and closes once more after the program has done
-// so; by then every byte is on the disk.
+// A write that fails once may be tried again, and so may giving a name to an unnamed temporary. The folder is
+// synced, and it and the temporary are closed, when every byte is on the disk under its name.
 const Trouble troubles[] = {
     {"I/O error at a write", Call::write, EIO, false, 0, "[r.]+"},
     {"I/O errors from a write on", Call::write, EIO, true, 0, "r+"},
@@ -41,10 +41,10 @@ const Trouble troubles[] = {
     {"I/O error at a sync", Call::sync, EIO, false, 0, "r\\."},
     {"disk full from a sync on", Call::sync, ENOSPC, true, 0, "r\\."},
     {"quota used up from a sync on", Call::sync, EDQUOT, true, 0, "r\\."},
-    {"I/O error at a close", Call::close, EIO, false, 0, "r\\."},
-    {"disk full from a close on", Call::close, ENOSPC, true, 0, "r\\."},
-    {"quota used up from a close on", Call::close, EDQUOT, true, 0, "r\\."},
-    {"I/O error at a rename", Call::rename, EIO, false, 0, "r(\\.r)?"},
+    {"I/O error at a close", Call::close, EIO, false, 0, "r\\.\\."},
+    {"disk full from a close on", Call::close, ENOSPC, true, 0, "r\\.\\."},
+    {"quota used up from a close on", Call::close, EDQUOT, true, 0, "r\\.\\."},
+    {"I/O error at a rename", Call::rename, EIO, false, 0, "\\.?r"},
     {"I/O errors from a rename on", Call::rename, EIO, true, 0, "r+"},
     {"disk full from a rename on", Call::rename, ENOSPC, true, 0, "r+"},
     {"quota used up from a rename on", Call::rename, EDQUOT, true, 0, "r+"},

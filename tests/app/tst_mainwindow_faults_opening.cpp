@@ -13,6 +13,7 @@ using Fault = FaultyFiles::Fault;
 const QString storyName = QStringLiteral("story.scene");
 const QString autosaves = QStringLiteral("Fablegrid/Autosavedir");
 const QByteArray oldBytes = documentBytes({{}, {}});
+QByteArray longerBytes() { return smallDocument() + smallDocument(); }
 const QString cannotWrite = QStringLiteral("Couldn't open file for writing.");
 
 /// No file can be made in any folder, on a disk that knows unnamed files and on one that does not.
@@ -95,18 +96,20 @@ private:
 void tst_MainWindowFaultsOpening::deniedFolderIsWrittenDirectly_data()
 {
     QTest::addColumn<bool>("unnamed");
-    QTest::newRow("unnamed") << true;
-    QTest::newRow("named") << false;
+    QTest::addColumn<int>("error");
+    QTest::newRow("unnamed") << true << EACCES;
+    QTest::newRow("named") << false << EACCES;
+    QTest::newRow("mounted by itself in a read-only folder") << true << EROFS;
 }
 
 // A file that may be written in a folder that may not.
 void tst_MainWindowFaultsOpening::deniedFolderIsWrittenDirectly()
 {
     QFETCH(const bool, unnamed);
-    const QByteArray longer = smallDocument() + smallDocument();
-    for (const QByteArray &former : {oldBytes, longer}) {
+    QFETCH(const int, error);
+    for (const QByteArray &former : {oldBytes, longerBytes()}) {
         QVERIFY(writeFile(path(storyName), former));
-        QCOMPARE(saveAgain(noNewFile(unnamed, EACCES)), QStringList());
+        QCOMPARE(saveAgain(noNewFile(unnamed, error)), QStringList());
         QCOMPARE(readFile(path(storyName)), smallDocument());
         QCOMPARE(files(), QStringList{storyName});
     }
@@ -146,11 +149,14 @@ void tst_MainWindowFaultsOpening::failedOpeningChangesNothing_data()
     for (const bool unnamed : {true, false}) {
         for (const auto &[name, error] :
              {std::pair("I/O error", EIO), std::pair("disk full", ENOSPC), std::pair("quota used up", EDQUOT),
-              std::pair("read-only disk", EROFS), std::pair("too many open files", EMFILE)})
+              std::pair("too many open files", EMFILE)})
             QTest::addRow("%s, %s", unnamed ? "unnamed" : "named", name) << noNewFile(unnamed, error);
-        std::vector<Fault> denied = noNewFile(unnamed, EACCES);
-        denied.push_back({Call::openForWriting, 1, EACCES, true});
-        QTest::addRow("%s, denied in every way", unnamed ? "unnamed" : "named") << denied;
+        for (const auto &[name, error] :
+             {std::pair("denied in every way", EACCES), std::pair("read-only disk", EROFS)}) {
+            std::vector<Fault> denied = noNewFile(unnamed, error);
+            denied.push_back({Call::openForWriting, 1, error, true});
+            QTest::addRow("%s, %s", unnamed ? "unnamed" : "named", name) << denied;
+        }
     }
 }
 
