@@ -1,24 +1,73 @@
 #include "app/autosavefolder.h"
 
 #include "app/durablefile.h"
+#include "app/newcontent.h"
 #include "app/scenedocument.h"
+#include "app/storing.h"
 
 #include <QDateTime>
 #include <QDebug>
 #include <QDir>
+#include <QFileInfo>
 #include <QStandardPaths>
+
+#include <cerrno>
 
 namespace {
 
-/// Where the next copy goes; makes the folder if there is none.
-QString pathOfNextCopy()
+using Copy = AutosaveFolder::Copy;
+
+constexpr int mostTries = 1000; // names of one copy, a second apart
+
+/// The folder's path up to the file's name; makes the folder if there is none.
+QString preparedFolder()
 {
     const QString folder = AutosaveFolder::usualFolder();
     if (!QDir().exists(folder))
         QDir().mkpath(folder);
-    const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd_hhmmss"));
-    return folder + QDir::separator() + QStringLiteral("Yarnsmith_") + stamp +
-           QStringLiteral("_autosaveVersion.scene");
+    return folder + QDir::separator();
+}
+
+QString nameOf(const QDateTime &moment)
+{
+    const QString stamp = moment.toString(QStringLiteral("yyyyMMdd_hhmmss"));
+    return QStringLiteral("Yarnsmith_") + stamp + QStringLiteral("_autosaveVersion.scene");
+}
+
+Copy notOpened(const QString &path, const QString &why)
+{
+    qWarning() << "Failed to open autosave file for writing:" << path;
+    return {path, why};
+}
+
+Copy notWritten(const QString &path, const QString &why)
+{
+    qWarning() << "Failed to write autosave file:" << path << why;
+    return {path, why};
+}
+
+/// Takes the name of that moment, or that of the next second that nobody has.
+Copy makeNew(const QString &folder, QDateTime moment, const SceneDocument &document)
+{
+    const QString path = folder + nameOf(moment);
+    NewContent content(path);
+    if (!content.open())
+        return notOpened(path, Storing::reason(errno));
+    if (const QString trouble = content.write(document.bytes()); !trouble.isEmpty())
+        return notWritten(path, trouble);
+    content.takePropertiesOfNewFiles();
+    for (int i = 0; i < mostTries; ++i, moment = moment.addSecs(1)) {
+        const QString free = folder + nameOf(moment);
+        switch (content.takeFreeName(free)) {
+        case NewContent::Naming::done:
+            return {free, {}};
+        case NewContent::Naming::failed:
+            return notWritten(path, content.trouble());
+        case NewContent::Naming::taken:
+            break;
+        }
+    }
+    return notWritten(path, Storing::reason(EEXIST));
 }
 
 } // namespace
@@ -31,16 +80,27 @@ QString AutosaveFolder::usualFolder()
 
 AutosaveFolder::Copy AutosaveFolder::keep(const SceneDocument &document)
 {
-    const QString path = pathOfNextCopy();
-    DurableFile file(path);
-    if (!file.open()) {
-        qWarning() << "Failed to open autosave file for writing:" << path;
-        return {path, file.trouble()};
+    return keepAt(QDateTime::currentDateTime(), document);
+}
+
+AutosaveFolder::Copy AutosaveFolder::keepAt(const QDateTime &moment, const SceneDocument &document)
+{
+    const QString folder = preparedFolder();
+    const bool isOwn = !last.isEmpty() && last == folder + nameOf(moment) && QFileInfo(last).isFile() &&
+                       !QFileInfo(last).isSymLink();
+    Copy copy = isOwn ? replaceLast(document) : makeNew(folder, moment, document);
+    if (copy.trouble.isEmpty()) {
+        last = copy.path;
+        qInfo() << "Autosaved scene to:" << copy.path;
     }
-    if (const QString trouble = file.replaceBy(document.bytes()); !trouble.isEmpty()) {
-        qWarning() << "Failed to write autosave file:" << path << trouble;
-        return {path, trouble};
-    }
-    qInfo() << "Autosaved scene to:" << path;
-    return {path, {}};
+    return copy;
+}
+
+AutosaveFolder::Copy AutosaveFolder::replaceLast(const SceneDocument &document) const
+{
+    DurableFile file(last);
+    if (!file.open())
+        return notOpened(last, file.trouble());
+    const QString trouble = file.replaceBy(document.bytes());
+    return trouble.isEmpty() ? Copy{last, {}} : notWritten(last, trouble);
 }

@@ -2,21 +2,31 @@
 
 #include <QString>
 
+class QDateTime;
 class SceneDocument;
 
-/// Where a document is put by once a minute, each time as a new file that is named after the second.
-namespace AutosaveFolder {
-
-/// The one below the user's documents.
-QString usualFolder();
-
-struct Copy
+/// Where a window's document is put by once a minute, each time as a new file that is named after the second.
+///
+/// A name is taken only if nobody has it: another instance of the program may have been started in the same
+/// second, and an hour may come twice. What this very object has written in the same second is replaced.
+class AutosaveFolder
 {
-    QString path;
-    QString trouble; // why it could not be written, else empty
+public:
+    struct Copy
+    {
+        QString path;
+        QString trouble; // why it could not be written, else empty
+    };
+
+    /// The one below the user's documents.
+    static QString usualFolder();
+    /// Writes one more copy, and says in the log what came of it.
+    Copy keep(const SceneDocument &document);
+    /// As above, at another moment than now; local time.
+    Copy keepAt(const QDateTime &moment, const SceneDocument &document);
+
+private:
+    Copy replaceLast(const SceneDocument &document) const;
+
+    QString last; // the path of the last copy, empty if there is none
 };
-
-/// Writes one more copy, and says in the log what came of it.
-Copy keep(const SceneDocument &document);
-
-} // namespace AutosaveFolder

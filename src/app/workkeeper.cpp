@@ -1,6 +1,5 @@
 #include "app/workkeeper.h"
 
-#include "app/autosavefolder.h"
 #include "app/notices.h"
 #include "app/scenedocument.h"
 #include "app/wording.h"
@@ -56,7 +55,7 @@ void WorkKeeper::keep(KeptCopies::Occasion occasion) { tell(keepCopy(occasion));
 
 void WorkKeeper::autosave()
 {
-    const AutosaveFolder::Copy copy = AutosaveFolder::keep(document);
+    const AutosaveFolder::Copy copy = autosaves.keep(document);
     if (copy.trouble.isEmpty())
         notices.succeed(Subject::autosave);
     else

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/autosavefolder.h"
 #include "app/keptcopies.h"
 
 #include <QString>
@@ -33,6 +34,7 @@ private:
 
     SceneDocument &document;
     Notices &notices;
+    AutosaveFolder autosaves;
     QString failedPath; // of the last save that failed
     QString failedWhy;
 };

@@ -173,9 +173,17 @@ void tst_MainWindowFaultsOpening::failedOpeningChangesNothing()
     QCOMPARE(files(), QStringList{storyName});
 }
 
+// It has a new name each time, so there is nothing that could be written in place.
 void tst_MainWindowFaultsOpening::failedOpeningOfAnAutosaveLeavesNothing_data()
 {
-    failedOpeningChangesNothing_data();
+    QTest::addColumn<std::vector<Fault>>("faults");
+    for (const bool unnamed : {true, false}) {
+        for (const auto &[name, error] :
+             {std::pair("I/O error", EIO), std::pair("disk full", ENOSPC), std::pair("quota used up", EDQUOT),
+              std::pair("read-only disk", EROFS), std::pair("too many open files", EMFILE),
+              std::pair("denied", EACCES)})
+            QTest::addRow("%s, %s", unnamed ? "unnamed" : "named", name) << noNewFile(unnamed, error);
+    }
 }
 
 void tst_MainWindowFaultsOpening::failedOpeningOfAnAutosaveLeavesNothing()
