@@ -65,8 +65,10 @@ QByteArray SceneDocument::unsavedBytes() const
         return {};
     const WithoutProgress quiet;
     const QByteArray all = bytes();
-    return hashOf(all) == onDisk ? QByteArray() : all;
+    return isOnDisk(all) ? QByteArray() : all;
 }
+
+bool SceneDocument::isOnDisk(const QByteArray &content) const { return hashOf(content) == onDisk; }
 
 Saving SceneDocument::saveTo(const QString &file)
 {

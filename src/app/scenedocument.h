@@ -37,6 +37,8 @@ public:
     /// As bytes(), without a line in the log, if they would be lost with the tabs: some tab holds an event,
     /// and they are not what was last read from a file or written to one. Else empty.
     QByteArray unsavedBytes() const;
+    /// Whether those are the bytes that were last read from a file or written to one.
+    bool isOnDisk(const QByteArray &content) const;
     /// Writes all tabs to that file, whole or not at all. The document's own path stays what it is.
     Saving saveTo(const QString &file);
     /// Replaces all tabs by those of the file, which becomes the document; `leaving` is called before the

@@ -91,3 +91,12 @@ QString Wording::of(const KeptCopies::Kept &kept)
     return sentence(
         Texts::tr("What was not saved could not be kept in %1: %2").arg(folderOf(kept.path), kept.trouble));
 }
+
+QString Wording::ofOther(const KeptCopies::Kept &kept)
+{
+    if (kept.trouble.isEmpty())
+        return Texts::tr("What was in the file before is kept as %1 in %2")
+            .arg(nameOf(kept.path), folderOf(kept.path));
+    return sentence(Texts::tr("What was in the file before could not be kept in %1: %2")
+                        .arg(folderOf(kept.path), kept.trouble));
+}

@@ -17,5 +17,7 @@ QString notOpened(const QString &path, const QString &why);
 QString damaged(const QString &path, const Opening &opening);
 /// Of a copy that was kept, or could not be.
 QString of(const KeptCopies::Kept &kept);
+/// The same of what was in the file before a save, and was not of this window.
+QString ofOther(const KeptCopies::Kept &kept);
 
 } // namespace Wording

@@ -2,14 +2,24 @@
 
 #include "app/notices.h"
 #include "app/scenedocument.h"
+#include "app/wholefile.h"
 #include "app/wording.h"
 
 #include <QByteArray>
+#include <QFileInfo>
 
 using Subject = Notices::Subject;
 
+namespace {
+
+/// It never got so far as to have a name.
+KeptCopies::Kept notKept(const QString &why) { return {KeptCopies::usualFolder() + QLatin1Char('/'), why}; }
+
+} // namespace
+
 bool WorkKeeper::saveTo(const QString &path)
 {
+    const KeptCopies::Kept other = keepWhatStandsThere(path);
     const Saving saving = document.saveTo(path);
     if (!saving.trouble.isEmpty()) {
         failedPath = path;
@@ -18,7 +28,16 @@ bool WorkKeeper::saveTo(const QString &path)
         return false;
     }
     notices.succeed(Subject::save);
-    notices.tell(Wording::saved(path, document.tabCount(), document.eventCount()));
+    QString text = Wording::saved(path, document.tabCount(), document.eventCount());
+    if (!other.path.isEmpty())
+        text += QStringLiteral(". ") + Wording::ofOther(other);
+    if (!other.trouble.isEmpty()) {
+        notices.fail(Subject::keeping, text);
+        return true;
+    }
+    if (!other.path.isEmpty())
+        notices.succeed(Subject::keeping);
+    notices.tell(text);
     return true;
 }
 
@@ -67,6 +86,21 @@ KeptCopies::Kept WorkKeeper::keepCopy(KeptCopies::Occasion occasion) const
 {
     const QByteArray unsaved = document.unsavedBytes();
     return unsaved.isEmpty() ? KeptCopies::Kept() : KeptCopies().keep(unsaved, occasion);
+}
+
+/// Another window or program may have saved into that file since this one has read it or written to it, or
+/// the user may have chosen it to save over. Without a path if nothing stands there that this window does not
+/// know.
+KeptCopies::Kept WorkKeeper::keepWhatStandsThere(const QString &path) const
+{
+    if (!QFileInfo(path).isFile())
+        return {};
+    const WholeFile there(path);
+    if (!there.trouble().isEmpty())
+        return notKept(there.trouble());
+    if (there.content().isEmpty() || document.isOnDisk(there.content()))
+        return {};
+    return KeptCopies().keep(there.content(), KeptCopies::Occasion::other);
 }
 
 void WorkKeeper::tell(const KeptCopies::Kept &kept)

@@ -30,6 +30,7 @@ public:
 
 private:
     KeptCopies::Kept keepCopy(KeptCopies::Occasion occasion) const;
+    KeptCopies::Kept keepWhatStandsThere(const QString &path) const;
     void tell(const KeptCopies::Kept &kept);
 
     SceneDocument &document;

@@ -26,7 +26,8 @@ struct Trouble
 };
 
 // A write that fails once may be tried again, and so may giving a name to an unnamed temporary. The folder is
-// synced, and it and the temporary are closed, when every byte is on the disk under its name.
+// synced, and it and the temporary are closed, when every byte is on the disk under its name. Before a save
+// the file and the copy that is kept of it are read and closed.
 const Trouble troubles[] = {
     {"I/O error at a write", Call::write, EIO, false, 0, "[r.]+"},
     {"I/O errors from a write on", Call::write, EIO, true, 0, "r+"},
@@ -41,9 +42,9 @@ const Trouble troubles[] = {
     {"I/O error at a sync", Call::sync, EIO, false, 0, "r\\."},
     {"disk full from a sync on", Call::sync, ENOSPC, true, 0, "r\\."},
     {"quota used up from a sync on", Call::sync, EDQUOT, true, 0, "r\\."},
-    {"I/O error at a close", Call::close, EIO, false, 0, "r\\.\\."},
-    {"disk full from a close on", Call::close, ENOSPC, true, 0, "r\\.\\."},
-    {"quota used up from a close on", Call::close, EDQUOT, true, 0, "r\\.\\."},
+    {"I/O error at a close", Call::close, EIO, false, 0, "(\\.\\.)?r\\.\\."},
+    {"disk full from a close on", Call::close, ENOSPC, true, 0, "(rr)?r\\.\\."},
+    {"quota used up from a close on", Call::close, EDQUOT, true, 0, "(rr)?r\\.\\."},
     {"I/O error at a rename", Call::rename, EIO, false, 0, "\\.?r"},
     {"I/O errors from a rename on", Call::rename, EIO, true, 0, "r+"},
     {"disk full from a rename on", Call::rename, ENOSPC, true, 0, "r+"},
@@ -52,8 +53,9 @@ const Trouble troubles[] = {
 
 const QString oldName = QStringLiteral("story.scene");
 const QString autosaves = QStringLiteral("Fablegrid/Autosavedir");
+// What stands in the file is kept already, so that the calls of a save are those of the file alone.
 const QStringList laidOut{autosaves + QStringLiteral("/Yarnsmith_20200101_120000_autosaveVersion.scene"),
-                          oldName};
+                          QStringLiteral("Fablegrid/Kept/20200101_120000_000_other.scene"), oldName};
 const QByteArray oldBytes = documentBytes({{}, {}});
 
 } // namespace
@@ -71,6 +73,7 @@ private slots:
         failOnWarningsOfTheProgram();
         home = std::make_unique<PrivateHome>();
         QVERIFY(QDir().mkpath(folder() + QLatin1Char('/') + autosaves));
+        QVERIFY(QDir().mkpath(path(QStringLiteral("Fablegrid/Kept"))));
     }
     void cleanup()
     {

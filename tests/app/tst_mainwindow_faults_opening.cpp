@@ -12,6 +12,7 @@ using Fault = FaultyFiles::Fault;
 
 const QString storyName = QStringLiteral("story.scene");
 const QString autosaves = QStringLiteral("Fablegrid/Autosavedir");
+const QString kept = QStringLiteral("Fablegrid/Kept");
 const QByteArray oldBytes = documentBytes({{}, {}});
 QByteArray longerBytes() { return smallDocument() + smallDocument(); }
 const QString cannotWrite = QStringLiteral("Couldn't open file for writing.");
@@ -37,6 +38,11 @@ private slots:
         failOnWarningsOfTheProgram();
         home = std::make_unique<PrivateHome>();
         QVERIFY(QDir().mkpath(path(autosaves)));
+        // What is going to stand in the file is kept already, so that the calls of a save are the file's
+        // alone.
+        QVERIFY(QDir().mkpath(path(kept)));
+        QVERIFY(writeFile(path(kept) + QStringLiteral("/20200101_120000_000_other.scene"), oldBytes));
+        QVERIFY(writeFile(path(kept) + QStringLiteral("/20200101_120000_001_other.scene"), longerBytes()));
         QVERIFY(writeFile(path(storyName), smallDocument()));
         window = std::make_unique<MainWindow>();
         window->loadFrom(path(storyName));
@@ -67,7 +73,12 @@ private slots:
 
 private:
     QString path(const QString &name) const { return home->filePath(QStringLiteral("Documents/")) + name; }
-    QStringList files() const { return filesBelow(path({})); }
+    QStringList files() const
+    {
+        QStringList names = filesBelow(path({}));
+        names.removeIf([](const QString &name) { return name.startsWith(kept); });
+        return names;
+    }
     /// Saves with these faults; each must have been met. Returns the warnings.
     QStringList save(const std::vector<Fault> &faults, const std::function<void()> &saving)
     {

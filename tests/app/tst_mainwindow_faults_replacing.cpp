@@ -192,6 +192,7 @@ void tst_MainWindowFaultsReplacing::whatIsNoFileIsRefused()
 
 void tst_MainWindowFaultsReplacing::folderIsSynced()
 {
+    QVERIFY(writeFile(story(), smallDocument())); // or there would be a copy of what stood there, too
     const FaultyFiles counting(home->filePath(QString()), {});
     QVERIFY(window->saveTo(story()));
     QCOMPARE(counting.calls(Call::sync), 2); // the file, and the folder with its name

@@ -1,3 +1,4 @@
+#include "app/noticestrip.h"
 #include "app/windowsupport.h"
 #include "faults/savedocuments.h"
 #include "support/testsupport.h"
@@ -57,6 +58,8 @@ private slots:
     void autosavedWorkIsKept();
     void savedCopyElsewhereCounts();
     void keepingSaysNothing();
+    void whatAnotherProgramHasSavedIsKept_data();
+    void whatAnotherProgramHasSavedIsKept();
 
 private:
     QString path(const QString &name) const { return home->filePath(name); }
@@ -265,6 +268,50 @@ void tst_MainWindowKept::keepingSaysNothing()
              QStringList());
     qInfo() << "The log goes on";
     QVERIFY(log.contains(QStringLiteral("The log goes on")));
+}
+
+void tst_MainWindowKept::whatAnotherProgramHasSavedIsKept_data()
+{
+    QTest::addColumn<bool>("opened");
+    QTest::addColumn<bool>("othersCame");
+    QTest::newRow("saved before") << false << true;
+    QTest::newRow("opened before") << true << true;
+    QTest::newRow("saved before, nobody came") << false << false;
+    QTest::newRow("opened before, nobody came") << true << false;
+}
+
+void tst_MainWindowKept::whatAnotherProgramHasSavedIsKept()
+{
+    QFETCH(const bool, opened);
+    QFETCH(const bool, othersCame);
+    const QString file = path(QStringLiteral("story.scene"));
+    const QByteArray others = documentBytes({{}, {}, {}});
+    if (opened) {
+        QVERIFY(writeFile(file, documentBytes({{}, {}})));
+        window->loadFrom(file);
+        write();
+    } else {
+        write();
+        QVERIFY(window->saveTo(file));
+        sceneOf(*window, 0)->nodes().front()->setPos(100, 200);
+    }
+    if (othersCame)
+        QVERIFY(writeFile(file, others));
+    QVERIFY(window->saveTo(file));
+    QVERIFY(readFile(file) != others);
+    const QStringList files = filesBelow(kept());
+    const QString notice = window->findChild<NoticeStrip *>()->accessibleName();
+    QVERIFY2(notice.startsWith(QStringLiteral("Saved story.scene (2 tabs, 2 events)")), qPrintable(notice));
+    if (!othersCame) {
+        QCOMPARE(files, QStringList());
+        return;
+    }
+    QCOMPARE(files.size(), 1);
+    QVERIFY2(files.front().endsWith(QStringLiteral("_other.scene")), qPrintable(files.front()));
+    QCOMPARE(readFile(kept() + QLatin1Char('/') + files.front()), others);
+    QVERIFY2(notice.contains(files.front()), qPrintable(notice));
+    QVERIFY(window->saveTo(file)); // by now it is this window's own
+    QCOMPARE(filesBelow(kept()), files);
 }
 
 QTEST_MAIN(tst_MainWindowKept)

@@ -9,6 +9,7 @@ namespace {
 
 const QString storyName = QStringLiteral("story.scene");
 const QString fillerName = QStringLiteral("filler");
+const QString kept = QStringLiteral("Fablegrid/Kept");
 const QByteArray oldBytes = documentBytes({{}, {}});
 const QString noRoom = QStringLiteral("No space left on device");
 
@@ -54,6 +55,9 @@ private slots:
         failOnWarningsOfTheProgram();
         home = std::make_unique<PrivateHome>();
         QVERIFY(QDir().mkpath(path(QStringLiteral("Fablegrid/Autosavedir"))));
+        // What is going to stand in the file is kept already, so that a save needs room for the file alone.
+        QVERIFY(QDir().mkpath(path(kept)));
+        QVERIFY(writeFile(path(kept) + QStringLiteral("/20200101_120000_000_other.scene"), oldBytes));
     }
     void cleanup()
     {
@@ -68,6 +72,13 @@ private slots:
 
 private:
     QString path(const QString &name) const { return home->filePath(QStringLiteral("Documents/")) + name; }
+    /// Those that the program has to do with.
+    QStringList files() const
+    {
+        QStringList names = filesBelow(path({}));
+        names.removeIf([](const QString &name) { return name.startsWith(kept); });
+        return names;
+    }
     void open(MainWindow &window, const QByteArray &document) const;
     QStringList save(MainWindow &window, bool automatic) const;
     /// What an autosave made, or what a save had to replace.
@@ -94,17 +105,17 @@ QStringList tst_FullTmpfs::save(MainWindow &window, bool automatic) const
 
 QByteArray tst_FullTmpfs::saved(bool automatic) const
 {
-    QStringList files = filesBelow(path({}));
+    QStringList names = files();
     if (automatic)
-        files.removeAll(storyName);
-    files.removeAll(fillerName);
-    return files.size() == 1 ? readFile(path(files.front())) : files.join(QLatin1Char(' ')).toUtf8();
+        names.removeAll(storyName);
+    names.removeAll(fillerName);
+    return names.size() == 1 ? readFile(path(names.front())) : names.join(QLatin1Char(' ')).toUtf8();
 }
 
 void tst_FullTmpfs::tidyUp() const
 {
-    const QStringList files = filesBelow(path({}));
-    for (const QString &name : files)
+    const QStringList names = files();
+    for (const QString &name : names)
         QFile::remove(path(name));
 }
 
@@ -143,7 +154,7 @@ void tst_FullTmpfs::saveIsAllOrNothing()
                  qPrintable(warnings.front()));
         QVERIFY2(warnings.front().contains(noRoom), qPrintable(warnings.front()));
         QCOMPARE(readFile(path(storyName)), oldBytes);
-        QCOMPARE(filesBelow(path({})), QStringList({fillerName, storyName}));
+        QCOMPARE(files(), QStringList({fillerName, storyName}));
 
         QVERIFY(QFile::remove(path(fillerName)));
         QCOMPARE(save(window, automatic), QStringList());
@@ -169,14 +180,14 @@ void tst_FullTmpfs::noRoomForAFileAtAll()
     open(window, smallDocument());
     QVERIFY(writeFile(path(storyName), oldBytes));
     QVERIFY(fillNames(home->filePath(fillerName)));
-    const QStringList before = filesBelow(path({}));
+    const QStringList before = files();
     const QStringList warnings = save(window, automatic);
     QCOMPARE(warnings.size(), 1);
     QVERIFY2(warnings.front().contains(automatic ? QStringLiteral("Failed to open autosave file for writing:")
                                                  : QStringLiteral("Couldn't open file for writing.")),
              qPrintable(warnings.front()));
     QCOMPARE(readFile(path(storyName)), oldBytes);
-    QCOMPARE(filesBelow(path({})), before);
+    QCOMPARE(files(), before);
 
     QVERIFY(QFile::remove(home->filePath(fillerName + QLatin1Char('0'))));
     QCOMPARE(save(window, automatic), QStringList());
