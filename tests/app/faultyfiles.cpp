@@ -202,6 +202,8 @@ ssize_t faultyRead(int file, void *bytes, size_t size)
 {
     static const auto real = next(&faultyRead, "read");
     const std::optional<int> fault = faultOf(Call::read, file);
+    if (fault == FaultyFiles::endOfFile)
+        return 0;
     if (fault && *fault)
         return failed(*fault);
     return real(file, bytes, fault ? (size + 1) / 2 : size);

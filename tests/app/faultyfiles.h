@@ -25,6 +25,8 @@ public:
         setAttribute, // access lists as well
     };
 
+    static constexpr int endOfFile = -1; // instead of an error: a read finds nothing more
+
     struct Fault
     {
         Call call = Call::write;
