@@ -12,6 +12,7 @@
 #include <QStandardPaths>
 
 #include <cerrno>
+#include <new>
 
 namespace {
 
@@ -88,7 +89,12 @@ AutosaveFolder::Copy AutosaveFolder::keepAt(const QDateTime &moment, const Scene
     const QString folder = preparedFolder();
     const bool isOwn = !last.isEmpty() && last == folder + nameOf(moment) && QFileInfo(last).isFile() &&
                        !QFileInfo(last).isSymLink();
-    Copy copy = isOwn ? replaceLast(document) : makeNew(folder, moment, document);
+    Copy copy;
+    try {
+        copy = isOwn ? replaceLast(document) : makeNew(folder, moment, document);
+    } catch (const std::bad_alloc &) {
+        copy = notWritten(folder + nameOf(moment), Storing::reason(ENOMEM));
+    }
     if (copy.trouble.isEmpty()) {
         last = copy.path;
         qInfo() << "Autosaved scene to:" << copy.path;

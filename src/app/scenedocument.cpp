@@ -3,6 +3,7 @@
 #include "app/documentformat.h"
 #include "app/durablefile.h"
 #include "app/heap.h"
+#include "app/storing.h"
 #include "app/storytabs.h"
 #include "app/wholefile.h"
 #include "scene/nodegraphscene.h"
@@ -13,6 +14,8 @@
 #include <QDebug>
 #include <QLoggingCategory>
 
+#include <cerrno>
+#include <new>
 #include <numeric>
 #include <optional>
 
@@ -79,12 +82,16 @@ Saving SceneDocument::saveTo(const QString &file)
     }
     qInfo() << "Tabs to save" << tabs.views().size();
     Saving saving;
-    const QByteArray all = bytes();
-    saving.trouble = written.replaceBy(all);
-    saving.rescue = written.rescue();
-    if (saving.trouble.isEmpty())
-        onDisk = hashOf(all);
-    else
+    try {
+        const QByteArray all = bytes();
+        saving.trouble = written.replaceBy(all);
+        saving.rescue = written.rescue();
+        if (saving.trouble.isEmpty())
+            onDisk = hashOf(all);
+    } catch (const std::bad_alloc &) {
+        saving.trouble = Storing::reason(ENOMEM);
+    }
+    if (!saving.trouble.isEmpty())
         qWarning() << "Couldn't write the scene file:" << file << saving.trouble;
     return saving;
 }
@@ -100,11 +107,18 @@ Opening SceneDocument::loadFrom(const QString &file, const std::function<void()>
         leaving();
     qInfo() << "Clearing tabs";
     tabs.closeAll();
-    onDisk = hashOf(whole.content());
-    Opening opening = read(file, whole.content());
-    keptAt = file;
-    giveMemoryBack();
-    return opening;
+    try {
+        Opening opening = read(file, whole.content());
+        onDisk = hashOf(whole.content());
+        keptAt = file;
+        giveMemoryBack();
+        return opening;
+    } catch (const std::bad_alloc &) {
+        // Half a document must not get into the file by the next save.
+        clear();
+        qWarning() << "Couldn't open file for reading.";
+        return {Storing::reason(ENOMEM), {}, 0, false};
+    }
 }
 
 Opening SceneDocument::read(const QString &file, const QByteArray &content)

@@ -2,11 +2,16 @@
 
 #include "app/notices.h"
 #include "app/scenedocument.h"
+#include "app/storing.h"
 #include "app/wholefile.h"
 #include "app/wording.h"
 
 #include <QByteArray>
+#include <QDebug>
 #include <QFileInfo>
+
+#include <cerrno>
+#include <new>
 
 using Subject = Notices::Subject;
 
@@ -14,6 +19,18 @@ namespace {
 
 /// It never got so far as to have a name.
 KeptCopies::Kept notKept(const QString &why) { return {KeptCopies::usualFolder() + QLatin1Char('/'), why}; }
+
+template <typename Keeping>
+KeptCopies::Kept asFarAsMemoryLasts(const Keeping &keeping)
+{
+    try {
+        return keeping();
+    } catch (const std::bad_alloc &) {
+        KeptCopies::Kept none = notKept(Storing::reason(ENOMEM));
+        qWarning() << "Failed to keep a copy:" << none.path << none.trouble;
+        return none;
+    }
+}
 
 } // namespace
 
@@ -47,7 +64,10 @@ void WorkKeeper::loadFrom(const QString &path)
     const Opening opening =
         document.loadFrom(path, [this, &kept] { kept = keepCopy(KeptCopies::Occasion::open); });
     if (!opening.trouble.isEmpty()) {
-        notices.fail(Subject::opening, Wording::notOpened(path, opening.trouble));
+        QString text = Wording::notOpened(path, opening.trouble);
+        if (!kept.path.isEmpty())
+            text += QLatin1Char(' ') + Wording::of(kept);
+        notices.fail(Subject::opening, text);
         return;
     }
     notices.succeed(Subject::opening);
@@ -84,8 +104,10 @@ void WorkKeeper::autosave()
 /// Without a path if there was nothing to keep.
 KeptCopies::Kept WorkKeeper::keepCopy(KeptCopies::Occasion occasion) const
 {
-    const QByteArray unsaved = document.unsavedBytes();
-    return unsaved.isEmpty() ? KeptCopies::Kept() : KeptCopies().keep(unsaved, occasion);
+    return asFarAsMemoryLasts([this, occasion] {
+        const QByteArray unsaved = document.unsavedBytes();
+        return unsaved.isEmpty() ? KeptCopies::Kept() : KeptCopies().keep(unsaved, occasion);
+    });
 }
 
 /// Another window or program may have saved into that file since this one has read it or written to it, or
@@ -95,12 +117,14 @@ KeptCopies::Kept WorkKeeper::keepWhatStandsThere(const QString &path) const
 {
     if (!QFileInfo(path).isFile())
         return {};
-    const WholeFile there(path);
-    if (!there.trouble().isEmpty())
-        return notKept(there.trouble());
-    if (there.content().isEmpty() || document.isOnDisk(there.content()))
-        return {};
-    return KeptCopies().keep(there.content(), KeptCopies::Occasion::other);
+    return asFarAsMemoryLasts([this, &path]() -> KeptCopies::Kept {
+        const WholeFile there(path);
+        if (!there.trouble().isEmpty())
+            return notKept(there.trouble());
+        if (there.content().isEmpty() || document.isOnDisk(there.content()))
+            return {};
+        return KeptCopies().keep(there.content(), KeptCopies::Occasion::other);
+    });
 }
 
 void WorkKeeper::tell(const KeptCopies::Kept &kept)
