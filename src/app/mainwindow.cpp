@@ -125,6 +125,8 @@ bool MainWindow::saveTo(const QString &path) { return work->saveTo(path); }
 
 void MainWindow::loadFrom(const QString &path) { work->loadFrom(path); }
 
+void MainWindow::keepForTheEnd() { work->keep(KeptCopies::Occasion::end); }
+
 void MainWindow::clearTabs() { work->startAnew(); }
 
 void MainWindow::autosave() { work->autosave(); }

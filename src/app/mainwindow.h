@@ -40,6 +40,9 @@ public:
     /// changes nothing; a damaged one gives what can be read of it. A copy of what was not saved is kept.
     void loadFrom(const QString &path);
 
+    /// Keeps a copy of what is not saved: the program is about to be ended from outside.
+    void keepForTheEnd();
+
     /// The document's path, empty while it has none.
     QString currentFilePath() const;
     /// The tabs' views in the order of their creation, which is the order in which they are saved.
