@@ -4,14 +4,16 @@
 #   test     running its tests as well (virtual display, window manager, synthetic input)
 #   lint     ./lint
 #   package  making, checking and trying out the Debian package
-#   ci       all of that and the further checks of .ci/run (fuzzing), and coverage
+#   ci       all of that, the further checks of .ci/run (fuzzing, other people's programs), and coverage
 # Silent and quick when nothing is missing. When something is and cannot be installed, says so and fails.
 set -euo pipefail
 
-run_packages=(g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools libqt6svg6 fonts-dejavu-core libcmark-dev)
+run_packages=(g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools qt6-svg-dev fonts-dejavu-core libcmark-dev)
 test_packages=(xvfb xauth openbox xdotool imagemagick x11-utils)
 lint_packages=(clang-14 clang-format-14 clang-tidy-14 clazy git)
 package_packages=(dpkg-dev fakeroot file git lintian desktop-file-utils appstream mandoc debootstrap)
+# What reads the files that stories are exported to.
+peer_packages=(pandoc poppler-utils libxml2-utils librsvg2-bin graphviz sqlite3 python3-jsonschema)
 ci_packages=(gcovr python3 libclang-rt-14-dev qt6-l10n-tools)
 
 case "${1:-}" in
@@ -21,7 +23,7 @@ case "${1:-}" in
     package) wanted=("${run_packages[@]}" "${package_packages[@]}") ;;
     ci)
         wanted=("${run_packages[@]}" "${test_packages[@]}" "${lint_packages[@]}" "${package_packages[@]}"
-            "${ci_packages[@]}")
+            "${peer_packages[@]}" "${ci_packages[@]}")
         ;;
     *)
         echo "usage: ${0##*/} run|test|lint|package|ci" >&2

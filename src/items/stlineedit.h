@@ -30,6 +30,8 @@ public:
     /// Calls `listener` after every change of the text, whether there is a document yet or not.
     void onTextChanged(std::function<void()> listener) { textListener = std::move(listener); }
     QString text() const;
+    /// Of all such texts.
+    static const QFont &textFont();
     /// Paints what it looks like where it is too small to be read, in item coordinates, with so much of its
     /// ground (from 0 to 1); makes nothing.
     void paintGreeked(QPainter &painter, double ground);
@@ -58,7 +60,6 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
-    static const QFont &textFont();
     void keepLate(const QString &text, const QRectF &place);
     void textChanged();
 

@@ -1,5 +1,6 @@
 #include "story/console.h"
 #include "story/outputfile.h"
+#include "story/progress.h"
 #include "story/storycommand.h"
 #include "story/storyformat.h"
 #include "story/storyformats.h"
@@ -132,7 +133,11 @@ private:
         QByteArray content;
         QBuffer buffer(&content);
         buffer.open(QIODevice::WriteOnly);
-        format.write(story, options, buffer);
+        {
+            Progress progress(console);
+            options.tell = [&progress](double part) { progress.reached(part); };
+            format.write(story, options, buffer);
+        }
         buffer.close();
         if (const QString trouble = output.store(content, console); !trouble.isEmpty())
             return refuse(console, output.path(), trouble);

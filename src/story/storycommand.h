@@ -30,6 +30,7 @@ public:
 // Each is made in its own file, src/story/<name>command.cpp.
 const StoryCommand &showCommand();
 const StoryCommand &exportCommand();
+const StoryCommand &pictureCommand();
 const StoryCommand &checkCommand();
 const StoryCommand &importCommand();
 const StoryCommand &diffCommand();

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <set>
 
 class QIODevice;
@@ -19,6 +20,8 @@ struct ExportOptions
     bool withNumbers = false;
     QPageSize::PageSizeId paper = QPageSize::A4;
     QString name; // of the story, for formats that give a document a name
+    /// Told what part is done, from 0 to 1, by formats that take their time.
+    std::function<void(double part)> tell = [](double) {};
 
     bool wants(int tab) const { return tabs.empty() || tabs.contains(tab); }
 };

@@ -10,8 +10,8 @@
 const std::vector<const StoryFormat *> &StoryFormats::all()
 {
     static const std::vector<const StoryFormat *> formats{
-        &markdownFormat(),
-        &jsonFormat(),
+        &markdownFormat(), &textFormat(), &htmlFormat(), &odtFormat(), &pdfFormat(),
+        &opmlFormat(),     &jsonFormat(), &csvFormat(),  &dotFormat(), &tweeFormat(),
     };
     return formats;
 }

@@ -88,7 +88,8 @@ int runAny(const QStringList &arguments, Console &console)
 const std::vector<const StoryCommand *> &StoryProgram::commands()
 {
     static const std::vector<const StoryCommand *> all{
-        &showCommand(), &exportCommand(), &checkCommand(), &importCommand(), &diffCommand(), &copiesCommand(),
+        &showCommand(),   &exportCommand(), &pictureCommand(), &checkCommand(),
+        &importCommand(), &diffCommand(),   &copiesCommand(),
     };
     return all;
 }
