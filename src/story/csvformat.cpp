@@ -1,4 +1,5 @@
 #include "story/formats.h"
+#include "story/readings.h"
 #include "story/story.h"
 #include "story/storyformat.h"
 
@@ -29,6 +30,9 @@ public:
                 writeTab(story.tabs[i], out);
         }
     }
+
+    bool canRead() const override { return true; }
+    ImportResult read(const QByteArray &text, Story &story) const override { return readCsv(text, story); }
 
 private:
     static void writeTab(const StoryTab &tab, QIODevice &out)

@@ -1,5 +1,6 @@
 #include "story/formats.h"
 #include "story/outline.h"
+#include "story/readings.h"
 #include "story/story.h"
 #include "story/storyformat.h"
 #include "story/xmltext.h"
@@ -32,6 +33,9 @@ public:
         }
         xml.writeEndDocument();
     }
+
+    bool canRead() const override { return true; }
+    ImportResult read(const QByteArray &text, Story &story) const override { return readOpml(text, story); }
 
 private:
     static void writeTab(const StoryTab &tab, const ExportOptions &options, QXmlStreamWriter &xml)

@@ -1,4 +1,5 @@
 #include "story/formats.h"
+#include "story/readings.h"
 #include "story/story.h"
 #include "story/storyformat.h"
 
@@ -119,6 +120,9 @@ public:
         out.write(":: StoryTitle\n" + passageText(passageName(options.name)).toUtf8() + "\n\n:: StoryData\n" +
                   QJsonDocument(data).toJson() + passages);
     }
+
+    bool canRead() const override { return true; }
+    ImportResult read(const QByteArray &text, Story &story) const override { return readTwee(text, story); }
 
 private:
     static QString ifidOf(const QString &content)

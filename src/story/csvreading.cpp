@@ -1,0 +1,201 @@
+#include "items/eventdata.h"
+#include "story/csvtable.h"
+#include "story/eventrows.h"
+#include "story/leftout.h"
+#include "story/readings.h"
+#include "story/storyformat.h"
+
+#include <QCoreApplication>
+#include <QHash>
+
+#include <cmath>
+
+namespace {
+
+struct Texts
+{
+    Q_DECLARE_TR_FUNCTIONS(CsvReading)
+};
+
+bool isTrue(const QString &field)
+{
+    const QString word = field.trimmed().toLower();
+    return word == QLatin1String("1") || word == QLatin1String("true") || word == QLatin1String("yes") ||
+           word == QLatin1String("x");
+}
+
+/// What each column is, by the heading.
+class Columns
+{
+public:
+    Columns(const CsvTable::Row &heading, LeftOut &leftOut)
+    {
+        for (const QString &field : heading.fields) {
+            const QString name = nameOf(field);
+            if (name.isEmpty() || places.contains(name))
+                leftOut.add(Texts::tr("the column %1 is left out").arg(quotedTitle(field)), heading.line);
+            else
+                places.insert(name, count);
+            ++count;
+        }
+    }
+
+    bool has(const char *name) const { return places.contains(QLatin1String(name)); }
+    QString field(const CsvTable::Row &row, const char *name) const
+    {
+        return row.fields.value(places.value(QLatin1String(name), -1));
+    }
+    int size() const { return count; }
+
+private:
+    /// Empty for a column that means nothing here.
+    static QString nameOf(const QString &field)
+    {
+        const QString name = field.trimmed().toLower().replace(QLatin1Char(' '), QLatin1Char('_'));
+        static const QHash<QString, QString> others{
+            {QStringLiteral("name"), QStringLiteral("title")},
+            {QStringLiteral("event"), QStringLiteral("title")},
+            {QStringLiteral("text"), QStringLiteral("description")},
+            {QStringLiteral("notes"), QStringLiteral("description")},
+            {QStringLiteral("id"), QStringLiteral("index")},
+        };
+        static const QStringList known{
+            QStringLiteral("tab"),   QStringLiteral("index"),       QStringLiteral("place"),
+            QStringLiteral("title"), QStringLiteral("description"), QStringLiteral("fed_by"),
+            QStringLiteral("end"),   QStringLiteral("important"),   QStringLiteral("x"),
+            QStringLiteral("y"),
+        };
+        const QString meant = others.value(name, name);
+        return known.contains(meant) ? meant : QString();
+    }
+
+    QHash<QString, int> places;
+    int count = 0;
+};
+
+class Reading
+{
+public:
+    Reading(const CsvTable &rowsOfAll, Story &story)
+        : table(rowsOfAll), columns(rowsOfAll.rows().front(), leftOut), read(story)
+    {}
+
+    ImportResult readAll()
+    {
+        ImportResult result;
+        if (!columns.has("title")) {
+            result.trouble = noteOfLine(table.rows().front().line, Texts::tr("no column is called title"));
+            return result;
+        }
+        arePlaced = columns.has("x") && columns.has("y");
+        for (std::size_t i = 1; i < table.rows().size(); ++i)
+            readRow(table.rows()[i], int(i));
+        QStringList notes;
+        for (std::size_t i = 0; i < tabs.size(); ++i) {
+            EventRows rows(notes);
+            for (EventRow &row : tabs[i]) // NOLINT(modernize-loop-convert): handed on
+                rows.add(std::move(row));
+            rows.fill(read.tabs[i]);
+            if (!columns.has("end"))
+                markEnd(read.tabs[i]);
+        }
+        result.notes = leftOut.notes() + notes;
+        result.places = arePlaced ? ImportResult::Places::wished : ImportResult::Places::none;
+        return result;
+    }
+
+private:
+    void readRow(const CsvTable::Row &row, int number)
+    {
+        if (row.fields.size() > columns.size())
+            leftOut.add(Texts::tr("what stands behind the last column is left out"), row.line);
+        EventRow made;
+        made.line = row.line;
+        made.event.title = columns.field(row, "title");
+        const QString text = columns.field(row, "description");
+        made.event.description = text.isEmpty() ? EventData::tr("Enter description") : text;
+        made.event.isEnd = isTrue(columns.field(row, "end"));
+        made.event.isImportant = isTrue(columns.field(row, "important"));
+        made.event.position = QPointF(coordinate(row, "x"), coordinate(row, "y"));
+        std::vector<EventRow> &rows = rowsOf(columns.field(row, "tab"));
+        made.index = columns.has("index") ? wholeNumber(row, "index") : number;
+        if (columns.has("fed_by"))
+            made.fedBy = wholeNumber(row, "fed_by");
+        else if (!rows.empty()) // a list without connections is a chain
+            made.fedBy = rows.back().index;
+        rows.push_back(std::move(made));
+    }
+
+    std::vector<EventRow> &rowsOf(const QString &tab)
+    {
+        auto found = placesOfTabs.constFind(tab);
+        if (found == placesOfTabs.constEnd()) {
+            found = placesOfTabs.insert(tab, tabs.size());
+            tabs.emplace_back();
+            read.tabs.emplace_back();
+            read.tabs.back().name = tab;
+        }
+        return tabs[*found];
+    }
+
+    std::optional<int> wholeNumber(const CsvTable::Row &row, const char *column)
+    {
+        const QString field = columns.field(row, column).trimmed();
+        bool isNumber = false;
+        const int number = field.toInt(&isNumber);
+        if (isNumber)
+            return number;
+        if (!field.isEmpty())
+            leftOut.add(Texts::tr("%1 is no whole number and is left out").arg(QLatin1String(column)),
+                        row.line);
+        return std::nullopt;
+    }
+
+    double coordinate(const CsvTable::Row &row, const char *column)
+    {
+        bool isNumber = false;
+        const double number = columns.field(row, column).trimmed().toDouble(&isNumber);
+        if (isNumber && std::isfinite(number))
+            return number;
+        if (arePlaced)
+            leftOut.add(Texts::tr("x and y are not numbers in every row and are left out"), row.line);
+        arePlaced = false;
+        return 0;
+    }
+
+    /// Without a word about it the story is what begins with the first event.
+    static void markEnd(StoryTab &tab)
+    {
+        int place = 0;
+        while (!tab.events[place].fed.empty())
+            place = tab.events[place].fed.front();
+        tab.events[place].isEnd = true;
+        tab.findChain();
+    }
+
+    const CsvTable &table;
+    LeftOut leftOut;
+    Columns columns;
+    Story &read;
+    QHash<QString, std::size_t> placesOfTabs;
+    std::vector<std::vector<EventRow>> tabs;
+    bool arePlaced = false;
+};
+
+} // namespace
+
+ImportResult readCsv(const QByteArray &text, Story &story)
+{
+    QString all = QString::fromUtf8(text);
+    if (all.startsWith(QChar(QChar::ByteOrderMark)))
+        all.remove(0, 1);
+    const CsvTable table(all);
+    ImportResult result;
+    if (table.openQuote() != 0)
+        result.trouble = noteOfLine(table.openQuote(), Texts::tr("a quotation mark is never closed"));
+    else if (table.rows().empty())
+        result.trouble = Texts::tr("has no line that says what the columns are");
+    else
+        result = Reading(table, story).readAll();
+    return result;
+}

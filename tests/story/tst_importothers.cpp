@@ -1,0 +1,182 @@
+#include "story/importsupport.h"
+
+// What becomes of outlines, tables and passages, and what comes back of a story that was written as such.
+
+class tst_ImportOthers : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { failOnWarnings(); }
+
+    void textBecomesAStory_data();
+    void textBecomesAStory();
+    void textWithoutAStoryIsRefused_data();
+    void textWithoutAStoryIsRefused();
+    void storyComesBack_data();
+    void storyComesBack();
+
+private:
+    StoryFolder folder;
+};
+
+void tst_ImportOthers::textBecomesAStory_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QStringList>("tabs");
+    QTest::addColumn<QStringList>("notes");
+    const auto row = [](const char *name, const QString &format, const QByteArray &text,
+                        const QStringList &tabs, const QStringList &notes = {}) {
+        QTest::newRow(name) << QStringLiteral("in.") + format << text << tabs << notes;
+    };
+    const QString opml = QStringLiteral("opml");
+    row("outlines", opml,
+        "<opml><body><outline text='A' _note='one&#10;two'><outline text='B'/><outline text='C'/></outline>"
+        "<outline text='D' important='true'/></body></opml>",
+        {QStringLiteral("0A=one\ntwo 1/B 1C 0D!.")});
+    row("outlines as written here", opml,
+        "<opml><body><outline text='Story 1' type='story'><outline text='A' end='true'>"
+        "<outline text='B' branch='true'/><outline text='C' branch='true'/></outline><outline text='D'/>"
+        "<outline text='E' loose='true'/></outline><outline text='Story 2' type='story'/></body></opml>",
+        {QStringLiteral("0A. 1/D 1/B 1/C 0~E"), QString()});
+    row("outlines with more", opml,
+        "<opml><body>\n<outline text='A' created='now'/>\n<outline title='B' created='now' end='true'/>"
+        "<outline text='C' end='true'/></body></opml>",
+        {QStringLiteral("0A 0B. 1/C")},
+        {QStringLiteral("line 3: a second end of the story is left out"),
+         QStringLiteral("line 2: the attribute created is left out; so in 2 places")});
+
+    const QString csv = QStringLiteral("csv");
+    row("rows", csv, "Title,Text\r\nA,\"one\r\n\"\"two\"\"\"\r\n\r\nB\r\n",
+        {QStringLiteral("0A=one\n\"two\" 0B.")});
+    row("rows that are fed", csv,
+        "tab;index;title;fed_by;end;important\nx;1;A;;0;1\nx;2;B;1;1;0\nx;3;C;1;0;0\ny;1;D;;;\n",
+        {QStringLiteral("0A! 1/C 0B."), QStringLiteral("0D.")});
+    row("rows with faults", csv,
+        "title,index,fed_by,end,mood\nA,1,3,x,sad\nB,1,9,x\nC,y,2,,,z\nD,3,1,,\nE,4,4,,\n",
+        {QStringLiteral("0D 0A. 0~B 0~C 0~E")},
+        {QStringLiteral("line 4: index is no whole number and is left out"),
+         QStringLiteral("line 1: the column \"mood\" is left out"),
+         QStringLiteral("line 4: what stands behind the last column is left out"),
+         QStringLiteral("line 3: \"B\" has no number of its own and becomes event 0"),
+         QStringLiteral("line 4: \"C\" has no number of its own and becomes event 5"),
+         QStringLiteral("line 3: a second end of the story, \"B\", is left out"),
+         QStringLiteral("line 3: \"B\" is fed by event 9, which is not there; that is left out"),
+         QStringLiteral("line 4: \"C\" is fed by event 2, which is not there; that is left out"),
+         QStringLiteral("line 5: the way from \"A\" to \"D\" closes a circle and is left out"),
+         QStringLiteral("line 6: the way from \"E\" to \"E\" closes a circle and is left out")});
+
+    const QString twee = QStringLiteral("twee");
+    row("passages", twee,
+        ":: StoryTitle\nx\n\n:: StoryData\n{\"start\": \"A\"}\n\n:: A [important]\none &lt;two&gt;\n\n"
+        "[[B]]\n[[C]]\n\n:: B\nGo [[on->D]] or [[D<-there]] or [[up|D]].\n\n:: C\n\n:: D\nend\n",
+        {QStringLiteral("0A=one <two>! 1/C 0B=Go on or there or up. 0D=end.")});
+    row("brackets that are no links", twee, ":: A\n[[]] [[\n]] [[[B]]] [[B]]\n:: B\n" + QByteArray(8, '['),
+        {QStringLiteral("0A=[[]] [[\n]] [B] B 0B=[[[[[[[[.")},
+        {QStringLiteral("line 3: a link to \"[B]\", which is no passage here, is left out")});
+    row("passages without data", twee, ":: C\n:: Start\n[[B]]\n:: B\n[[Start]]\n",
+        {QStringLiteral("0Start 0B. 0~C")},
+        {QStringLiteral("line 5: the way from \"B\" to \"Start\" closes a circle and is left out")});
+    row("passages with circles", twee,
+        "x\n:: A\\[1\\] [end-of-story sad] {\"position\":\"5,6\"}\n[[B]]\n[[nowhere]]\n:: B\n[[A[1]]]\n:: B\n"
+        "[[C]]\n:: C\n[[C]]\n:: code [script]\n",
+        {QStringLiteral("0A[1]. 1/B 0~B 0C")},
+        {QStringLiteral("line 4: a link to \"nowhere\", which is no passage here, is left out"),
+         QStringLiteral("line 7: links to a second passage of the same name lead to the first"),
+         QStringLiteral("line 11: scripts and style sheets are left out"),
+         QStringLiteral("line 2: the tag \"sad\" is left out"),
+         QStringLiteral("line 1: what stands before the first passage is left out"),
+         QStringLiteral("line 10: a second way into \"C\" is left out, that from \"C\""),
+         QStringLiteral("line 6: the way from \"B\" to \"A[1]\" closes a circle and is left out")});
+}
+
+void tst_ImportOthers::textBecomesAStory()
+{
+    QFETCH(const QString, name);
+    QFETCH(const QByteArray, text);
+    QFETCH(const QStringList, tabs);
+    QFETCH(const QStringList, notes);
+    const Imported made = imported(folder, name, text);
+    QCOMPARE(made.tabs, tabs);
+    QCOMPARE(made.notes, notes);
+    QCOMPARE(made.result.output, QByteArray());
+    QVERIFY(made.isClear);
+    QVERIFY(made.isSound);
+}
+
+void tst_ImportOthers::textWithoutAStoryIsRefused_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("trouble");
+    const auto row = [](const char *name, const QByteArray &text, const QString &trouble) {
+        QTest::addRow("%s, %d bytes", name, int(text.size())) << QString::fromLatin1(name) << text << trouble;
+    };
+    row("no.opml", "<opml>\n<a></opml>", QStringLiteral("line 2: Opening and ending tag mismatch."));
+    row("no.opml", "<html/>", QStringLiteral("is no OPML"));
+    row("no.csv", "", QStringLiteral("has no line that says what the columns are"));
+    row("no.csv", "a,b\n1,2\n", QStringLiteral("line 1: no column is called title"));
+    row("no.csv", "title\nx\n\"y\nz", QStringLiteral("line 3: a quotation mark is never closed"));
+    row("no.csv", "title\n", QStringLiteral("has no events"));
+    row("no.twee", "x", QStringLiteral("has no passage: no line begins with ::"));
+}
+
+void tst_ImportOthers::textWithoutAStoryIsRefused()
+{
+    QFETCH(const QString, name);
+    QFETCH(const QByteArray, text);
+    QFETCH(const QString, trouble);
+    const Imported made = imported(folder, name, text);
+    QCOMPARE(made.result.code, 2);
+    QCOMPARE(made.notes, QStringList(trouble));
+    QVERIFY(!QFile::exists(folder.path(name + QStringLiteral(".scene"))));
+}
+
+void tst_ImportOthers::storyComesBack_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<bool>("hasPlaces");
+    QTest::newRow("opml") << QStringLiteral("opml") << QStringList(QStringLiteral("--branches")) << false;
+    QTest::newRow("csv") << QStringLiteral("csv") << QStringList() << true;
+    QTest::newRow("twee") << QStringLiteral("twee") << QStringList() << true;
+}
+
+void tst_ImportOthers::storyComesBack()
+{
+    QFETCH(const QString, format);
+    QFETCH(const QStringList, options);
+    QFETCH(const bool, hasPlaces);
+    StoryTab tab = branchedTab();
+    const QStringList texts{QStringLiteral("<b> & \"c\" 'd' &amp;"), QStringLiteral("\n[[x->y]]\n\n:: z"),
+                            QStringLiteral("a, \U0001F600; \u05E9\u2028\ttab"), QString(),
+                            QStringLiteral("[two]\nlines {x} \\ |")};
+    for (int i = 0; i < texts.size(); ++i) {
+        tab.events[std::size_t(i)].title = texts[i];
+        tab.events[std::size_t(i)].description = texts[i];
+    }
+    for (std::size_t i = 0; i < tab.events.size(); ++i)
+        tab.events[i].position = QPointF(600.25 * double(i), 100.5);
+    const QString scene = folder.put(QStringLiteral("told.scene"), sceneBytes({tab, branchedTab()}));
+    const QString text = folder.path(QStringLiteral("told.") + format);
+    const QStringList arguments{QStringLiteral("export"), scene, QStringLiteral("-o"), text};
+    QCOMPARE(runCommand(arguments + options).code, 0);
+    StoryReader reader;
+    reader.read(scene);
+    const Story before = reader.story();
+    const QString again = QStringLiteral("again.") + format;
+    const Imported made = imported(folder, again, readFile(text));
+    QCOMPARE(made.notes, QStringList());
+    QCOMPARE(made.tabs.size(), qsizetype(before.tabs.size()));
+    for (std::size_t i = 0; i < before.tabs.size(); ++i)
+        QCOMPARE(made.tabs[qsizetype(i)], told(before.tabs[i]));
+    QVERIFY(made.isClear);
+    reader.read(folder.path(again + QStringLiteral(".scene")));
+    const Story after = reader.story();
+    for (std::size_t i = 0; hasPlaces && i < tab.events.size(); ++i)
+        QCOMPARE(after.tabs[0].events[i].position, tab.events[i].position);
+}
+
+QTEST_MAIN(tst_ImportOthers)
+#include "tst_importothers.moc"
