@@ -88,10 +88,10 @@ void Works::addPair(const QString &there, const Step &go, const QString &back, c
 const std::vector<Works::Part> &Works::parts()
 {
     static const std::vector<Part> all{
-        {"memory", &Works::memory},    {"documents", &Works::documents},     {"edits", &Works::edits},
-        {"marks", &Works::editsBack},  {"connections", &Works::connections}, {"typing", &Works::typing},
-        {"looking", &Works::looking},  {"everything", &Works::everything},   {"pasting", &Works::pasting},
-        {"emptying", &Works::emptying}};
+        {"memory", &Works::memory},     {"documents", &Works::documents},     {"edits", &Works::edits},
+        {"marks", &Works::editsBack},   {"connections", &Works::connections}, {"typing", &Works::typing},
+        {"looking", &Works::looking},   {"everything", &Works::everything},   {"pasting", &Works::pasting},
+        {"emptying", &Works::emptying}, {"command", &Works::command}};
     return all;
 }
 

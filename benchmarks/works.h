@@ -45,6 +45,7 @@ private:
     void looking();
     void everything();
     void emptying();
+    void command();
 
     int events;
     int rounds;
