@@ -1,7 +1,7 @@
 # Where the program's files go on a system with a desktop, and the Debian package that is made of them.
 include(GNUInstallDirs)
 
-install(TARGETS fablegrid
+install(TARGETS fablegrid fablegrid-story
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     BUNDLE DESTINATION .)
 
@@ -11,10 +11,10 @@ endif()
 
 # Everything that is installed, and nothing besides.
 add_custom_target(fablegrid_packed)
-add_dependencies(fablegrid_packed fablegrid)
+add_dependencies(fablegrid_packed fablegrid fablegrid-story)
 
 # All libraries are the system's own.
-set_target_properties(fablegrid PROPERTIES INSTALL_RPATH "")
+set_target_properties(fablegrid fablegrid-story PROPERTIES INSTALL_RPATH "")
 
 set(desktop_id example.fablegrid.fablegrid)
 set(linux_files ${PROJECT_SOURCE_DIR}/packaging/linux)
@@ -22,6 +22,7 @@ set(made_files ${PROJECT_BINARY_DIR}/packaging)
 
 configure_file(${linux_files}/${desktop_id}.metainfo.xml.in ${made_files}/${desktop_id}.metainfo.xml @ONLY)
 configure_file(${linux_files}/fablegrid.1.in ${made_files}/fablegrid.1 @ONLY)
+configure_file(${linux_files}/fablegrid-story.1.in ${made_files}/fablegrid-story.1 @ONLY)
 
 install(FILES ${linux_files}/${desktop_id}.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES ${made_files}/${desktop_id}.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
@@ -33,6 +34,13 @@ endforeach()
 install(FILES "${PROJECT_SOURCE_DIR}/src/resources/Assets/Logo/logo - Square (Fill) - App 1.svg"
     DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps
     RENAME fablegrid.svg)
+install(FILES ${linux_files}/completions/fablegrid-story.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+    RENAME fablegrid-story)
+install(FILES ${linux_files}/completions/_fablegrid-story
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+install(FILES ${linux_files}/completions/fablegrid-story.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 
 # Manual pages and changelogs are kept compressed; -n leaves out the time, so that two builds are alike.
 find_program(GZIP_PROGRAM gzip)
@@ -49,8 +57,10 @@ if(GZIP_PROGRAM)
         install(FILES ${made} DESTINATION ${destination})
     endfunction()
     fablegrid_install_compressed(${made_files}/fablegrid.1 ${CMAKE_INSTALL_MANDIR}/man1)
+    fablegrid_install_compressed(${made_files}/fablegrid-story.1 ${CMAKE_INSTALL_MANDIR}/man1)
 else()
-    install(FILES ${made_files}/fablegrid.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES ${made_files}/fablegrid.1 ${made_files}/fablegrid-story.1
+        DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endif()
 
 find_program(DPKG_PROGRAM dpkg)
@@ -87,7 +97,10 @@ Each event is a box with a title and a description; joining the output of one
 box to the input of another says what leads to what.
 
 One event is the end of the story: the chain that leads to it is the story,
-and a panel lists it, to be read, edited and filtered to what is important.")
+and a panel lists it, to be read, edited and filtered to what is important.
+
+The command fablegrid-story takes stories out as documents, pictures and data,
+and makes stories of outlines from elsewhere.")
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 include(CPack)

@@ -18,7 +18,7 @@ package=$(realpath build/package/*.deb)
 
 desktop-file-validate packaging/linux/*.desktop >&2
 appstreamcli validate --no-net build/release/packaging/*.metainfo.xml >&2
-mandoc -T lint -W warning build/release/packaging/fablegrid.1 >&2
+mandoc -T lint -W warning build/release/packaging/*.1 >&2
 # A warning is to be mended, or overridden with its reason.
 complaints=$(lintian --fail-on none --tag-display-limit 0 "$package")
 if grep -E '^[EW]:' <<<"$complaints" >&2; then

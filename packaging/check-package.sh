@@ -58,6 +58,14 @@ cp "$package" "$root/tmp/fablegrid.deb"
 inside apt-get -qq install -y --no-install-recommends /tmp/fablegrid.deb >/dev/null 2>&1
 inside dpkg --listfiles fablegrid
 
+# The command needs no display, and what it links has to have come along.
+cp docs/examples/the-lighthouse.scene "$root/tmp/"
+inside su writer -c "fablegrid-story export /tmp/the-lighthouse.scene -o - | grep -q 'The light returns' &&
+    fablegrid-story picture /tmp/the-lighthouse.scene -o - --format svg | grep -q 'The light returns'" || {
+    echo "The installed command does not work." >&2
+    exit 1
+}
+
 # What is on the screen while it runs, and what it says.
 cat >"$root/tmp/start" <<'END'
 #!/bin/bash
