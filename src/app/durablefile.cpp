@@ -20,8 +20,15 @@ QString endOfLinks(const QString &path)
 {
     constexpr int mostLinks = 128;
     QFileInfo end(path);
-    for (int i = 0; i < mostLinks && end.isSymLink(); ++i)
-        end = QFileInfo(end.symLinkTarget());
+    if (!end.isSymLink())
+        return path;
+    if (const QString real = end.canonicalFilePath(); !real.isEmpty())
+        return real;
+    // ".." in a link means the folder above the one that the link is in, wherever that was reached from.
+    for (int i = 0; i < mostLinks && end.isSymLink(); ++i) {
+        const QString folder = QFileInfo(end.path()).canonicalFilePath();
+        end = QFileInfo(QFileInfo(folder + QLatin1Char('/') + end.fileName()).symLinkTarget());
+    }
     return end.filePath();
 }
 
@@ -97,7 +104,10 @@ QString DurableFile::replaceThroughTemporary(const QByteArray &content)
 QString DurableFile::replaceInPlace(const QByteArray &content)
 {
     // Over the old bytes, whose room on the disk the file has already, and cut to length at the end.
+    errno = 0;
     const QByteArray old = inPlace.readAll();
+    if (inPlace.error() != QFileDevice::NoError || old.size() != inPlace.size())
+        return Storing::reasonOf(inPlace, errno); // as it was, for it could not be brought back
     const auto overwrite = [this](const QByteArray &bytes) -> QString {
         if (!inPlace.seek(0))
             return Storing::reasonOf(inPlace, errno);
@@ -111,8 +121,10 @@ QString DurableFile::replaceInPlace(const QByteArray &content)
         inPlace.unsetError();
         if (madeInPlace)
             inPlace.remove();
-        else
-            overwrite(old);
+        else if (!overwrite(old).isEmpty())
+            trouble += tr("; what was in it before is damaged");
+    } else if (madeInPlace) {
+        Storing::putNamesOnDisk(path);
     }
     return trouble;
 }

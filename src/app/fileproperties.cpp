@@ -51,6 +51,8 @@ void copyAttributes(const QByteArray &path, int handle)
         if (name.isEmpty() || !staysWithTheFile(name))
             continue;
         const QByteArray value = attributeOf(path, name.constData());
+        if (value.isNull())
+            continue; // it may not be read
         fsetxattr(handle, name.constData(), value.constData(), std::size_t(value.size()), 0);
     }
 }

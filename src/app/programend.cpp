@@ -9,6 +9,8 @@
 #ifdef Q_OS_UNIX
 #include <cerrno>
 #include <csignal>
+#include <ctime>
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -19,9 +21,19 @@ struct
 {
     std::array<int, 3> numbers{SIGTERM, SIGINT, SIGHUP};
     std::array<bool, 3> isCaught{};
+    volatile std::sig_atomic_t isNoted = 0;
+    timespec since{}; // when it was
     int readEnd = -1; // of a pipe through which the event loop hears of it
     int writeEnd = -1;
 } ending;
+
+/// A terminal that closes and the end of a login send two signals in a row, which are one request.
+constexpr long oneRequest = 250; // milliseconds
+
+long millisecondsBetween(const timespec &from, const timespec &to)
+{
+    return long(to.tv_sec - from.tv_sec) * 1000 + (to.tv_nsec - from.tv_nsec) / 1000000;
+}
 
 void endAsUsual()
 {
@@ -34,9 +46,18 @@ void endAsUsual()
 extern "C" void noteSignal(int number)
 {
     const int before = errno;
-    endAsUsual(); // whoever asks twice does not want to wait
-    const char byte = static_cast<char>(number);
-    [[maybe_unused]] const ssize_t written = write(ending.writeEnd, &byte, 1);
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    if (ending.isNoted == 0) {
+        ending.isNoted = 1;
+        ending.since = now;
+        const char byte = static_cast<char>(number);
+        [[maybe_unused]] const ssize_t written = write(ending.writeEnd, &byte, 1);
+    } else if (millisecondsBetween(ending.since, now) > oneRequest) {
+        // Whoever asks twice does not want to wait.
+        std::signal(number, SIG_DFL);
+        std::raise(number); // comes when this function is left
+    }
     errno = before;
 }
 
@@ -51,6 +72,7 @@ void ProgramEnd::listen()
         fcntl(each, F_SETFD, FD_CLOEXEC);
     ending.readEnd = ends[0];
     ending.writeEnd = ends[1];
+    ending.isNoted = 0;
     notifier = new QSocketNotifier(ending.readEnd, QSocketNotifier::Read, this);
     connect(notifier, &QSocketNotifier::activated, this, [this] { end(); });
     for (std::size_t i = 0; i < ending.numbers.size(); ++i) {
@@ -63,6 +85,8 @@ void ProgramEnd::listen()
         caught.sa_handler = noteSignal;
         caught.sa_flags = SA_RESTART;
         sigemptyset(&caught.sa_mask);
+        for (const int other : ending.numbers)
+            sigaddset(&caught.sa_mask, other);
         sigaction(ending.numbers[i], &caught, nullptr);
     }
 }
@@ -74,6 +98,7 @@ void ProgramEnd::end()
         return;
     notifier->setEnabled(false);
     work();
+    endAsUsual();
     std::raise(number);
 }
 

@@ -103,8 +103,13 @@ Opening SceneDocument::loadFrom(const QString &file, const std::function<void()>
         qWarning() << "Couldn't open file for reading.";
         return {whole.trouble(), {}, 0, false};
     }
-    if (leaving)
-        leaving();
+    try {
+        if (leaving)
+            leaving();
+    } catch (const std::bad_alloc &) {
+        qWarning() << "Couldn't open file for reading.";
+        return {Storing::reason(ENOMEM), {}, 0, false};
+    }
     qInfo() << "Clearing tabs";
     tabs.closeAll();
     try {

@@ -62,7 +62,7 @@ void WorkKeeper::loadFrom(const QString &path)
 {
     KeptCopies::Kept kept;
     const Opening opening =
-        document.loadFrom(path, [this, &kept] { kept = keepCopy(KeptCopies::Occasion::open); });
+        document.loadFrom(path, [this, &kept] { kept = copyUnsaved(KeptCopies::Occasion::open); });
     if (!opening.trouble.isEmpty()) {
         QString text = Wording::notOpened(path, opening.trouble);
         if (!kept.path.isEmpty())
@@ -101,13 +101,15 @@ void WorkKeeper::autosave()
         notices.fail(Subject::autosave, Wording::notAutosaved(copy.path, copy.trouble));
 }
 
-/// Without a path if there was nothing to keep.
 KeptCopies::Kept WorkKeeper::keepCopy(KeptCopies::Occasion occasion) const
 {
-    return asFarAsMemoryLasts([this, occasion] {
-        const QByteArray unsaved = document.unsavedBytes();
-        return unsaved.isEmpty() ? KeptCopies::Kept() : KeptCopies().keep(unsaved, occasion);
-    });
+    return asFarAsMemoryLasts([this, occasion] { return copyUnsaved(occasion); });
+}
+
+KeptCopies::Kept WorkKeeper::copyUnsaved(KeptCopies::Occasion occasion) const
+{
+    const QByteArray unsaved = document.unsavedBytes();
+    return unsaved.isEmpty() ? KeptCopies::Kept() : KeptCopies().keep(unsaved, occasion);
 }
 
 /// Another window or program may have saved into that file since this one has read it or written to it, or

@@ -29,7 +29,9 @@ public:
     void autosave();
 
 private:
+    /// Both without a path if there was nothing to keep; the second lets a lack of memory pass.
     KeptCopies::Kept keepCopy(KeptCopies::Occasion occasion) const;
+    KeptCopies::Kept copyUnsaved(KeptCopies::Occasion occasion) const;
     KeptCopies::Kept keepWhatStandsThere(const QString &path) const;
     void tell(const KeptCopies::Kept &kept);
 

@@ -20,6 +20,7 @@ public:
 
     private:
         StoryPublishing &publishing;
+        int failuresBefore;
     };
 
     explicit StoryPublishing(std::function<void()> telling) : tell(std::move(telling)) {}

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#if defined(__linux__) && !defined(FABLEGRID_SANITIZED) // which hands out memory itself
+#if defined(__GLIBC__) && !defined(FABLEGRID_SANITIZED) // which hands out memory itself
 #define FABLEGRID_CAN_FAIL_MEMORY
 #endif
 
