@@ -60,7 +60,7 @@ inside dpkg --listfiles fablegrid
 
 # The command needs no display, and what it links has to have come along.
 cp docs/examples/the-lighthouse.scene "$root/tmp/"
-inside su writer -c "fablegrid-story export /tmp/the-lighthouse.scene -o - | grep -q 'The light returns' &&
+inside su writer -c "fablegrid-story export /tmp/the-lighthouse.scene -o - --format md | grep -q 'The light returns' &&
     fablegrid-story picture /tmp/the-lighthouse.scene -o - --format svg | grep -q 'The light returns'" || {
     echo "The installed command does not work." >&2
     exit 1

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the package here and once more from a copy in another folder, and compares program and package.
+# Builds the package here and once more from a copy in another folder, and compares programs and package.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -15,13 +15,16 @@ here_package=$(packaging/build-package.sh)
 other_package=$(packaging/build-package.sh "$other")
 
 sums() { sha256sum "$1" "$2" | cut -d' ' -f1 | uniq | wc -l; }
-sha256sum build/release/src/fablegrid "$other/build/release/src/fablegrid" "$here_package" "$other_package"
-if [[ $(sums build/release/src/fablegrid "$other/build/release/src/fablegrid") -ne 1 ]]; then
-    echo "The program is not the same when it is built in another folder." >&2
-    exit 1
-fi
+for program in fablegrid fablegrid-story; do
+    sha256sum "build/release/src/$program" "$other/build/release/src/$program"
+    if [[ $(sums "build/release/src/$program" "$other/build/release/src/$program") -ne 1 ]]; then
+        echo "$program is not the same when it is built in another folder." >&2
+        exit 1
+    fi
+done
+sha256sum "$here_package" "$other_package"
 if [[ $(sums "$here_package" "$other_package") -ne 1 ]]; then
     echo "The package is not the same when it is built in another folder." >&2
     exit 1
 fi
-echo "Program and package are the same from two folders."
+echo "Programs and package are the same from two folders."
