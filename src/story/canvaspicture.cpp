@@ -17,15 +17,17 @@
 
 namespace {
 
-constexpr double margin = 50;        // around the events, units of the canvas
-constexpr double sheetMargin = 10;   // of a poster's sheet, millimetres
-constexpr int sheetResolution = 300; // dots per inch
+constexpr double margin = 50;      // around the events, units of the canvas
+constexpr double sheetMargin = 10; // of a poster's sheet, millimetres
 constexpr int pointsPerInch = 72;
 constexpr double largestSide = 32767;    // pixels: beyond that the painter's coordinates end
 constexpr double mostPixels = 268435456; // of four bytes: a gigabyte
 constexpr double largestDrawing = 1e6;   // units of an SVG
-constexpr int unitsPerInch = 96;         // of an SVG, as its readers and the platform have it
-constexpr double largestSheet = 14400;   // points: what readers of PDF accept
+constexpr double largestBounds = 1e9;    // units of the canvas
+/// Of SVG and PDF. A text is as large as the resolution of its device makes it, so with any but the screen's
+/// some would not fit their lines. Nothing is lost by it: both formats have fractions.
+constexpr int unitsPerInch = 96;
+constexpr double largestSheet = 14400; // points: what readers of PDF accept
 
 /// Rounded down to two digits, so that it can be told and still fits.
 double twoDigits(double scale)
@@ -92,6 +94,9 @@ QString CanvasPicture::refusal() const
 {
     if (bounds.isNull())
         return wanted.onlyStory ? tr("there is no story to paint") : tr("there is no event to paint");
+    const bool isMeasurable = bounds.width() <= largestBounds && bounds.height() <= largestBounds;
+    if (!isMeasurable) // by the comparison also if they are no numbers
+        return tr("the events are too far apart for a picture");
     if (wanted.paper)
         return {};
     double side = largestSide;
@@ -146,8 +151,7 @@ QByteArray CanvasPicture::png() const
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return bytes;
+    return image.save(&buffer, "PNG") ? bytes : QByteArray();
 }
 
 QByteArray CanvasPicture::svg() const
@@ -159,8 +163,8 @@ QByteArray CanvasPicture::svg() const
     generator.setOutputDevice(&buffer);
     generator.setSize(size().toSize().expandedTo({1, 1}));
     generator.setViewBox(QRectF(QPointF(), size()));
-    generator.setResolution(unitsPerInch); // or letters would not be as large as their lines
-    generator.setTitle(wanted.title);
+    generator.setResolution(unitsPerInch);
+    generator.setTitle(wanted.title.toHtmlEscaped()); // which it writes as it is
     QPainter painter(&generator);
     paintOn(painter);
     painter.end();
@@ -175,23 +179,24 @@ QByteArray CanvasPicture::pdf(const std::function<void(double part)> &tell) cons
     QPdfWriter writer(&buffer);
     writer.setTitle(wanted.title);
     writer.setCreator(QStringLiteral("fablegrid-story"));
+    writer.setResolution(unitsPerInch);
     if (!wanted.paper) {
-        writer.setResolution(pointsPerInch);
         writer.setPageSize(QPageSize(size(), QPageSize::Point, QString(), QPageSize::ExactMatch));
         writer.setPageMargins({});
         QPainter painter(&writer);
+        constexpr double unitsPerPoint = double(unitsPerInch) / pointsPerInch;
+        painter.scale(unitsPerPoint, unitsPerPoint);
         paintOn(painter);
         painter.end();
         return bytes;
     }
 
-    writer.setResolution(sheetResolution);
     writer.setPageSize(*wanted.paper);
     const QMarginsF margins(sheetMargin, sheetMargin, sheetMargin, sheetMargin);
     writer.setPageMargins(margins, QPageLayout::Millimeter);
     const auto scaleFor = [&](QPageLayout::Orientation orientation) {
         writer.setPageOrientation(orientation);
-        const QSizeF sheet = writer.pageLayout().paintRectPixels(sheetResolution).size();
+        const QSizeF sheet = writer.pageLayout().paintRectPixels(unitsPerInch).size();
         return std::min(sheet.width() * wanted.sheets.width() / bounds.width(),
                         sheet.height() * wanted.sheets.height() / bounds.height());
     };
@@ -199,7 +204,7 @@ QByteArray CanvasPicture::pdf(const std::function<void(double part)> &tell) cons
     double scale = scaleFor(QPageLayout::Portrait);
     if (lying > scale)
         scale = scaleFor(QPageLayout::Landscape);
-    const QSizeF sheet = writer.pageLayout().paintRectPixels(sheetResolution).size();
+    const QSizeF sheet = writer.pageLayout().paintRectPixels(unitsPerInch).size();
     const QSizeF part = sheet / scale; // of the canvas that goes on a sheet
     const QSizeF whole(part.width() * wanted.sheets.width(), part.height() * wanted.sheets.height());
     const QPointF corner = bounds.center() - QPointF(whole.width(), whole.height()) / 2;

@@ -1,6 +1,7 @@
 #include "story/storysupport.h"
 
 #include <QImage>
+#include <QPainter>
 #include <QXmlStreamReader>
 
 // Pictures of the canvas.
@@ -20,7 +21,10 @@ private slots:
     void drawingHasTheLettersOfTheCanvas();
     void posterIsCutIntoSheets_data();
     void posterIsCutIntoSheets();
+    void sheetsHaveTheLettersOfTheCanvas_data();
+    void sheetsHaveTheLettersOfTheCanvas();
     void limitTellsWhatFits();
+    void eventsTooFarApartAreRefused();
 
 private:
     /// What the command writes for these options; empty if it fails.
@@ -115,15 +119,19 @@ void tst_CanvasPicture::drawingHoldsTextsAsText()
     tab.events[0].title = QStringLiteral("<a&b>");
     tab.events[1].description =
         QStringLiteral("c\u0001") + QChar(0xD800) + QChar(0xFFFF) + QStringLiteral("\u05D0");
-    const QString odd = folder.put(QStringLiteral("odd.scene"), sceneBytes({tab}));
+    const QString odd = folder.put(QStringLiteral("a&b.scene"), sceneBytes({tab}));
     QXmlStreamReader xml(painted(odd, QStringLiteral("svg")));
     QStringList texts;
+    QString title;
     while (!xml.atEnd()) {
         xml.readNext();
         if (xml.isStartElement() && xml.name() == QLatin1String("text"))
             texts << xml.readElementText();
+        else if (xml.isStartElement() && xml.name() == QLatin1String("title"))
+            title = xml.readElementText();
     }
     QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
+    QCOMPARE(title, QStringLiteral("a&b"));
     QVERIFY(texts.contains(QStringLiteral("<a&b>")));
     QVERIFY(texts.contains(QStringLiteral("text of C")));
 }
@@ -157,6 +165,42 @@ void tst_CanvasPicture::posterIsCutIntoSheets()
     QVERIFY(pdf.contains("/Count " + QByteArray::number(sheets) + '\n'));
 }
 
+void tst_CanvasPicture::sheetsHaveTheLettersOfTheCanvas_data()
+{
+    QTest::addColumn<QString>("options");
+    QTest::newRow("one piece") << QString();
+    QTest::newRow("a sheet") << QStringLiteral("--paper a4");
+}
+
+// A shortened title was as large as the resolution of the sheet made it, unlike all the others.
+void tst_CanvasPicture::sheetsHaveTheLettersOfTheCanvas()
+{
+    QFETCH(const QString, options);
+    const auto sizesIn = [](const QByteArray &pdf) {
+        static const QRegularExpression font(QStringLiteral("/F\\d+ (\\S+) Tf"));
+        QStringList sizes;
+        for (qsizetype at = pdf.indexOf("stream\n"); at != -1; at = pdf.indexOf("\nstream\n", at)) {
+            at = pdf.indexOf('\n', at + 1) + 1;
+            const QByteArray packed = pdf.mid(at, pdf.indexOf("endstream", at) - at);
+            if (packed[0] != 'x')
+                continue;
+            const QByteArray lengthAsked("\0\1\0\0", 4);
+            const QString content = QString::fromLatin1(qUncompress(lengthAsked + packed));
+            for (auto found = font.globalMatch(content); found.hasNext();)
+                sizes << found.next().captured(1);
+        }
+        sizes.sort();
+        sizes.removeDuplicates();
+        return sizes;
+    };
+    StoryTab tab = branchedTab();
+    tab.events[0].title = QString(60, QLatin1Char('x'));
+    const QString shortened = folder.put(QStringLiteral("shortened.scene"), sceneBytes({tab}));
+    const QStringList sizes = sizesIn(painted(branched, QStringLiteral("pdf"), options));
+    QVERIFY(!sizes.isEmpty());
+    QCOMPARE(sizesIn(painted(shortened, QStringLiteral("pdf"), options)), sizes);
+}
+
 void tst_CanvasPicture::limitTellsWhatFits()
 {
     StoryTab far = branchedTab();
@@ -180,6 +224,24 @@ void tst_CanvasPicture::limitTellsWhatFits()
                         QStringLiteral("--format"), QStringLiteral("png"), QStringLiteral("--scale"), tried})
                 .code,
             code);
+    }
+}
+
+// Their bounds had no size that a number can say, and the picture none either.
+void tst_CanvasPicture::eventsTooFarApartAreRefused()
+{
+    StoryTab far = branchedTab();
+    far.events[0].position = QPointF(-1.7e308, 0);
+    far.events[5].position = QPointF(1.7e308, 1.7e308);
+    const QString scene = folder.put(QStringLiteral("farthest.scene"), sceneBytes({far}));
+    for (const char *format : {"png", "svg", "pdf"}) {
+        const CommandResult refused =
+            runCommand({QStringLiteral("picture"), scene, QStringLiteral("-o"), QStringLiteral("-"),
+                        QStringLiteral("--format"), QString::fromLatin1(format)});
+        QCOMPARE(refused.code, 2);
+        QCOMPARE(refused.errorLines(),
+                 QStringList(QStringLiteral("fablegrid-story: %1: the events are too far apart for a picture")
+                                 .arg(scene)));
     }
 }
 
