@@ -14,13 +14,14 @@ constexpr int deepestHeading = 6;
 constexpr int firstDepth = 2; // below the tab's own heading
 constexpr int mostIndented = 4;
 
+// No sign that XML escapes: browsers read what stands in a style as it is.
 constexpr auto styleSheet = R"(
 body { max-width: 40em; margin: 2em auto; padding: 0 1em; font: 1.1em/1.5 Georgia, serif; }
 h1, h2, h3, h4, h5, h6 { font-family: Helvetica, Arial, sans-serif; line-height: 1.25; }
 h2 { font-size: 1.3em; } h3, h4, h5, h6 { font-size: 1.1em; }
 h1, h2, h3, h4, h5, h6, p { overflow-wrap: anywhere; white-space: pre-wrap; }
-.important::after { content: " \2605"; color: #8556e9; }
-.branch::before { content: "\21B3 "; color: #8556e9; }
+.important::after { content: ' \2605'; color: #8556e9; }
+.branch::before { content: '\21B3 '; color: #8556e9; }
 .in1 { margin-left: 1.5em; } .in2 { margin-left: 3em; } .in3 { margin-left: 4.5em; } .in4 { margin-left: 6em; }
 hr { margin: 2em 0; }
 @media print { body { margin: 0; max-width: none; } h1, h2, h3, h4, h5, h6 { break-after: avoid; } }

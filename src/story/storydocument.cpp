@@ -39,9 +39,11 @@ public:
         letters.setFontWeight(QFont::Bold);
         const auto size = std::min<std::size_t>(std::size_t(level) - 1, headingSizes.size() - 1);
         letters.setFontPointSize(headingSizes[size]);
-        // A line within a title stays one within the heading.
+        // A line within a title stays one within the heading: the cursor begins a block at each of these.
         QString text = title;
-        add(block, letters, text.replace(QLatin1Char('\n'), QChar::LineSeparator));
+        for (const char16_t sign : {u'\n', u'\r', u'\u2029', u'\uFDD0', u'\uFDD1'})
+            text.replace(QChar(sign), QChar::LineSeparator);
+        add(block, letters, text);
     }
 
     void paragraphs(const QString &text, int depth)

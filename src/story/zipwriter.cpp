@@ -35,12 +35,14 @@ quint32 checkSum(const QByteArray &bytes)
     return ~sum;
 }
 
-/// Qt's compression without its own four bytes in front and those of zlib around.
+/// Qt's compression without its own four bytes in front and those of zlib around; empty if the memory did not
+/// suffice.
 QByteArray deflated(const QByteArray &content)
 {
     constexpr int front = 4 + 2;
     constexpr int behind = 4;
-    return qCompress(content).mid(front).chopped(behind);
+    const QByteArray compressed = qCompress(content);
+    return compressed.size() > front + behind ? compressed.mid(front).chopped(behind) : QByteArray();
 }
 
 constexpr quint16 versionNeeded = 20;
@@ -51,8 +53,12 @@ constexpr quint16 firstDay = (0 << 9) | (1 << 5) | 1; // of 1980: two archives o
 void ZipWriter::add(const QByteArray &name, const QByteArray &content, Packing packing)
 {
     constexpr quint16 deflate = 8;
-    const bool isDeflated = packing == Packing::deflated && !content.isEmpty();
-    const QByteArray packed = isDeflated ? deflated(content) : content;
+    QByteArray packed;
+    if (packing == Packing::deflated && !content.isEmpty())
+        packed = deflated(content);
+    const bool isDeflated = !packed.isEmpty();
+    if (!isDeflated)
+        packed = content;
     Entry entry;
     entry.name = name;
     entry.common = littleEndian(versionNeeded) + littleEndian<quint16>(0) +

@@ -1,8 +1,11 @@
 #include "story/pdfoutline.h"
+#include "story/storydocument.h"
 #include "story/storyformat.h"
 #include "story/storyformats.h"
 #include "story/storysupport.h"
 
+#include <QTextBlock>
+#include <QTextDocument>
 #include <QXmlStreamReader>
 
 // What stands in the files that stories are exported to. Whether other programs read them so, tst_peers asks.
@@ -66,6 +69,8 @@ private slots:
     void textIsWritten_data();
     void textIsWritten();
     void pageIsXmlThatSaysTheSame();
+    void styleOfThePageStandsAsItIs();
+    void headingIsOneBlock();
     void jsonLosesNothing();
     void emptyStoriesAreWritten_data();
     void emptyStoriesAreWritten();
@@ -281,6 +286,28 @@ void tst_StoryFormats::pageIsXmlThatSaysTheSame()
     QCOMPARE(linesOf(exported(QStringLiteral("html"), {broken})).value(1), QStringLiteral("h2.:") + replaced);
     QCOMPARE(linesOf(exported(QStringLiteral("opml"), {broken})).value(1).section(QLatin1Char('|'), 0, 0),
              QStringLiteral("-text=") + replaced);
+}
+
+// Its quotation marks were written as entities, which browsers do not read there: the stars and arrows were
+// missing.
+void tst_StoryFormats::styleOfThePageStandsAsItIs()
+{
+    const QString page = exported(QStringLiteral("html"), {oddTab()});
+    const QString style = page.section(QLatin1String("<style>"), 1).section(QLatin1String("</style>"), 0, 0);
+    QVERIFY2(style.contains(QLatin1String(".important::after { content: ' \\2605';")), qPrintable(style));
+    QVERIFY2(!style.contains(QLatin1Char('&')), qPrintable(style));
+}
+
+// Whatever begins a block in a document ended the heading, and the rest became text.
+void tst_StoryFormats::headingIsOneBlock()
+{
+    StoryTab tab = branchedTab();
+    tab.events[0].title = QStringLiteral("a\nb\rc\u2029d") + QChar(0xFDD0) + QLatin1Char('e') + QChar(0xFDD1);
+    Story story;
+    story.tabs = {tab};
+    const auto document = documentOf(story, ExportOptions());
+    QCOMPARE(document->findBlockByNumber(1).text(), QStringLiteral("a\u2028b\u2028c\u2028d\u2028e\u2028"));
+    QCOMPARE(document->findBlockByNumber(2).text(), QStringLiteral("text of A"));
 }
 
 void tst_StoryFormats::jsonLosesNothing()
