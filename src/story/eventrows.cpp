@@ -26,8 +26,7 @@ void EventRows::fill(StoryTab &tab)
         else
             noted << noteOfLine(rows[i].line,
                                 tr("%1 is fed by event %2, which is not there; that is left out")
-                                    .arg(quotedTitle(rows[i].event.title))
-                                    .arg(*rows[i].fedBy));
+                                    .arg(quotedTitle(rows[i].event.title), QString::number(*rows[i].fedBy)));
     }
     wiring.finish();
 }
@@ -55,8 +54,7 @@ void EventRows::number()
         taken.insert(free, i);
         rows[i].index = free;
         noted << noteOfLine(rows[i].line, tr("%1 has no number of its own and becomes event %2")
-                                              .arg(quotedTitle(rows[i].event.title))
-                                              .arg(free));
+                                              .arg(quotedTitle(rows[i].event.title), QString::number(free)));
     }
 }
 

@@ -12,7 +12,8 @@ QStringList LeftOut::notes() const
 {
     QStringList all;
     for (const auto &[kind, places] : kinds) {
-        const QString note = places.count == 1 ? kind : tr("%1; so in %2 places").arg(kind).arg(places.count);
+        const QString note =
+            places.count == 1 ? kind : tr("%1; so in %2 places").arg(kind, QString::number(places.count));
         all << noteOfLine(places.firstLine, note);
     }
     return all;

@@ -7,6 +7,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocale>
+#include <QRegularExpression>
 #include <QSet>
 #include <QUuid>
 
@@ -32,7 +33,8 @@ QString passageName(QString title)
     title.replace(QLatin1String("->"), QStringLiteral("\u2192"));
     title.replace(QLatin1String("<-"), QStringLiteral("\u2190"));
     title.replace(QLatin1Char('|'), QChar(u'\u00A6'));
-    title.replace(QLatin1String("]]"), QStringLiteral("] ]"));
+    static const QRegularExpression endOfLink(QStringLiteral("\\](?=[\\]\\[])"));
+    title.replace(endOfLink, QStringLiteral("] "));
     title = title.trimmed();
     if (title.startsWith(QLatin1String("[")))
         title.prepend(QChar(u'\u2060')); // or a link to it would begin with three of them

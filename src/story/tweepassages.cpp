@@ -88,13 +88,14 @@ std::vector<TweePassage::Link> TweePassage::takeLinks()
     const QStringList lines = text.split(QLatin1Char('\n'));
     for (qsizetype i = 0; i < lines.size(); ++i) {
         const QString &before = lines[i];
+        const QString trimmed = before.trimmed();
         QString after;
         qsizetype at = 0;
         bool isLinkAlone = false;
         for (LinkSpan span = nextLink(before, 0); span.begin != -1; span = nextLink(before, at)) {
             QString shown;
             links.push_back({targetOf(span.inside(before), shown), line + 1 + i});
-            isLinkAlone = span.of(before) == before.trimmed() && shown.trimmed() == links.back().target;
+            isLinkAlone = span.of(before) == trimmed && shown.trimmed() == links.back().target;
             after += QStringView(before).mid(at, span.begin - at);
             after += shown;
             at = span.end;

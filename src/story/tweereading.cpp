@@ -12,6 +12,7 @@
 
 #include <cmath>
 #include <deque>
+#include <optional>
 
 namespace {
 
@@ -88,7 +89,7 @@ private:
     void addEvent(TweePassage &passage)
     {
         StoryEvent event;
-        std::size_t tab = 0;
+        std::optional<int> asked; // by the last of the tags
         for (const QString &tag : std::as_const(passage.tags)) {
             bool isTab = tag.startsWith(QLatin1String("tab-"));
             const int number = isTab ? QStringView(tag).mid(4).toInt(&isTab) : 0;
@@ -97,10 +98,11 @@ private:
             else if (tag == QLatin1String("end-of-story"))
                 event.isEnd = true;
             else if (isTab)
-                tab = tabNumbered(number);
+                asked = number;
             else
                 leftOut.add(Texts::tr("the tag %1 is left out").arg(quotedTitle(tag)), passage.line);
         }
+        const std::size_t tab = asked ? tabNumbered(*asked) : 0;
         if (read.tabs.empty())
             read.tabs.emplace_back();
         StoryTab &into = read.tabs[tab];

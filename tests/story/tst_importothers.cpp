@@ -53,6 +53,10 @@ void tst_ImportOthers::textBecomesAStory_data()
     row("rows that are fed", csv,
         "tab;index;title;fed_by;end;important\nx;1;A;;0;1\nx;2;B;1;1;0\nx;3;C;1;0;0\ny;1;D;;;\n",
         {QStringLiteral("0A! 1/C 0B."), QStringLiteral("0D.")});
+    row("rows that look like places of a message", csv, "title,index,fed_by\n%2,1,9\n%2,,\n",
+        {QStringLiteral("0%2. 0~%2")},
+        {QStringLiteral("line 3: \"%2\" has no number of its own and becomes event 0"),
+         QStringLiteral("line 2: \"%2\" is fed by event 9, which is not there; that is left out")});
     row("rows with faults", csv,
         "title,index,fed_by,end,mood\nA,1,3,x,sad\nB,1,9,x\nC,y,2,,,z\nD,3,1,,\nE,4,4,,\n",
         {QStringLiteral("0D 0A. 0~B 0~C 0~E")},
@@ -78,6 +82,8 @@ void tst_ImportOthers::textBecomesAStory_data()
     row("passages without data", twee, ":: C\n:: Start\n[[B]]\n:: B\n[[Start]]\n",
         {QStringLiteral("0Start 0B. 0~C")},
         {QStringLiteral("line 5: the way from \"B\" to \"Start\" closes a circle and is left out")});
+    row("passages with many tags", twee, ":: A [tab-9 %2 tab-1]\n[[B]]\n:: B [tab-1 %2]\n",
+        {QStringLiteral("0A 0B.")}, {QStringLiteral("line 1: the tag \"%2\" is left out; so in 2 places")});
     row("passages with circles", twee,
         "x\n:: A\\[1\\] [end-of-story sad] {\"position\":\"5,6\"}\n[[B]]\n[[nowhere]]\n:: B\n[[A[1]]]\n:: B\n"
         "[[C]]\n:: C\n[[C]]\n:: code [script]\n",
@@ -149,9 +155,13 @@ void tst_ImportOthers::storyComesBack()
     QFETCH(const QStringList, options);
     QFETCH(const bool, hasPlaces);
     StoryTab tab = branchedTab();
-    const QStringList texts{QStringLiteral("<b> & \"c\" 'd' &amp;"), QStringLiteral("\n[[x->y]]\n\n:: z"),
-                            QStringLiteral("a, \U0001F600; \u05E9\u2028\ttab"), QString(),
-                            QStringLiteral("[two]\nlines {x} \\ |")};
+    const QStringList texts{QStringLiteral("<b> & \"c\" 'd' &amp;"),
+                            QStringLiteral("\n[[x->y]]\n\n:: z"),
+                            QStringLiteral("a, \U0001F600; \u05E9\u2028\ttab"),
+                            QString(),
+                            QStringLiteral("[two]\nlines {x} \\ |"),
+                            QStringLiteral("a]]]b"),
+                            QStringLiteral("a][b")};
     for (int i = 0; i < texts.size(); ++i) {
         tab.events[std::size_t(i)].title = texts[i];
         tab.events[std::size_t(i)].description = texts[i];
