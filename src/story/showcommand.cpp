@@ -94,7 +94,7 @@ private:
     static void print(const QString &file, const StoryReader &reader, Console &console)
     {
         const Story story = reader.story();
-        console.print(tr("%1: tabs: %2").arg(inOneLine(file, 200)).arg(story.tabs.size()));
+        console.print(tr("%1: tabs: %2").arg(inOneLine(file, 200), QString::number(story.tabs.size())));
         for (const StoryTab &tab : story.tabs)
             printTab(tab, summaryOf(tab), console);
         const QStringList damages = reader.damage().lines();

@@ -50,7 +50,7 @@ public:
         const QString wanted = passageName(title);
         QString name = wanted;
         for (int &number = lastNumbers[wanted]; taken.contains(name);)
-            name = QStringLiteral("%1 (%2)").arg(wanted).arg(++number + 1);
+            name = QStringLiteral("%1 (%2)").arg(wanted, QString::number(++number + 1));
         taken.insert(name);
         return name;
     }

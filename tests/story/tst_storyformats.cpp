@@ -71,6 +71,7 @@ private slots:
     void pageIsXmlThatSaysTheSame();
     void styleOfThePageStandsAsItIs();
     void headingIsOneBlock();
+    void passagesOfOneTitleAreNumbered();
     void jsonLosesNothing();
     void emptyStoriesAreWritten_data();
     void emptyStoriesAreWritten();
@@ -308,6 +309,16 @@ void tst_StoryFormats::headingIsOneBlock()
     const auto document = documentOf(story, ExportOptions());
     QCOMPARE(document->findBlockByNumber(1).text(), QStringLiteral("a\u2028b\u2028c\u2028d\u2028e\u2028"));
     QCOMPARE(document->findBlockByNumber(2).text(), QStringLiteral("text of A"));
+}
+
+void tst_StoryFormats::passagesOfOneTitleAreNumbered()
+{
+    StoryTab tab = branchedTab();
+    for (int i = 0; i < 3; ++i)
+        tab.events[std::size_t(i)].title = QStringLiteral("%1");
+    const QString text = exported(QStringLiteral("twee"), {tab});
+    for (const char *header : {"\n:: %1 {", "\n:: %1 (2) [", "\n:: %1 (3) {"})
+        QVERIFY2(text.contains(QLatin1String(header)), header);
 }
 
 void tst_StoryFormats::jsonLosesNothing()

@@ -92,7 +92,7 @@ void tst_StoryProgram::helpIsForEachCommand()
 
 void tst_StoryProgram::showTellsOfEachFile()
 {
-    const QString empty = folder.put(QStringLiteral("empty.scene"), intBytes(0));
+    const QString empty = folder.put(QStringLiteral("empty%2.scene"), intBytes(0));
     const CommandResult result = runCommand({QStringLiteral("show"), empty, QStringLiteral("/x"), empty});
     QCOMPARE(result.code, 2); // one could not be read, the others are shown all the same
     QCOMPARE(result.outputLines(),
