@@ -121,8 +121,8 @@ QString DurableFile::replaceInPlace(const QByteArray &content)
         inPlace.unsetError();
         if (madeInPlace)
             inPlace.remove();
-        else if (!overwrite(old).isEmpty())
-            trouble += tr("; what was in it before is damaged");
+        else
+            overwrite(old);
     } else if (madeInPlace) {
         Storing::putNamesOnDisk(path);
     }
