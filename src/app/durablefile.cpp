@@ -22,7 +22,7 @@ QString endOfLinks(const QString &path)
     QFileInfo end(path);
     if (!end.isSymLink())
         return path;
-    if (const QString real = end.canonicalFilePath(); !real.isEmpty())
+    if (QString real = end.canonicalFilePath(); !real.isEmpty())
         return real;
     // ".." in a link means the folder above the one that the link is in, wherever that was reached from.
     for (int i = 0; i < mostLinks && end.isSymLink(); ++i) {

@@ -128,8 +128,8 @@ private:
 
     std::vector<EventRow> &rowsOf(const QString &tab)
     {
-        auto found = placesOfTabs.constFind(tab);
-        if (found == placesOfTabs.constEnd()) {
+        auto found = placesOfTabs.find(tab);
+        if (found == placesOfTabs.end()) {
             found = placesOfTabs.insert(tab, tabs.size());
             tabs.emplace_back();
             read.tabs.emplace_back();

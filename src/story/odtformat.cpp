@@ -17,12 +17,12 @@ namespace {
 constexpr int deepestOutline = 10; // that the format knows
 constexpr auto mimeType = "application/vnd.oasis.opendocument.text";
 
-const QString officeSpace = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:office:1.0");
-const QString styleSpace = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:style:1.0");
-const QString textSpace = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:text:1.0");
-const QString foSpace = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0");
-const QString metaSpace = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:meta:1.0");
-const QString dcSpace = QStringLiteral("http://purl.org/dc/elements/1.1/");
+constexpr QLatin1String officeSpace("urn:oasis:names:tc:opendocument:xmlns:office:1.0");
+constexpr QLatin1String styleSpace("urn:oasis:names:tc:opendocument:xmlns:style:1.0");
+constexpr QLatin1String textSpace("urn:oasis:names:tc:opendocument:xmlns:text:1.0");
+constexpr QLatin1String foSpace("urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0");
+constexpr QLatin1String metaSpace("urn:oasis:names:tc:opendocument:xmlns:meta:1.0");
+constexpr QLatin1String dcSpace("http://purl.org/dc/elements/1.1/");
 
 QString points(double length) { return QString::number(length) + QStringLiteral("pt"); }
 

@@ -17,7 +17,7 @@ QString oneLine(QString title) { return title.replace(QLatin1Char('\n'), QLatin1
 
 QString entryText(const OutlineEntry &entry)
 {
-    const QString indent(std::min(entry.depth, mostIndented) * indentOfLevel, QLatin1Char(' '));
+    const QString indent(qsizetype(std::min(entry.depth, mostIndented)) * indentOfLevel, QLatin1Char(' '));
     QString text = entry.step == OutlineStep::isLoose ? QStringLiteral("\n* * *\n\n") : QStringLiteral("\n");
     text += indent + oneLine(entry.heading()) + QLatin1Char('\n');
     const QString description = entry.event->text();
