@@ -1,3 +1,4 @@
+#include "endworks.h"
 #include "measure.h"
 #include "story.h"
 #include "works.h"
@@ -75,6 +76,8 @@ int main(int argc, char *argv[])
     qInstallMessageHandler(keepWarningsOnly);
     QStandardPaths::setTestModeEnabled(true);
     const QApplication application(argc, argv);
+    if (argc == 3 && qstrcmp(argv[1], EndWorks::option) == 0)
+        return EndWorks::editAndWait(QFile::decodeName(argv[2]));
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Measures what a writer does with stories of several sizes."));

@@ -91,7 +91,7 @@ const std::vector<Works::Part> &Works::parts()
         {"memory", &Works::memory},     {"documents", &Works::documents},     {"edits", &Works::edits},
         {"marks", &Works::editsBack},   {"connections", &Works::connections}, {"typing", &Works::typing},
         {"looking", &Works::looking},   {"everything", &Works::everything},   {"pasting", &Works::pasting},
-        {"emptying", &Works::emptying}, {"command", &Works::command}};
+        {"emptying", &Works::emptying}, {"command", &Works::command},         {"ending", &Works::ending}};
     return all;
 }
 

@@ -46,6 +46,7 @@ private:
     void everything();
     void emptying();
     void command();
+    void ending();
 
     int events;
     int rounds;

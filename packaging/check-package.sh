@@ -5,43 +5,12 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-registry=${FABLEGRID_DEBIAN_REGISTRY:-http://deb.debian.org/debian}
+source packaging/newdebian.bash
 packaging/install-dependencies.sh package
 package=${1:-$(packaging/build-package.sh)}
 
-root=$(mktemp -d -p /var/tmp fablegrid-debian.XXXXXX)
-mounted=()
-clean_up() {
-    for place in "${mounted[@]}"; do
-        umount --lazy "$place"
-    done
-    rm -rf --one-file-system "$root"
-}
-trap clean_up EXIT
-chmod 755 "$root"
-
-debootstrap --variant=minbase bookworm "$root" "$registry" >"$root.log" 2>&1 || {
-    tail -n 20 "$root.log" >&2
-    rm -f "$root.log"
-    exit 1
-}
-rm -f "$root.log"
-for place in proc dev; do
-    # Without the right to mount there is less in the new system, but enough.
-    if mount --rbind "/$place" "$root/$place" 2>/dev/null; then
-        mount --make-rslave "$root/$place"
-        mounted+=("$root/$place")
-    fi
-done
-cp /etc/resolv.conf "$root/etc/resolv.conf"
-# A machine that reaches the registry through a proxy, or with an old clock, says so in its settings.
-grep -hrsE '^Acquire::(https?::|Check-).*;$' /etc/apt/apt.conf.d /etc/apt/apt.conf \
-    >"$root/etc/apt/apt.conf.d/90host" || true
-
-inside() {
-    chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 \
-        DEBIAN_FRONTEND=noninteractive http_proxy="${http_proxy:-}" https_proxy="${https_proxy:-}" "$@"
-}
+trap remove_debian EXIT
+make_debian
 files() {
     # What a package manager notes about itself is no trace of the program.
     inside find / -xdev \( -path /proc -o -path /dev -o -path /sys -o -path /tmp -o -path /var/cache \
@@ -51,15 +20,14 @@ files() {
 
 inside apt-get -qq update
 inside apt-get -qq install -y --no-install-recommends xvfb xauth x11-utils fonts-dejavu-core >/dev/null 2>&1
-inside useradd --create-home writer
-files >"$root/tmp/before"
+files >"$debian_root/tmp/before"
 
-cp "$package" "$root/tmp/fablegrid.deb"
+cp "$package" "$debian_root/tmp/fablegrid.deb"
 inside apt-get -qq install -y --no-install-recommends /tmp/fablegrid.deb >/dev/null 2>&1
 inside dpkg --listfiles fablegrid
 
 # The command needs no display, and what it links has to have come along.
-cp docs/examples/the-lighthouse.scene "$root/tmp/"
+cp docs/examples/the-lighthouse.scene "$debian_root/tmp/"
 inside su writer -c "fablegrid-story export /tmp/the-lighthouse.scene -o - --format md | grep -q 'The light returns' &&
     fablegrid-story picture /tmp/the-lighthouse.scene -o - --format svg | grep -q 'The light returns'" || {
     echo "The installed command does not work." >&2
@@ -67,7 +35,7 @@ inside su writer -c "fablegrid-story export /tmp/the-lighthouse.scene -o - --for
 }
 
 # What is on the screen while it runs, and what it says.
-cat >"$root/tmp/start" <<'END'
+cat >"$debian_root/tmp/start" <<'END'
 #!/bin/bash
 fablegrid 2>/tmp/said &
 program=$!
@@ -83,29 +51,29 @@ done
 cat /tmp/said
 exit 1
 END
-chmod 755 "$root/tmp/start"
+chmod 755 "$debian_root/tmp/start"
 if ! inside su writer -c "cd; XDG_RUNTIME_DIR=/tmp/runtime-writer; export XDG_RUNTIME_DIR
-        mkdir -m 700 /tmp/runtime-writer; xvfb-run -a /tmp/start"; then
+        mkdir -p -m 700 /tmp/runtime-writer; xvfb-run -a /tmp/start"; then
     echo "The installed program does not come up." >&2
     exit 1
 fi
 # Its own lines are about the work; what begins otherwise is a complaint of the system below it.
-if grep -iE 'qt\.|cannot|could not|error|warning' "$root/tmp/said" >&2; then
+if grep -iE 'qt\.|cannot|could not|error|warning' "$debian_root/tmp/said" >&2; then
     echo "The installed program complains." >&2
     exit 1
 fi
 
 inside apt-get -qq purge -y --autoremove fablegrid >/dev/null 2>&1
-files >"$root/tmp/after"
-diff "$root/tmp/before" "$root/tmp/after" >"$root/tmp/differs" || [[ $? -eq 1 ]]
-grep -E '^[<>]' "$root/tmp/differs" >"$root/tmp/left" || true
-if [[ ! -s $root/tmp/left ]]; then
+files >"$debian_root/tmp/after"
+diff "$debian_root/tmp/before" "$debian_root/tmp/after" >"$debian_root/tmp/differs" || [[ $? -eq 1 ]]
+grep -E '^[<>]' "$debian_root/tmp/differs" >"$debian_root/tmp/left" || true
+if [[ ! -s $debian_root/tmp/left ]]; then
     echo "Installed, started and removed in a new Debian 12; nothing is left."
     exit 0
 fi
-if grep -i fablegrid "$root/tmp/left" >&2; then
+if grep -i fablegrid "$debian_root/tmp/left" >&2; then
     echo "The removed package leaves these files." >&2
     exit 1
 fi
 echo "Installed, started and removed in a new Debian 12; of the program nothing is left. Other packages left:"
-cat "$root/tmp/left"
+cat "$debian_root/tmp/left"

@@ -3,30 +3,37 @@
 #   run      building and starting the application
 #   test     running its tests as well (virtual display, window manager, synthetic input)
 #   lint     ./lint
+#   environments
+#            working with the program on other screens, see tests/environments
 #   package  making, checking and trying out the Debian package
-#   ci       all of that, the further checks of .ci/run (fuzzing, other people's programs), and coverage
+#   ci       all of that, the further checks of .ci/run (fuzzing, other people's programs, shells), and coverage
 # Silent and quick when nothing is missing. When something is and cannot be installed, says so and fails.
 set -euo pipefail
 
 run_packages=(g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools qt6-svg-dev fonts-dejavu-core libcmark-dev)
-test_packages=(xvfb xauth openbox xdotool imagemagick x11-utils)
+test_packages=(xvfb xauth openbox xdotool libxcb1-dev)
 lint_packages=(clang-14 clang-format-14 clang-tidy-14 clazy git)
 package_packages=(dpkg-dev fakeroot file git lintian desktop-file-utils appstream mandoc debootstrap)
 # What reads the files that stories are exported to.
 peer_packages=(pandoc poppler-utils libxml2-utils librsvg2-bin graphviz sqlite3 python3-jsonschema)
-ci_packages=(gcovr python3 libclang-rt-14-dev qt6-l10n-tools)
+environment_packages=(xvfb openbox xdotool imagemagick x11-utils)
+# What its completions are tried in.
+shell_packages=(bash zsh fish)
+ci_packages=(gcovr python3 libclang-rt-14-dev qt6-l10n-tools strace weston qt6-wayland)
 
 case "${1:-}" in
     run) wanted=("${run_packages[@]}") ;;
     test) wanted=("${run_packages[@]}" "${test_packages[@]}") ;;
     lint) wanted=("${run_packages[@]}" "${lint_packages[@]}") ;;
+    environments) wanted=("${run_packages[@]}" "${environment_packages[@]}") ;;
     package) wanted=("${run_packages[@]}" "${package_packages[@]}") ;;
     ci)
         wanted=("${run_packages[@]}" "${test_packages[@]}" "${lint_packages[@]}" "${package_packages[@]}"
-            "${peer_packages[@]}" "${ci_packages[@]}")
+            "${peer_packages[@]}" "${shell_packages[@]}" "${environment_packages[@]}"
+            "${ci_packages[@]}")
         ;;
     *)
-        echo "usage: ${0##*/} run|test|lint|package|ci" >&2
+        echo "usage: ${0##*/} run|test|lint|environments|package|ci" >&2
         exit 2
         ;;
 esac

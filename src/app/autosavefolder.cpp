@@ -38,13 +38,13 @@ QString nameOf(const QDateTime &moment)
 Copy notOpened(const QString &path, const QString &why)
 {
     qWarning() << "Failed to open autosave file for writing:" << path;
-    return {path, why};
+    return {path, why, {}};
 }
 
 Copy notWritten(const QString &path, const QString &why)
 {
     qWarning() << "Failed to write autosave file:" << path << why;
-    return {path, why};
+    return {path, why, {}};
 }
 
 /// Takes the name of that moment, or that of the next second that nobody has.
@@ -61,7 +61,7 @@ Copy makeNew(const QString &folder, QDateTime moment, const SceneDocument &docum
         const QString free = folder + nameOf(moment);
         switch (content.takeFreeName(free)) {
         case NewContent::Naming::done:
-            return {free, {}};
+            return {free, {}, content.stamp()};
         case NewContent::Naming::failed:
             return notWritten(path, content.trouble());
         case NewContent::Naming::taken:
@@ -87,8 +87,8 @@ AutosaveFolder::Copy AutosaveFolder::keep(const SceneDocument &document)
 AutosaveFolder::Copy AutosaveFolder::keepAt(const QDateTime &moment, const SceneDocument &document)
 {
     const QString folder = preparedFolder();
-    const bool isOwn = !last.isEmpty() && last == folder + nameOf(moment) && QFileInfo(last).isFile() &&
-                       !QFileInfo(last).isSymLink();
+    const bool isOwn =
+        last == folder + nameOf(moment) && !QFileInfo(last).isSymLink() && FileStamp::of(last) == lastStamp;
     Copy copy;
     try {
         copy = isOwn ? replaceLast(document) : makeNew(folder, moment, document);
@@ -97,6 +97,7 @@ AutosaveFolder::Copy AutosaveFolder::keepAt(const QDateTime &moment, const Scene
     }
     if (copy.trouble.isEmpty()) {
         last = copy.path;
+        lastStamp = copy.stamp;
         qInfo() << "Autosaved scene to:" << copy.path;
     }
     return copy;
@@ -108,5 +109,5 @@ AutosaveFolder::Copy AutosaveFolder::replaceLast(const SceneDocument &document) 
     if (!file.open())
         return notOpened(last, file.trouble());
     const QString trouble = file.replaceBy(document.bytes());
-    return trouble.isEmpty() ? Copy{last, {}} : notWritten(last, trouble);
+    return trouble.isEmpty() ? Copy{last, {}, file.stamp()} : notWritten(last, trouble);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/filestamp.h"
+
 #include <QString>
 
 class QDateTime;
@@ -8,7 +10,8 @@ class SceneDocument;
 /// Where a window's document is put by once a minute, each time as a new file that is named after the second.
 ///
 /// A name is taken only if nobody has it: another instance of the program may have been started in the same
-/// second, and an hour may come twice. What this very object has written in the same second is replaced.
+/// second, and an hour may come twice. What this very object has written under the name of the same second
+/// is replaced.
 class AutosaveFolder
 {
 public:
@@ -16,6 +19,7 @@ public:
     {
         QString path;
         QString trouble; // why it could not be written, else empty
+        FileStamp stamp;
     };
 
     /// The one below the user's documents.
@@ -29,4 +33,5 @@ private:
     Copy replaceLast(const SceneDocument &document) const;
 
     QString last; // the path of the last copy, empty if there is none
+    FileStamp lastStamp;
 };

@@ -1,20 +1,74 @@
 #include "app/documentformat.h"
 
 #include "app/documentstream.h"
+#include "scene/damagelog.h"
 #include "scene/nodegraphscene.h"
+#include "scene/scenerecords.h"
 
 #include <QBuffer>
 #include <QDebug>
 
+#include <algorithm>
+
 namespace {
 
-/// Every tab takes four bytes at least; a count beyond that is damage, and the empty tabs would never end.
-qint64 mostTabsOf(const QByteArray &content)
+struct Tabs
+{
+    qint64 begun = 0;  // at least
+    qint64 filled = 0; // so many are there up to the last one with an event
+};
+
+/// What these bytes hold of tabs.
+Tabs tabsIn(const QByteArray &content)
+{
+    QBuffer buffer;
+    buffer.setData(content);
+    buffer.open(QIODevice::ReadOnly);
+    DocumentStream stream(&buffer);
+    qint32 announced = 0;
+    stream >> announced;
+    Tabs tabs;
+    while (!stream.atEnd()) {
+        const bool hasEvents = SceneRecords::skip(stream) > 0;
+        ++tabs.begun;
+        if (hasEvents)
+            tabs.filled = tabs.begun;
+    }
+    return tabs;
+}
+
+/// Every tab takes four bytes at least; a count beyond that is damage, and the empty tabs would never end. So
+/// is one far beyond what anybody has made, unless the tabs are there: one bit of it may have changed. What
+/// is not there as announced may be no story, and its zeros no tabs.
+qint64 mostTabsOf(const QByteArray &content, qint64 announced)
 {
     constexpr qint64 bytesOfATab = 4;
     constexpr qint64 spare = 16;
-    return content.size() / bytesOfATab + spare;
+    constexpr qint64 few = 1000; // empty ones take half a second and 100 MB
+    const qint64 most = content.size() / bytesOfATab + spare;
+    if (std::min(announced, most) <= few)
+        return most;
+    const Tabs there = tabsIn(content);
+    return announced <= there.begun ? announced : std::max(there.filled, std::min(there.begun, few));
 }
+
+/// Tells how far it is read.
+class ToldBuffer : public QBuffer
+{
+public:
+    explicit ToldBuffer(const DocumentFormat::ReadingTold &tell) : told(tell) {}
+
+protected:
+    qint64 readData(char *data, qint64 most) override
+    {
+        if (told && size() > 0)
+            told(double(pos()) / double(size()));
+        return QBuffer::readData(data, most);
+    }
+
+private:
+    const DocumentFormat::ReadingTold &told;
+};
 
 } // namespace
 
@@ -31,30 +85,30 @@ QByteArray DocumentFormat::bytes(const std::vector<NodegraphScene *> &tabs)
 }
 
 Opening DocumentFormat::read(const QString &file, const QByteArray &content, const TabMaking &make,
-                             const TabFilling &fill)
+                             const TabFilling &fill, const ReadingTold &tell)
 {
-    QBuffer buffer;
+    ToldBuffer buffer(tell);
     buffer.setData(content);
-    buffer.setObjectName(file); // what the log is to call it
     buffer.open(QIODevice::ReadOnly);
     DocumentStream stream(&buffer);
     qint32 count = 0;
     stream >> count;
     qInfo() << "Tabs to open" << count;
     Opening opening;
-    const qint64 mostTabs = mostTabsOf(content);
+    const qint64 mostTabs = mostTabsOf(content, count);
     if (count > mostTabs) {
         qWarning() << "Damaged scene file:" << file << "cannot hold" << count << "tabs, opening" << mostTabs;
         opening.missingTabs = static_cast<int>(count - mostTabs);
         count = static_cast<qint32>(mostTabs);
     }
+    DamageLog log(file);
     const std::vector<NodegraphScene *> scenes = make(count);
     if (stream.status() != QDataStream::Ok)
         opening.missingTabs = 1; // not even their number is there
     for (NodegraphScene *scene : scenes) {
         if (stream.atEnd())
             ++opening.missingTabs;
-        const Damage damage = fill(*scene, stream);
+        const Damage damage = fill(*scene, stream, log);
         opening.damage.incompleteEvents += damage.incompleteEvents;
         opening.damage.lostConnections += damage.lostConnections;
     }

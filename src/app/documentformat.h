@@ -8,6 +8,7 @@
 #include <functional>
 #include <vector>
 
+class DamageLog;
 class NodegraphScene;
 class QDataStream;
 
@@ -32,10 +33,14 @@ QByteArray bytes(const std::vector<NodegraphScene *> &tabs);
 /// Makes so many empty tabs and returns their scenes.
 using TabMaking = std::function<std::vector<NodegraphScene *>(int count)>;
 /// Has the scene read its block, which the stream stands before, and returns what was wrong with it.
-using TabFilling = std::function<Damage(NodegraphScene &scene, QDataStream &stream)>;
+using TabFilling = std::function<Damage(NodegraphScene &scene, QDataStream &stream, DamageLog &log)>;
+
+/// Told what part of the bytes is read, from 0 to 1.
+using ReadingTold = std::function<void(double part)>;
 
 /// Reads what a file of that name holds: all tabs are made first, and then filled one by one. Says in the
 /// log, too, what of a damaged one is left out.
-Opening read(const QString &file, const QByteArray &content, const TabMaking &make, const TabFilling &fill);
+Opening read(const QString &file, const QByteArray &content, const TabMaking &make, const TabFilling &fill,
+             const ReadingTold &tell = {});
 
 } // namespace DocumentFormat

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 
 #include <cerrno>
+#include <utility>
 
 namespace {
 
@@ -42,6 +43,15 @@ bool forbidsReplacing(int error) { return error == EPERM || error == EBUSY || er
 
 DurableFile::DurableFile(const QString &file) : path(endOfLinks(file)), temporary(path), inPlace(path) {}
 
+DurableFile::~DurableFile() { removeWhatWasMade(); }
+
+/// Nothing if the file was there before, or holds what it is to hold.
+void DurableFile::removeWhatWasMade()
+{
+    if (std::exchange(madeInPlace, false))
+        inPlace.remove();
+}
+
 bool DurableFile::open()
 {
     if (!isWritable())
@@ -71,17 +81,24 @@ bool DurableFile::isWritable()
 
 bool DurableFile::openInPlace()
 {
-    madeInPlace = !inPlace.exists();
+    const bool isNew = !inPlace.exists();
     errno = 0;
-    if (inPlace.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
+    if (inPlace.open(QIODevice::ReadWrite | QIODevice::Unbuffered)) {
+        madeInPlace = isNew;
         return true;
+    }
     whyNot = Storing::reasonOf(inPlace, errno);
     return false;
 }
 
 QString DurableFile::replaceBy(const QByteArray &content)
 {
-    return inPlace.isOpen() ? replaceInPlace(content) : replaceThroughTemporary(content);
+    if (inPlace.isOpen() && former.mustStay())
+        return tr("what is in the file could not be kept: it can only be written over in place");
+    QString trouble = inPlace.isOpen() ? replaceInPlace(content) : replaceThroughTemporary(content);
+    if (trouble.isEmpty())
+        stored = inPlace.isOpen() ? FileStamp::of(inPlace) : temporary.stamp();
+    return trouble;
 }
 
 QString DurableFile::replaceThroughTemporary(const QByteArray &content)
@@ -89,9 +106,11 @@ QString DurableFile::replaceThroughTemporary(const QByteArray &content)
     if (QString trouble = temporary.write(content); !trouble.isEmpty())
         return trouble;
     temporary.takePropertiesOf(path);
-    const int error = temporary.replace(path);
+    const int error = temporary.replace(path, former, oldAt);
     if (error == 0)
         return {};
+    if (former.mustStay())
+        return tr("what is in the file could not be kept: %1").arg(Storing::reason(error));
     if (!forbidsReplacing(error) || !QFileInfo::exists(path) || !openInPlace())
         return Storing::reason(error);
     // Complete and on the disk as it is, the temporary is better than half a file.
@@ -120,10 +139,10 @@ QString DurableFile::replaceInPlace(const QByteArray &content)
     if (!trouble.isEmpty()) {
         inPlace.unsetError();
         if (madeInPlace)
-            inPlace.remove();
+            removeWhatWasMade();
         else
             overwrite(old);
-    } else if (madeInPlace) {
+    } else if (std::exchange(madeInPlace, false)) {
         Storing::putNamesOnDisk(path);
     }
     return trouble;

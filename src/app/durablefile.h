@@ -19,26 +19,40 @@ class DurableFile
 
 public:
     explicit DurableFile(const QString &path);
+    /// Takes away a file that was made and has got no content.
+    ~DurableFile();
+    DurableFile(const DurableFile &) = delete;
+    DurableFile &operator=(const DurableFile &) = delete;
 
     /// False if the file cannot be written; nothing has changed then.
     bool open();
     /// Why open() did not succeed.
     const QString &trouble() const { return whyNot; }
+    /// What replaceBy() is to do with what stands there. Where it must stay and cannot, nothing is replaced.
+    void setFormer(const Former &what) { former = what; }
+    /// Where that was put; empty if it was not.
+    const QString &old() const { return oldAt; }
     /// Once after open(). Returns why the new content could not be stored, empty if it is.
     QString replaceBy(const QByteArray &content);
+    /// Of the file as it was stored.
+    FileStamp stamp() const { return stored; }
     /// The file that holds the new content when it could not be stored in its place; empty if none does.
     const QString &rescue() const { return rescuedTo; }
 
 private:
     bool isWritable();
     bool openInPlace();
+    void removeWhatWasMade();
     QString replaceThroughTemporary(const QByteArray &content);
     QString replaceInPlace(const QByteArray &content);
 
     QString path; // of the file itself, at the end of all links
     NewContent temporary;
     QFile inPlace;            // open if that is how it has to be
-    bool madeInPlace = false; // there was no such file before
+    bool madeInPlace = false; // there was no such file before, and nothing is stored in it yet
     QString whyNot;
     QString rescuedTo;
+    Former former;
+    QString oldAt;
+    FileStamp stored;
 };

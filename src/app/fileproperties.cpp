@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QFileDevice>
 #include <QFileInfo>
+#include <QtEndian>
 
 #ifdef Q_OS_UNIX
 #include <cerrno>
@@ -57,6 +58,31 @@ void copyAttributes(const QByteArray &path, int handle)
     }
 }
 
+/// The access list of a file that is made there, as the system derives it; empty if the folder has none to
+/// give. A file without a name yet does not get it on every disk, and one that was made for the user alone
+/// gets it with nothing for all others.
+QByteArray listOfNewFilesIn(const QByteArray &folder)
+{
+    constexpr qsizetype head = 4; // bytes, of the version
+    constexpr qsizetype entry = 8;
+    constexpr quint16 user = 0x01;
+    constexpr quint16 group = 0x04;
+    constexpr quint16 most = 0x10; // what any entry gives at most but those of the user and of all others
+    constexpr quint16 others = 0x20;
+    constexpr quint16 readAndWrite = 6;
+    QByteArray list = attributeOf(folder, "system.posix_acl_default");
+    const auto at = [&list](qsizetype place) { return qFromLittleEndian<quint16>(list.constData() + place); };
+    bool hasMost = false;
+    for (qsizetype i = head; i + entry <= list.size(); i += entry)
+        hasMost = hasMost || at(i) == most;
+    for (qsizetype i = head; i + entry <= list.size(); i += entry) {
+        const quint16 tag = at(i);
+        if (tag == user || tag == others || tag == (hasMost ? most : group))
+            qToLittleEndian<quint16>(at(i + 2) & readAndWrite, list.data() + i + 2);
+    }
+    return list;
+}
+
 } // namespace
 #endif
 
@@ -97,8 +123,16 @@ void FileProperties::takeOver(const QString &path, QFileDevice &file)
     [[maybe_unused]] const int outcome = fchmod(handle, mode); // a failure leaves it to the user alone
 }
 
-void FileProperties::beNew(QFileDevice &file)
+void FileProperties::beNew(QFileDevice &file, const QString &folder)
 {
+#ifdef Q_OS_LINUX
+    // Where a folder has a list for its new files the user's own mask does not count.
+    if (const QByteArray list = listOfNewFilesIn(QFile::encodeName(folder)); !list.isEmpty()) {
+        // A failure leaves it to the user alone.
+        fsetxattr(file.handle(), accessList, list.constData(), std::size_t(list.size()), 0);
+        return;
+    }
+#endif
     const mode_t mask = umask(077); // it can only be asked by being set
     umask(mask);
     [[maybe_unused]] const int outcome = fchmod(file.handle(), 0666U & ~mask);
@@ -109,5 +143,5 @@ void FileProperties::takeOver(const QString &path, QFileDevice &file)
     file.setPermissions(QFileInfo(path).permissions());
 }
 
-void FileProperties::beNew(QFileDevice &) {}
+void FileProperties::beNew(QFileDevice &, const QString &) {}
 #endif

@@ -35,13 +35,24 @@ QString nameOf(KeptCopies::Occasion occasion)
     return QStringLiteral("other");
 }
 
+QString fileNameOf(const QDateTime &moment, KeptCopies::Occasion occasion)
+{
+    return moment.toString(QStringLiteral("yyyyMMdd_HHmmss_zzz_")) + nameOf(occasion) +
+           QStringLiteral(".scene");
+}
+
+const QRegularExpression &nameOfACopy()
+{
+    static const QRegularExpression name(
+        QStringLiteral("^\\d{8}_\\d{6}_\\d{3}_(new|open|tab|close|end|other)\\.scene$"));
+    return name;
+}
+
 /// The copies in the folder, the oldest first; what the user has put there by himself is none.
 QFileInfoList copiesIn(const QString &folder)
 {
-    static const QRegularExpression copy(
-        QStringLiteral("^\\d{8}_\\d{6}_\\d{3}_(new|open|tab|close|end|other)\\.scene$"));
     QFileInfoList copies = QDir(folder).entryInfoList({QStringLiteral("*.scene")}, QDir::Files, QDir::Name);
-    copies.removeIf([](const QFileInfo &file) { return !copy.match(file.fileName()).hasMatch(); });
+    copies.removeIf([](const QFileInfo &file) { return !nameOfACopy().match(file.fileName()).hasMatch(); });
     return copies;
 }
 
@@ -61,35 +72,63 @@ QString KeptCopies::usualFolder()
            QStringLiteral("/Fablegrid/Kept");
 }
 
+QString KeptCopies::nameNow(Occasion occasion) { return fileNameOf(QDateTime::currentDateTime(), occasion); }
+
+void KeptCopies::beReady()
+{
+    // The calendars are what Qt would make late, and take away early.
+    nameNow(Occasion::end);
+    nameOfACopy().optimize();
+}
+
 KeptCopies::Kept KeptCopies::keep(const QByteArray &content, Occasion occasion) const
 {
-    if (const QString same = sameAs(content); !same.isEmpty())
-        return {same, {}};
+    const Same same = sameAs(content);
+    if (same.isNewest)
+        return {same.path, {}};
     Kept kept = store(content, occasion);
-    if (kept.trouble.isEmpty())
+    if (kept.trouble.isEmpty()) {
+        // An older one could be the next to be dropped.
+        if (!same.path.isEmpty())
+            QFile::remove(same.path);
         dropOldest(kept.path);
-    else
-        qWarning() << "Failed to keep a copy:" << kept.path << kept.trouble;
+        return kept;
+    }
+    if (!same.path.isEmpty())
+        return {same.path, {}};
+    qWarning() << "Failed to keep a copy:" << kept.path << kept.trouble;
     return kept;
 }
 
-/// The newest copy of the same bytes, empty if there is none.
-QString KeptCopies::sameAs(const QByteArray &content) const
+KeptCopies::Kept KeptCopies::keepBeside(const QString &path, const QByteArray &content)
+{
+    NewContent copy(path);
+    if (!copy.open())
+        return {path, Storing::reason(errno)};
+    if (const QString trouble = copy.write(content); !trouble.isEmpty())
+        return {path, trouble};
+    const QString name = copy.stay();
+    if (name.isEmpty())
+        return {path, Storing::reason(errno)};
+    return {name, {}};
+}
+
+/// The newest copy of the same bytes, without a path if there is none.
+KeptCopies::Same KeptCopies::sameAs(const QByteArray &content) const
 {
     const QFileInfoList copies = copiesIn(folder);
     const auto same = std::find_if(copies.crbegin(), copies.crend(),
                                    [&content](const QFileInfo &copy) { return holds(copy, content); });
-    return same == copies.crend() ? QString() : same->filePath();
+    if (same == copies.crend())
+        return {};
+    return {same->filePath(), same == copies.crbegin()};
 }
 
 KeptCopies::Kept KeptCopies::store(const QByteArray &content, Occasion occasion) const
 {
     QDir().mkpath(folder);
     QDateTime moment = QDateTime::currentDateTime();
-    const auto path = [&] {
-        return folder + QLatin1Char('/') + moment.toString(QStringLiteral("yyyyMMdd_HHmmss_zzz_")) +
-               nameOf(occasion) + QStringLiteral(".scene");
-    };
+    const auto path = [&] { return folder + QLatin1Char('/') + fileNameOf(moment, occasion); };
     NewContent copy(path());
     if (!copy.open())
         return {path(), Storing::reason(errno)};

@@ -7,7 +7,8 @@ class QByteArray;
 /// The folder of the copies of what left a window unsaved, each in a file that is named after the moment and
 /// the occasion.
 ///
-/// The newest 200 stay, and the same bytes are there once only. Nobody's copy is ever written over.
+/// The newest 200 stay, and the same bytes are there once only, under their newest name. Nobody's copy is
+/// ever written over.
 class KeptCopies
 {
 public:
@@ -15,7 +16,7 @@ public:
 
     struct Kept
     {
-        QString path;    // of the copy, old or new
+        QString path;    // of the copy
         QString trouble; // why there is none, else empty
     };
 
@@ -24,13 +25,26 @@ public:
     /// The one below the user's documents.
     static QString usualFolder();
 
+    /// That of a copy of this moment.
+    static QString nameNow(Occasion occasion);
+    /// Has the library make what it makes once for every program: a copy may be asked for as the program
+    /// exits, when nothing comes to life any more.
+    static void beReady();
+
     explicit KeptCopies(const QString &folderPath = usualFolder()) : folder(folderPath) {}
 
+    /// Writes those bytes into a new file beside that one, with a few more letters behind its name.
+    static Kept keepBeside(const QString &path, const QByteArray &content);
     /// Keeps a document's bytes; says in the log if that cannot be done.
     Kept keep(const QByteArray &content, Occasion occasion) const;
 
 private:
-    QString sameAs(const QByteArray &content) const;
+    struct Same
+    {
+        QString path;
+        bool isNewest = false; // of all copies
+    };
+    Same sameAs(const QByteArray &content) const;
     Kept store(const QByteArray &content, Occasion occasion) const;
     void dropOldest(const QString &newest) const;
 

@@ -1,15 +1,18 @@
 #include "app/applicationpalette.h"
+#include "app/displayloss.h"
+#include "app/guardedapplication.h"
 #include "app/mainwindow.h"
 #include "app/programend.h"
+#include "app/steadylog.h"
 
-#include <QApplication>
 #include <QIcon>
 
 int main(int argc, char *argv[])
 {
     QApplication::setStyle(QStringLiteral("Fusion"));
     ProgramEnd::outliveFailedWrites();
-    const QApplication application(argc, argv);
+    const SteadyLog log; // before anything can be written: Qt itself may have something to say as it starts
+    GuardedApplication application(argc, argv);
     dressApplication();
     // By this name Wayland finds the desktop entry, and with it the icon of the window.
     QGuiApplication::setDesktopFileName(QStringLiteral("example.fablegrid.fablegrid"));
@@ -19,6 +22,11 @@ int main(int argc, char *argv[])
     window.setWindowIcon(QIcon(QStringLiteral(":/Logo/Assets/Logo/logo - Square (Fill) - App 1.png")));
     window.show();
     window.show();
+    const auto unseenWork = [&window] { window.keepWithoutWords(); };
+    application.setLastWork(unseenWork);
     const ProgramEnd end([&window] { window.keepForTheEnd(); });
-    return QApplication::exec();
+    const DisplayLoss loss(unseenWork);
+    const int outcome = QApplication::exec();
+    application.setLastWork({});
+    return outcome;
 }

@@ -4,6 +4,7 @@
 #include "app/notices.h"
 #include "app/scenedocument.h"
 #include "app/storytabs.h"
+#include "app/wording.h"
 #include "app/workkeeper.h"
 #include "overviewer/overviewerscene.h"
 #include "overviewer/panelfitter.h"
@@ -127,6 +128,8 @@ void MainWindow::loadFrom(const QString &path) { work->loadFrom(path); }
 
 void MainWindow::keepForTheEnd() { work->keep(KeptCopies::Occasion::end); }
 
+void MainWindow::keepWithoutWords() const { work->keepWithoutWords(KeptCopies::Occasion::end); }
+
 void MainWindow::clearTabs() { work->startAnew(); }
 
 void MainWindow::autosave() { work->autosave(); }
@@ -168,8 +171,8 @@ void MainWindow::closeTab(int index)
     const auto answer = QMessageBox::question(
         this, tr("Save Changes"),
         tr("This tab has unsaved changes. Do you want to save them before closing?"), answers);
-    if (answer == QMessageBox::Cancel)
-        return;
+    if (answer != QMessageBox::Yes && answer != QMessageBox::No)
+        return; // without any answer the program is about to end
     if (answer == QMessageBox::No || !save())
         work->keep(KeptCopies::Occasion::tab);
     if (closing)
@@ -183,7 +186,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
         tr("The file has unsaved changes. Do you want to save them before closing?"), answers);
     if (answer == QMessageBox::No || (answer == QMessageBox::Yes && !save()))
         work->keep(KeptCopies::Occasion::close);
-    event->setAccepted(answer != QMessageBox::Cancel);
+    event->setAccepted(answer == QMessageBox::No || answer == QMessageBox::Yes);
 }
 
 void MainWindow::addEventNode()
@@ -234,8 +237,16 @@ void MainWindow::sl_cut()
 void MainWindow::sl_paste()
 {
     qInfo() << "paste";
-    if (NodegraphView *view = tabs->current())
-        view->nodegraphScene()->pasteNodes();
+    NodegraphView *view = tabs->current();
+    if (!view)
+        return;
+    if (!view->nodegraphScene()->canPasteNodes()) {
+        qWarning() << "Couldn't paste: there is not enough memory.";
+        notices->fail(Notices::Subject::pasting, Wording::notPasted());
+        return;
+    }
+    notices->succeed(Notices::Subject::pasting);
+    view->nodegraphScene()->pasteNodes();
 }
 
 void MainWindow::sl_selectAll()

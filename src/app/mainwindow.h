@@ -42,6 +42,8 @@ public:
 
     /// Keeps a copy of what is not saved: the program is about to be ended from outside.
     void keepForTheEnd();
+    /// The same where nothing can be said of it: without a display, or without memory.
+    void keepWithoutWords() const;
 
     /// The document's path, empty while it has none.
     QString currentFilePath() const;

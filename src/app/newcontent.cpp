@@ -1,5 +1,6 @@
 #include "app/newcontent.h"
 
+#include "app/filemoves.h"
 #include "app/fileproperties.h"
 #include "app/storing.h"
 
@@ -8,64 +9,12 @@
 
 #include <cerrno>
 
-#ifdef Q_OS_WIN
-#include <qt_windows.h>
-#else
-#include <cstdio>
-#include <fcntl.h>
-#include <unistd.h>
-#endif
-
 namespace {
 
-// Both move a file in its folder; 0, or what the system says of it.
-#ifdef Q_OS_WIN
-int moved(const QString &from, const QString &to, DWORD how)
+QString inFolderOf(const QString &path, const QString &name)
 {
-    const auto wide = [](const QString &path) { return reinterpret_cast<const wchar_t *>(path.utf16()); };
-    if (MoveFileExW(wide(from), wide(to), MOVEFILE_WRITE_THROUGH | how))
-        return 0;
-    return GetLastError() == ERROR_ALREADY_EXISTS || GetLastError() == ERROR_FILE_EXISTS ? EEXIST : EIO;
+    return QFileInfo(path).path() + QLatin1Char('/') + name;
 }
-
-int movedToFreeName(const QString &from, const QString &to) { return moved(from, to, 0); }
-
-int movedOver(const QString &from, const QString &to) { return moved(from, to, MOVEFILE_REPLACE_EXISTING); }
-#else
-int movedOver(const QString &from, const QString &to)
-{
-    return rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0 ? 0 : errno;
-}
-
-int movedToFreeName(const QString &from, const QString &to)
-{
-    const QByteArray source = QFile::encodeName(from);
-    const QByteArray target = QFile::encodeName(to);
-#ifdef RENAME_NOREPLACE
-    if (renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE) == 0)
-        return 0;
-    if (errno != EINVAL && errno != ENOSYS)
-        return errno;
-#endif
-    // Not every file system knows that; a second name is refused as well if somebody has it.
-    if (link(source.constData(), target.constData()) == 0) {
-        unlink(source.constData());
-        return 0;
-    }
-    if (errno != EPERM && errno != ENOSYS && errno != EOPNOTSUPP)
-        return errno;
-    // Some know no second names either. An empty file holds the name, and is then replaced.
-    const int holder = ::open(target.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    if (holder < 0)
-        return errno;
-    close(holder);
-    if (rename(source.constData(), target.constData()) == 0)
-        return 0;
-    const int error = errno;
-    unlink(target.constData());
-    return error;
-}
-#endif
 
 } // namespace
 
@@ -103,29 +52,91 @@ void NewContent::takePropertiesOf(const QString &path)
         takePropertiesOfNewFiles();
 }
 
-void NewContent::takePropertiesOfNewFiles() { FileProperties::beNew(file); }
+void NewContent::takePropertiesOfNewFiles()
+{
+    FileProperties::beNew(file, QFileInfo(file.fileTemplate()).path());
+}
 
 int NewContent::replace(const QString &path)
 {
     const QString name = present();
-    const int error = name.isEmpty() ? errno : movedOver(name, path);
+    const int error = name.isEmpty() ? errno : FileMoves::over(name, path);
+    if (error == 0)
+        isInPlace(path);
+    return error;
+}
+
+int NewContent::replace(const QString &path, const Former &former, QString &old)
+{
+    if (former.name.isEmpty())
+        return replace(path);
+    const QString name = present();
+    if (name.isEmpty())
+        return errno;
+    int error = FileMoves::exchange(name, path);
+    if (error == ENOENT) { // nothing stands there, unless somebody is quick
+        error = FileMoves::toFreeName(name, path);
+        if (error == 0) {
+            isInPlace(path);
+            return 0;
+        }
+        if (error == EEXIST)
+            error = FileMoves::exchange(name, path);
+    }
+    // Some containers forbid what they do not know.
+    if (error == EINVAL || error == ENOSYS || error == EPERM)
+        return replaceWithoutExchange(name, path, former, old);
+    if (error != 0)
+        return error;
+    // What stood there has the name of the new content now.
+    file.setAutoRemove(false);
+    if (former.known && FileStamp::of(name).holdsTheSameAs(*former.known)) {
+        QFile::remove(name);
+    } else {
+        old = inFolderOf(path, former.name);
+        if (FileMoves::toFreeName(name, old) != 0)
+            old = name;
+    }
+    isInPlace(path);
+    return 0;
+}
+
+int NewContent::replaceWithoutExchange(const QString &name, const QString &path, const Former &former,
+                                       QString &old)
+{
+    const QString second = former.known ? QString() : inFolderOf(path, former.name);
+    int error = second.isEmpty() ? 0 : FileMoves::addName(path, second);
+    if (error != 0)
+        return error;
+    error = FileMoves::over(name, path);
     if (error == 0) {
-        file.setAutoRemove(false);
-        Storing::putNamesOnDisk(path);
+        old = second;
+        isInPlace(path);
+    } else if (!second.isEmpty()) {
+        QFile::remove(second);
     }
     return error;
+}
+
+void NewContent::isInPlace(const QString &path)
+{
+    file.setAutoRemove(false);
+    Storing::putNamesOnDisk(path);
 }
 
 QString NewContent::stay()
 {
     file.setAutoRemove(false);
-    return present();
+    QString name = present();
+    if (!name.isEmpty())
+        Storing::putNamesOnDisk(name);
+    return name;
 }
 
 NewContent::Naming NewContent::takeFreeName(const QString &path)
 {
     const QString name = present();
-    const int error = name.isEmpty() ? errno : movedToFreeName(name, path);
+    const int error = name.isEmpty() ? errno : FileMoves::toFreeName(name, path);
     if (error == EEXIST)
         return Naming::taken;
     if (error != 0) {

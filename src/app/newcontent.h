@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/former.h"
+
 #include <QString>
 #include <QTemporaryFile>
 
@@ -24,16 +26,24 @@ public:
     void takePropertiesOfNewFiles();
     /// Puts it in the place of that file in the same folder; 0, or what the system says of it.
     int replace(const QString &path);
+    /// The same where it matters what stood there. If that is put by, without being read, `old` is where.
+    /// Another program may come in between and loses nothing, but where the system or the disk knows no
+    /// exchange of names.
+    int replace(const QString &path, const Former &former, QString &old);
     /// Lets it stay under the name that it has, and returns that.
     QString stay();
     /// Gives it that name in the same folder if nobody has it, not even a link. If it is taken another one
     /// can be tried.
     Naming takeFreeName(const QString &path);
+    /// What tells it from any other file, for as long as nobody changes it; when it has got its name.
+    FileStamp stamp() const { return FileStamp::of(file); }
     /// Why no name could be given to it.
     const QString &trouble() const { return whyNot; }
 
 private:
     QString present();
+    int replaceWithoutExchange(const QString &name, const QString &path, const Former &former, QString &old);
+    void isInPlace(const QString &path);
 
     QTemporaryFile file;
     QString whyNot;

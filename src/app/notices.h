@@ -16,7 +16,7 @@ class QTabWidget;
 class Notices
 {
 public:
-    enum class Subject { save, autosave, opening, damage, keeping };
+    enum class Subject { save, autosave, opening, damage, keeping, pasting };
 
     static constexpr int newsStay = 4000; // milliseconds
 

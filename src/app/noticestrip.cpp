@@ -14,16 +14,23 @@ namespace {
 const QColor failureGround(112, 32, 32);
 const QColor newsGround(30, 70, 50);
 const QColor letters(255, 255, 255);
+constexpr int buttonSize = 28;
+constexpr int margin = 4;
 
 QString styleFor(const QColor &ground)
 {
     // The form's sheets colour whatever stands in the tab widget, so each part is named.
     return QStringLiteral("NoticeStrip { background-color: %1; border: none; }"
-                          "NoticeStrip QLabel { background: transparent; color: %2; }"
-                          "NoticeStrip QToolButton { background: transparent; color: %2; border: 1px solid "
-                          "transparent; font-size: 16px; }"
-                          "NoticeStrip QToolButton:hover { border-color: %2; }")
+                          "NoticeStrip QLabel { background: transparent; color: %2; }")
         .arg(ground.name(), letters.name());
+}
+
+QString styleOfTheButton()
+{
+    return QStringLiteral("QToolButton { background: transparent; color: %1; border: 1px solid transparent; "
+                          "font-size: 16px; }"
+                          "QToolButton:hover { border-color: %1; }")
+        .arg(letters.name());
 }
 
 /// A path has no spaces at which a line could end.
@@ -46,7 +53,7 @@ QAccessibleInterface *alertFor(const QString &className, QObject *object)
 } // namespace
 
 NoticeStrip::NoticeStrip(QTabWidget *canvas)
-    : QFrame(canvas), tabs(canvas), label(new QLabel(this)), button(new QToolButton(this))
+    : QFrame(canvas), tabs(canvas), label(new QLabel(this)), button(new QToolButton(canvas))
 {
     QAccessible::installFactory(alertFor); // Qt leaves out one that it has
     setObjectName(QStringLiteral("Notice"));
@@ -57,15 +64,20 @@ NoticeStrip::NoticeStrip(QTabWidget *canvas)
     button->setAccessibleName(tr("Close this notice"));
     button->setToolTip(tr("Close this notice"));
     button->setFocusPolicy(Qt::NoFocus);
-    button->setFixedSize(28, 28);
+    button->setFixedSize(buttonSize, buttonSize);
+    button->setStyleSheet(styleOfTheButton());
+    button->hide();
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    label->setMinimumHeight(buttonSize);
     auto *row = new QHBoxLayout(this);
-    row->setContentsMargins(12, 4, 4, 4);
-    row->addWidget(label, 1);
-    row->addWidget(button, 0, Qt::AlignTop);
+    row->setContentsMargins(12, margin, 2 * margin + buttonSize, margin);
+    row->addWidget(label);
     connect(button, &QAbstractButton::clicked, this, &NoticeStrip::s_closed);
     tabs->installEventFilter(this);
     connect(tabs, &QTabWidget::currentChanged, this, &NoticeStrip::place);
 }
+
+NoticeStrip::~NoticeStrip() { delete button; }
 
 void NoticeStrip::show(const QString &text, bool isFailure)
 {
@@ -75,8 +87,22 @@ void NoticeStrip::show(const QString &text, bool isFailure)
     place();
     QFrame::show();
     raise();
+    button->raise();
     QAccessibleEvent alert(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&alert);
+}
+
+void NoticeStrip::showEvent(QShowEvent *event)
+{
+    button->show();
+    QFrame::showEvent(event);
+}
+
+void NoticeStrip::hideEvent(QHideEvent *event)
+{
+    if (button)
+        button->hide();
+    QFrame::hideEvent(event);
 }
 
 bool NoticeStrip::eventFilter(QObject *watched, QEvent *event)
@@ -96,4 +122,5 @@ void NoticeStrip::place()
                               : tabs->contentsRect();
     const int height = qMin(layout()->heightForWidth(canvas.width()), canvas.height());
     setGeometry(canvas.left(), canvas.bottom() + 1 - height, canvas.width(), height);
+    button->move(geometry().right() + 1 - margin - buttonSize, geometry().top() + margin);
 }

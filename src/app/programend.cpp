@@ -1,5 +1,8 @@
 #include "app/programend.h"
 
+#include "app/steadylog.h"
+
+#include <QEvent>
 #include <QGuiApplication>
 #include <QSocketNotifier>
 
@@ -99,6 +102,7 @@ void ProgramEnd::end()
     notifier->setEnabled(false);
     work();
     endAsUsual();
+    SteadyLog::waitForTheReader();
     std::raise(number);
 }
 
@@ -114,6 +118,7 @@ void ProgramEnd::outliveFailedWrites()
 {
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGTTOU, SIG_IGN);
 }
 
 #else
@@ -128,6 +133,22 @@ void ProgramEnd::outliveFailedWrites() {}
 ProgramEnd::ProgramEnd(std::function<void()> lastWork) : work(std::move(lastWork))
 {
     connect(
-        qGuiApp, &QGuiApplication::commitDataRequest, this, [this] { work(); }, Qt::DirectConnection);
+        qGuiApp, &QGuiApplication::commitDataRequest, this,
+        [this] {
+            sessionEnds = true;
+            work();
+        },
+        Qt::DirectConnection);
+    qGuiApp->installEventFilter(this);
     listen();
+}
+
+/// The system tells the application to quit, and that would close the windows one by one, with a question.
+bool ProgramEnd::eventFilter(QObject *watched, QEvent *event)
+{
+    if (!sessionEnds || watched != qGuiApp || event->type() != QEvent::Quit)
+        return QObject::eventFilter(watched, event);
+    work(); // something may have changed since
+    QCoreApplication::exit();
+    return true;
 }

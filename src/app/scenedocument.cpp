@@ -3,6 +3,7 @@
 #include "app/documentformat.h"
 #include "app/durablefile.h"
 #include "app/heap.h"
+#include "app/memoryspare.h"
 #include "app/storing.h"
 #include "app/storytabs.h"
 #include "app/wholefile.h"
@@ -51,7 +52,12 @@ std::vector<NodegraphScene *> scenesOf(const StoryTabs &tabs)
 
 } // namespace
 
-QByteArray SceneDocument::bytes() const { return DocumentFormat::bytes(scenesOf(tabs)); }
+QByteArray SceneDocument::bytes() const
+{
+    QByteArray all = DocumentFormat::bytes(scenesOf(tabs));
+    MemorySpare::fit(all.size());
+    return all;
+}
 
 int SceneDocument::tabCount() const { return int(tabs.views().size()); }
 
@@ -73,27 +79,50 @@ QByteArray SceneDocument::unsavedBytes() const
 
 bool SceneDocument::isOnDisk(const QByteArray &content) const { return hashOf(content) == onDisk; }
 
-Saving SceneDocument::saveTo(const QString &file)
+Saving SceneDocument::saveTo(const QString &file, const std::function<Replacing()> &replacing)
 {
     DurableFile written(file);
     if (!written.open()) {
         qWarning() << "Couldn't open file for writing.";
-        return {written.trouble(), {}};
+        return {written.trouble(), {}, {}};
     }
-    qInfo() << "Tabs to save" << tabs.views().size();
     Saving saving;
     try {
-        const QByteArray all = bytes();
-        saving.trouble = written.replaceBy(all);
-        saving.rescue = written.rescue();
+        if (replacing) {
+            const Replacing old = replacing();
+            saving.trouble = old.trouble;
+            written.setFormer(old.former);
+        }
         if (saving.trouble.isEmpty())
-            onDisk = hashOf(all);
+            saving = writeTo(written);
     } catch (const std::bad_alloc &) {
         saving.trouble = Storing::reason(ENOMEM);
     }
     if (!saving.trouble.isEmpty())
         qWarning() << "Couldn't write the scene file:" << file << saving.trouble;
     return saving;
+}
+
+Saving SceneDocument::writeTo(DurableFile &file)
+{
+    qInfo() << "Tabs to save" << tabs.views().size();
+    const QByteArray all = bytes();
+    Saving saving{file.replaceBy(all), file.rescue(), file.old()};
+    if (saving.trouble.isEmpty())
+        remember(all, file.stamp());
+    return saving;
+}
+
+void SceneDocument::remember(const QByteArray &content, const FileStamp &stamp)
+{
+    onDisk = hashOf(content);
+    stampOnDisk = stamp;
+}
+
+void SceneDocument::forget()
+{
+    onDisk.clear();
+    stampOnDisk = {};
 }
 
 Opening SceneDocument::loadFrom(const QString &file, const std::function<void()> &leaving)
@@ -114,9 +143,13 @@ Opening SceneDocument::loadFrom(const QString &file, const std::function<void()>
     tabs.closeAll();
     try {
         Opening opening = read(file, whole.content());
-        onDisk = hashOf(whole.content());
+        if (opening.isWhole())
+            remember(whole.content(), whole.stamp());
+        else
+            forget(); // what was left out is in that file only, and the first save over it is to keep it
         keptAt = file;
         giveMemoryBack();
+        MemorySpare::fit(whole.content().size());
         return opening;
     } catch (const std::bad_alloc &) {
         // Half a document must not get into the file by the next save.
@@ -138,8 +171,8 @@ Opening SceneDocument::read(const QString &file, const QByteArray &content)
             last.emplace(shown->nodegraphScene()->publishing());
         return scenesOf(tabs);
     };
-    const auto fill = [](NodegraphScene &scene, QDataStream &stream) {
-        const Damage damage = scene.load(stream);
+    const auto fill = [](NodegraphScene &scene, QDataStream &stream, DamageLog &log) {
+        const Damage damage = scene.load(stream, log);
         for (QGraphicsView *view : scene.views())
             view->viewport()->update();
         return damage;
@@ -155,4 +188,5 @@ void SceneDocument::clear()
     tabs.closeAll();
     keptAt.clear();
     giveMemoryBack();
+    MemorySpare::fit(0);
 }

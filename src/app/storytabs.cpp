@@ -78,11 +78,11 @@ void StoryTabs::closeAll()
     for (const NodegraphView *view : all)
         logClearing(*view->nodegraphScene());
     const TabsAside aside(tabs, tabs->count());
+    all.clear(); // whoever asks from now on must not meet one that is half gone
     while (tabs->count() > 0) {
         const int place = aside.nextToGo();
         QWidget *page = tabs->widget(place);
         tabs->removeTab(place);
         delete page;
     }
-    all.clear();
 }

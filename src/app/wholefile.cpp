@@ -35,6 +35,7 @@ QString WholeFile::read(const QString &path)
     errno = 0;
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return Storing::reasonOf(file, errno);
+    before = FileStamp::of(file);
     const qint64 size = file.size();
     bytes.resize(size);
     qint64 length = 0;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/filestamp.h"
+
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QString>
@@ -15,6 +17,8 @@ public:
     explicit WholeFile(const QString &path);
 
     const QByteArray &content() const { return bytes; }
+    /// Of the file as it was when the reading began.
+    const FileStamp &stamp() const { return before; }
     /// Why it could not be read, in words for the user; empty if it was.
     const QString &trouble() const { return whyNot; }
 
@@ -22,5 +26,6 @@ private:
     QString read(const QString &path);
 
     QByteArray bytes;
+    FileStamp before;
     QString whyNot;
 };

@@ -83,6 +83,11 @@ QString Wording::damaged(const QString &path, const Opening &opening)
         .arg(nameOf(path), leftOut.join(QStringLiteral(", ")));
 }
 
+QString Wording::notPasted()
+{
+    return Texts::tr("There is not enough memory to paste that. Nothing has changed.");
+}
+
 QString Wording::of(const KeptCopies::Kept &kept)
 {
     if (kept.trouble.isEmpty())
@@ -99,4 +104,10 @@ QString Wording::ofOther(const KeptCopies::Kept &kept)
             .arg(nameOf(kept.path), folderOf(kept.path));
     return sentence(Texts::tr("What was in the file before could not be kept in %1: %2")
                         .arg(folderOf(kept.path), kept.trouble));
+}
+
+QString Wording::wouldBeLost(const KeptCopies::Kept &kept)
+{
+    return Texts::tr("what is in the file is not from this window and could not be kept: %1")
+        .arg(kept.trouble);
 }

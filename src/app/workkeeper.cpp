@@ -12,6 +12,7 @@
 
 #include <cerrno>
 #include <new>
+#include <utility>
 
 using Subject = Notices::Subject;
 
@@ -36,8 +37,12 @@ KeptCopies::Kept asFarAsMemoryLasts(const Keeping &keeping)
 
 bool WorkKeeper::saveTo(const QString &path)
 {
-    const KeptCopies::Kept other = keepWhatStandsThere(path);
-    const Saving saving = document.saveTo(path);
+    Others others;
+    const KeptCopies::Kept &other = others.kept;
+    const Saving saving = document.saveTo(path, [&] {
+        others = keepWhatStandsThere(path);
+        return Replacing{others.wouldBeLost ? Wording::wouldBeLost(other) : QString(), others.former};
+    });
     if (!saving.trouble.isEmpty()) {
         failedPath = path;
         failedWhy = saving.trouble;
@@ -48,11 +53,13 @@ bool WorkKeeper::saveTo(const QString &path)
     QString text = Wording::saved(path, document.tabCount(), document.eventCount());
     if (!other.path.isEmpty())
         text += QStringLiteral(". ") + Wording::ofOther(other);
+    if (!saving.old.isEmpty())
+        text += QStringLiteral(". ") + Wording::ofOther({saving.old, {}});
     if (!other.trouble.isEmpty()) {
         notices.fail(Subject::keeping, text);
         return true;
     }
-    if (!other.path.isEmpty())
+    if (!other.path.isEmpty() || !saving.old.isEmpty())
         notices.succeed(Subject::keeping);
     notices.tell(text);
     return true;
@@ -76,6 +83,7 @@ void WorkKeeper::loadFrom(const QString &path)
         tell(kept);
         return;
     }
+    failedPath.clear(); // that work has left the window
     QString text = Wording::damaged(path, opening);
     if (!kept.path.isEmpty())
         text += QLatin1Char(' ') + Wording::of(kept);
@@ -113,24 +121,38 @@ KeptCopies::Kept WorkKeeper::copyUnsaved(KeptCopies::Occasion occasion) const
 }
 
 /// Another window or program may have saved into that file since this one has read it or written to it, or
-/// the user may have chosen it to save over. Without a path if nothing stands there that this window does not
-/// know.
-KeptCopies::Kept WorkKeeper::keepWhatStandsThere(const QString &path) const
+/// the user may have chosen it to save over.
+WorkKeeper::Others WorkKeeper::keepWhatStandsThere(const QString &path) const
 {
-    if (!QFileInfo(path).isFile())
-        return {};
-    return asFarAsMemoryLasts([this, &path]() -> KeptCopies::Kept {
-        const WholeFile there(path);
-        if (!there.trouble().isEmpty())
-            return notKept(there.trouble());
-        if (there.content().isEmpty() || document.isOnDisk(there.content()))
-            return {};
-        return KeptCopies().keep(there.content(), KeptCopies::Occasion::other);
-    });
+    const FileStamp stamp = FileStamp::of(path);
+    Others others;
+    others.former = {KeptCopies::nameNow(KeptCopies::Occasion::other), stamp};
+    if (document.isUntouched(stamp) || !QFileInfo(path).isFile())
+        return others;
+    const WholeFile there(path);
+    if (!there.trouble().isEmpty()) {
+        others.former.known.reset();
+        return others;
+    }
+    others.former.known = there.stamp();
+    if (there.content().isEmpty() || document.isOnDisk(there.content()))
+        return others;
+    others.kept = asFarAsMemoryLasts(
+        [&there] { return KeptCopies().keep(there.content(), KeptCopies::Occasion::other); });
+    if (!others.kept.trouble.isEmpty()) {
+        // The folder of the copies may be on another disk, or may not be written to.
+        const KeptCopies::Kept beside = KeptCopies::keepBeside(path, there.content());
+        others.wouldBeLost = !beside.trouble.isEmpty();
+        if (!others.wouldBeLost)
+            others.kept = beside;
+    }
+    return others;
 }
 
 void WorkKeeper::tell(const KeptCopies::Kept &kept)
 {
+    // Of this copy only: the next one is of other work, however long the notice stays.
+    const QString failed = std::exchange(failedPath, {});
     if (kept.path.isEmpty())
         return;
     if (!kept.trouble.isEmpty()) {
@@ -139,8 +161,8 @@ void WorkKeeper::tell(const KeptCopies::Kept &kept)
     }
     notices.succeed(Subject::keeping);
     // What failed to be saved is not in this window any more, and one notice says it all.
-    if (notices.hasFailed(Subject::save))
-        notices.fail(Subject::save, Wording::notSaved(failedPath, failedWhy, kept.path));
+    if (!failed.isEmpty() && notices.hasFailed(Subject::save))
+        notices.fail(Subject::save, Wording::notSaved(failed, failedWhy, kept.path));
     else
         notices.tell(Wording::of(kept));
 }

@@ -60,7 +60,7 @@ void AddNodeCommand::undo()
     if (!node)
         return;
     hadEndMark = node->isEndOfStory();
-    removal = std::make_unique<DelNodeCommand>(scene, node->pos(), index, node->payload(), node->title());
+    removal = std::make_unique<DelNodeCommand>(scene, *node);
     scene->deleteNode(node);
     Node *formerEnd = hadEndMark && formerEndIndex ? scene->findNodeByIndex(*formerEndIndex) : nullptr;
     if (formerEnd)

@@ -23,9 +23,21 @@ DelNodeCommand::DelNodeCommand(NodegraphScene *editedScene, const QPointF &posit
     : scene(editedScene), index(nodeIndex), pos(position), type(data->getType()),
       description(descriptionOf(data)), name(title)
 {
-    setText(QObject::tr("Delete Node"));
     // In a damaged file several nodes may have that index; the payload tells which of them is meant.
     node = dynamic_cast<Node *>(data->parentItem());
+    begin();
+}
+
+DelNodeCommand::DelNodeCommand(NodegraphScene *editedScene, Node &deleted)
+    : scene(editedScene), index(deleted.getIndex()), pos(deleted.pos()), type(deleted.getType()),
+      description(deleted.description()), name(deleted.title()), node(&deleted)
+{
+    begin();
+}
+
+void DelNodeCommand::begin()
+{
+    setText(QObject::tr("Delete Node"));
     node = meantNode();
     captureLinksAndMarks();
 }
@@ -63,7 +75,7 @@ void DelNodeCommand::captureAgain()
 {
     pos = node->pos(); // scenePos() would lose the sign of a zero
     name = node->title();
-    description = descriptionOf(node->payload());
+    description = node->description();
     captureLinksAndMarks();
 }
 
@@ -83,11 +95,7 @@ void DelNodeCommand::undo()
     const StoryPublishing::Step step(scene->publishing());
     undone = true;
     const bool endIsFree = scene->endOfStoryNode() == nullptr;
-    // The payload itself is items and texts; a graph that is emptied would make one for each event.
-    NodeData data(type, nullptr, TextMaking::whenNeeded);
-    if (EventData *event = data.eventContent())
-        event->setDescription(description);
-    node = scene->restoreNode(pos, index, type, &data, name);
+    node = scene->restoreNode(pos, index, type, &description, name);
     index = node->getIndex(); // another one if the old one was taken, so that redo() takes no other node
     if (name.isEmpty())
         node->setNodeName(name); // no title means the default one to whoever makes a node

@@ -20,6 +20,8 @@ public:
     /// its index, its payload (its text is copied, not null) and its title.
     DelNodeCommand(NodegraphScene *scene, const QPointF &pos, int index, const NodeData *data,
                    const QString &name);
+    /// As above, with what it is told by the node itself, which must be one of the scene's.
+    DelNodeCommand(NodegraphScene *scene, Node &node);
 
     void undo() override;
     void redo() override;
@@ -28,6 +30,7 @@ public:
     int nodeIndex() const { return index; }
 
 private:
+    void begin();
     Node *meantNode() const;
     void captureLinksAndMarks();
     void captureAgain();

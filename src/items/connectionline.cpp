@@ -1,6 +1,7 @@
 #include "items/connectionline.h"
 
 #include "items/detail.h"
+#include "items/node.h"
 #include "items/socket.h"
 
 #include <QGraphicsSceneMouseEvent>
@@ -35,15 +36,29 @@ void ConnectionLine::updatePen()
     setPen(pen);
 }
 
-Socket *ConnectionLine::inputSocket() const { return firstSocket; }
+Socket *ConnectionLine::inputSocket() const { return firstNode ? firstNode->inSocket() : firstSocket.data(); }
 
-Socket *ConnectionLine::outputSocket() const { return secondSocket; }
+Socket *ConnectionLine::outputSocket() const
+{
+    return secondNode ? secondNode->outSocket() : secondSocket.data();
+}
 
 void ConnectionLine::setSockets(Socket *input, Socket *output)
 {
     firstSocket = input;
     secondSocket = output;
+    firstNode = nullptr;
+    secondNode = nullptr;
 }
+
+void ConnectionLine::setNodes(Node *fed, Node *feeding)
+{
+    setSockets(nullptr, nullptr);
+    firstNode = fed;
+    secondNode = feeding;
+}
+
+Node *ConnectionLine::feedingNode() const { return secondNode; }
 
 // The default shape also contains the area between the curve and its chord, where a press belongs to the
 // canvas.

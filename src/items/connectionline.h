@@ -6,6 +6,7 @@
 #include <QPen>
 #include <QPointer>
 
+class Node;
 class Socket;
 
 /// The curve between two sockets. Owned by its scene; its path is in scene coordinates.
@@ -32,6 +33,10 @@ public:
     Socket *inputSocket() const;
     Socket *outputSocket() const;
     void setSockets(Socket *input, Socket *output);
+    /// As setSockets() with the sockets of two nodes, which are looked up when they are asked for.
+    void setNodes(Node *fed, Node *feeding);
+    /// The node at its end, null unless it joins two nodes.
+    Node *feedingNode() const;
 
     QPainterPath shape() const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
@@ -59,4 +64,6 @@ private:
     qreal pressGrace = 3.0; // units on either side of the stroke that still count as a hit
     QPointer<Socket> firstSocket;
     QPointer<Socket> secondSocket;
+    QPointer<Node> firstNode; // whose sockets are meant
+    QPointer<Node> secondNode;
 };

@@ -14,7 +14,7 @@ EventData::EventData(QGraphicsItem *parent, TextMaking making)
 {
     setFlag(ItemHasNoContents);
     setParentItem(parent);
-    description = new STLineEdit(tr("Enter description"), descriptionWidth, this, making);
+    description = new STLineEdit(placeholder(), descriptionWidth, this, making);
     description->onTextChanged([this] { noteChange(); });
     lastText = description->text();
 }
@@ -37,8 +37,27 @@ void EventData::setDescription(const QString &text)
 void EventData::setMeasuredDescription(const QString &text, const QRectF &outline)
 {
     settingText = true;
-    description->setMeasuredText(text, outline.adjusted(padding, padding, -padding, -padding));
+    description->setMeasuredText(text, textPlace(outline));
     settingText = false;
+}
+
+void EventData::replaceDescription(const QString &text) { description->setText(text); }
+
+void EventData::takeOver(const QString &text, const QRectF &outline, const QString &lastReported)
+{
+    setMeasuredDescription(text, outline);
+    lastText = lastReported;
+}
+
+QRectF EventData::outlineOf(const QString &text)
+{
+    return QRectF(QPointF(), STLineEdit::sizeOf(text, descriptionWidth))
+        .adjusted(-padding, -padding, padding, padding);
+}
+
+QRectF EventData::textPlace(const QRectF &outline)
+{
+    return outline.adjusted(padding, padding, -padding, -padding);
 }
 
 QRectF EventData::boundingRect() const
@@ -76,17 +95,24 @@ void EventData::noteChange()
 
 void EventData::sl_isChanged() { noteChange(); }
 
-void EventData::sl_saveToFile(QDataStream &stream)
+void EventData::writeRecord(QDataStream &stream, const QString &text)
 {
     qInfo("Saving event data");
-    stream << description->text();
+    stream << text;
 }
 
-void EventData::sl_openFromFile(QDataStream &stream)
+void EventData::readRecord(QDataStream &stream, const std::function<void(const QString &)> &take)
 {
     qInfo("Opening event data");
     QString text;
     stream >> text;
-    description->setText(text);
+    take(text);
     qInfo("SetEventData");
+}
+
+void EventData::sl_saveToFile(QDataStream &stream) { writeRecord(stream, description->text()); }
+
+void EventData::sl_openFromFile(QDataStream &stream)
+{
+    readRecord(stream, [this](const QString &text) { replaceDescription(text); });
 }

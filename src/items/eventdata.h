@@ -7,6 +7,8 @@
 #include <QGraphicsItem>
 #include <QObject>
 
+#include <functional>
+
 class QDataStream;
 class STLineEdit;
 
@@ -23,10 +25,26 @@ public:
     QString getDescription() const;
     /// Sets the text without reporting a change.
     void setDescription(const QString &text);
+    /// As setDescription(), but a change is reported.
+    void replaceDescription(const QString &text);
+    /// What one that was not made yet knew of itself: its text, the outline of that, and which text it had
+    /// reported last.
+    void takeOver(const QString &text, const QRectF &outline, const QString &lastReported);
     /// As setDescription() for a text whose outline (an EventData's bounding rectangle) is known already.
     void setMeasuredDescription(const QString &text, const QRectF &outline);
     /// The text item, whole; owned by this object.
     STLineEdit *descriptionItem() const;
+
+    /// What a new event says.
+    static QString placeholder() { return tr("Enter description"); }
+    /// The outline of one with that text.
+    static QRectF outlineOf(const QString &text);
+    /// The text's place in that outline.
+    static QRectF textPlace(const QRectF &outline);
+    /// Write and read the record of any description, with their log lines; `take` gets the text that was
+    /// read.
+    static void writeRecord(QDataStream &stream, const QString &text);
+    static void readRecord(QDataStream &stream, const std::function<void(const QString &)> &take);
 
     /// Paints what it looks like where it is too small to be read, in item coordinates, with so much of the
     /// ground (from 0 to 1); makes nothing.

@@ -23,9 +23,9 @@ QString LongText::shown(const QString &text)
     return text.first(end) + QChar(u'\u2026');
 }
 
-bool LateText::canKeep(const QString &text) const
+bool LateText::canWait(const QString &text)
 {
-    return late && (LongText::isLong(text) || TextMeasure::isHeldUnchanged(text));
+    return LongText::isLong(text) || TextMeasure::isHeldUnchanged(text);
 }
 
 void LateText::keep(const QString &text, const QRectF &place)

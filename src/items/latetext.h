@@ -32,8 +32,10 @@ class LateText
 public:
     /// Whether there is no document yet: at first, and until take().
     bool isLate() const { return late; }
-    /// Whether that text can wait here: it is late, and a document would hold it unchanged, or it is long.
-    bool canKeep(const QString &text) const;
+    /// Whether that text can wait for a document: one would hold it unchanged, or it is long.
+    static bool canWait(const QString &text);
+    /// Whether that text can wait here.
+    bool canKeep(const QString &text) const { return late && canWait(text); }
     /// Keeps a text and the place that its document would take; it is late again if it was not.
     void keep(const QString &text, const QRectF &place);
     /// What was kept; null and empty if nothing was, and after take().

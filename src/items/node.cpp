@@ -3,28 +3,22 @@
 #include "items/connectionline.h"
 #include "items/detail.h"
 #include "items/eventdata.h"
+#include "items/lateevent.h"
 #include "items/nodedata.h"
+#include "items/nodeshape.h"
 #include "items/socket.h"
 #include "items/stnodename.h"
 
-#include <QBrush>
 #include <QDataStream>
 #include <QDebug>
-#include <QGraphicsPathItem>
-#include <QGraphicsScene>
 #include <QGraphicsSceneMouseEvent>
 #include <QPainter>
-#include <QPainterPath>
-#include <QPen>
+#include <QScopedValueRollback>
 
 #include <cmath>
 
 namespace {
 constexpr double nodeZ = 1.0;
-constexpr double headerZ = 2.0;
-constexpr double dataZ = 2.0;
-constexpr double nameZ = 3.0;
-constexpr double socketZ = 3.0;
 
 constexpr double endMarkHeight = 5.0; // below the text, above the edge
 constexpr double endMarkGap = 3.0;
@@ -39,77 +33,97 @@ double finiteCoordinate(double stored, int index)
     return 0;
 }
 
+/// What stands in a node's record before its payload.
+struct Record
+{
+    QString title;
+    QPointF position;
+    qint32 index = 0;
+    qint32 prevIndex = 0;
+    qint32 endOfStory = 0;
+    qint32 important = 0;
+};
+
+QDataStream &operator>>(QDataStream &stream, Record &record)
+{
+    return stream >> record.title >> record.position >> record.index >> record.prevIndex >>
+           record.endOfStory >> record.important;
+}
+
 } // namespace
 
 Node::Node(int nodeType, TextMaking making) : type(nodeType)
 {
     setFlags(ItemIsMovable | ItemIsSelectable);
     setZValue(nodeZ);
-    createHeader();
-    createName(making);
-    createSockets();
-    createData(making);
+    nodeName = type == 0 ? tr("Event") : QString();
+    if (making == TextMaking::whenNeeded && type == 0) {
+        late = std::make_unique<LateEvent>(nodeName);
+    } else {
+        parts = std::make_unique<NodeParts>(*this, type, making);
+        if (type == 0)
+            parts->name()->setTitle(nodeName);
+    }
     updateSize();
 }
 
-void Node::createHeader()
+Node::~Node() = default;
+
+void Node::make()
 {
-    headerItem = new QGraphicsPathItem(this);
-    headerItem->setZValue(headerZ);
-    headerItem->setPen(Qt::NoPen);
-    if (type == 0)
-        headerItem->setBrush(headerColor);
-    updateHeaderPath();
+    if (!late || isBeingMade)
+        return;
+    // Until all of it is there the node answers as before: there may be no memory for it, and what is written
+    // then must be whole. Nor does it tell of a size that stays the same: lines that follow a drag would
+    // jump.
+    const QScopedValueRollback making(isBeingMade, true);
+    auto made = std::make_unique<NodeParts>(*this, type, TextMaking::whenNeeded);
+    made->name()->setTitle(late->title());
+    made->data()->eventContent()->takeOver(late->description(), late->outline(), late->lastReported());
+    for (const int socketType : {SocketType::input, SocketType::output})
+        made->socket(socketType)->setConnectedNode(partner(socketType));
+    made->show(detail.parts);
+    made->layOut(rect);
+    parts = std::move(made);
+    late.reset();
+    update();
 }
 
-void Node::createName(TextMaking making)
+/// To ask for an item makes it, which nobody can tell from its having been there before.
+NodeParts &Node::inner() const
 {
-    nameItem_ = new STNodeName(this, making);
-    nameItem_->setZValue(nameZ);
-    if (type == 0)
-        setNodeName(tr("Event"));
-    nameItem_->setPos(margin, headerHeight / 10); // NOLINT(bugprone-integer-division): whole units
+    const_cast<Node *>(this)->make();
+    return *parts;
 }
 
-void Node::createSockets()
-{
-    inSocket_ = new Socket(SocketType::input, this);
-    outSocket_ = new Socket(SocketType::output, this);
-    for (Socket *socket : {inSocket_, outSocket_}) {
-        socket->setZValue(socketZ);
-        connectSocket(socket);
-    }
-}
+NodeData *Node::payload() const { return inner().data(); }
 
-void Node::connectSocket(Socket *socket)
-{
-    connect(socket, SIGNAL(s_clicked(int,QPointF)), this, SLOT(sl_socketClick(int,QPointF)));
-    connect(socket, SIGNAL(s_clickdrag()), this, SLOT(sl_socketClickDrag()));
-    connect(socket, SIGNAL(s_clickReleasedHere()), this, SLOT(sl_socketClickRelease()));
-}
+Socket *Node::inSocket() const { return inner().socket(SocketType::input); }
 
-void Node::createData(TextMaking making)
-{
-    data = new NodeData(type, this, making);
-    data->setZValue(dataZ);
-    data->moveBy(margin + static_cast<int>(inSocket_->boundingRect().width()), headerHeight + margin);
-    // Resize before reporting: whoever hears s_changed already sees the new outline.
-    connect(data, SIGNAL(s_dataChanged()), this, SLOT(sl_updateSize()));
-    connect(data, SIGNAL(s_dataChanged()), this, SLOT(sl_changed()));
-}
+Socket *Node::outSocket() const { return inner().socket(SocketType::output); }
 
 void Node::setNodeName(const QString &name)
 {
     nodeName = name;
-    nameItem_->setTitle(name);
+    takeTitle(name);
 }
 
-QString Node::title() const { return nameItem_->title(); }
+void Node::takeTitle(const QString &text)
+{
+    if (late && LateText::canWait(text))
+        late->setTitle(text);
+    else
+        inner().name()->setTitle(text);
+    update();
+}
+
+QString Node::title() const { return late ? late->title() : parts->name()->title(); }
 
 STNodeName *Node::nameItem() const
 {
-    nameItem_->makeWhole();
-    return nameItem_;
+    STNodeName *name = inner().name();
+    name->makeWhole();
+    return name;
 }
 
 void Node::setIndex(int newIndex)
@@ -140,54 +154,110 @@ void Node::setImportant(bool important)
 
 void Node::copyDataFrom(const NodeData *source)
 {
-    source->copyTo(data);
-    type = source->getType();
+    if (const EventData *event = source->getType() == 0 ? source->eventContent() : nullptr)
+        setDescription(event->getDescription());
+    takeType(source->getType());
+}
+
+void Node::copyDataFrom(const Node &source)
+{
+    if (source.hasDescription())
+        setDescription(source.description());
+    takeType(source.type);
+}
+
+/// What has been made stays as it is; only an event can do without.
+void Node::takeType(int other)
+{
+    if (other != type)
+        make();
+    type = other;
     updateSize();
+}
+
+bool Node::hasDescription() const { return late || parts->data()->eventContent(); }
+
+QString Node::description() const
+{
+    if (late)
+        return late->description();
+    const EventData *event = parts->data()->eventContent();
+    return event ? event->getDescription() : QString();
+}
+
+void Node::setDescription(const QString &text)
+{
+    if (late && LateText::canWait(text)) {
+        late->setDescription(text);
+        updateSize();
+    } else if (EventData *event = payload()->eventContent()) {
+        event->setDescription(text);
+    }
+}
+
+/// As the description's own reading does: laid out anew, then reported if it is another one.
+void Node::takeLoaded(const QString &text)
+{
+    if (!late || !LateText::canWait(text)) {
+        payload()->eventContent()->replaceDescription(text);
+        return;
+    }
+    setDescription(text);
+    if (late->report())
+        emit s_changed(this);
+}
+
+QRectF Node::descriptionOutline() const { return late ? late->outline() : parts->data()->boundingRect(); }
+
+QRectF Node::socketOutline(int socketType) const
+{
+    return {scenePos() + NodeShape::socketPlace(socketType, rect), Socket::size};
+}
+
+QPointF Node::socketCentre(int socketType) const
+{
+    return scenePos() + NodeShape::socketPlace(socketType, rect) + QRectF({}, Socket::size).center();
+}
+
+void Node::setPartner(int socketType, Node *other)
+{
+    partners.at(std::size_t(socketType)) = other;
+    if (parts)
+        parts->socket(socketType)->setConnectedNode(other);
+    else
+        update();
 }
 
 void Node::updateLines()
 {
     if (hasInput_ && inLine_)
-        inLine_->setStart(inSocket_->sceneCentre());
+        inLine_->setStart(socketCentre(SocketType::input));
+    const QPointF output = socketCentre(SocketType::output);
     for (const Node *downstream : nextNodes_) {
         if (ConnectionLine *line = downstream->inLine())
-            line->setEnd(outSocket_->sceneCentre());
+            line->setEnd(output);
     }
 }
 
 void Node::updateSize()
 {
-    if (!data) // the payload reports its size while it is being made
+    if (isBeingMade || (!late && !parts)) // the payload reports its size meanwhile
         return;
-    const QRectF payload = data->boundingRect();
-    const QRectF input = inSocket_->boundingRect();
-    const QRectF output = outSocket_->boundingRect();
-    const int width = static_cast<int>(input.width() + output.width() + payload.width() + margin);
-    const int height = static_cast<int>(headerHeight + payload.height() + margin);
-    const QRectF body(0, 0, width, height);
+    const QRectF body = NodeShape::body(descriptionOutline());
     if (body != rect) {
         prepareGeometryChange();
         rect = body;
     }
-    inSocket_->setPos(0, height / 2);                       // NOLINT(bugprone-integer-division): whole units
-    outSocket_->setPos(width - output.width(), height / 2); // NOLINT(bugprone-integer-division)
+    if (parts)
+        parts->layOut(rect);
     updateLines();
-    updateHeaderPath();
-    nameItem_->setAvailableWidth(width - 2 * margin);
     update();
 }
 
-void Node::updateHeaderPath()
+const QColor &Node::headerColor()
 {
-    const double right = rect.width();
-    QPainterPath strip(QPointF(0, headerHeight));
-    strip.lineTo(0, cornerRadius);
-    strip.quadTo(0, 0, cornerRadius, 0);
-    strip.lineTo(right - cornerRadius, 0);
-    strip.quadTo(right, 0, right, cornerRadius);
-    strip.lineTo(right, headerHeight);
-    strip.closeSubpath();
-    headerItem->setPath(strip);
+    static const QColor color(QStringLiteral("#8556E9"));
+    return color;
 }
 
 QColor Node::bodyColor() const
@@ -201,25 +271,42 @@ QColor Node::bodyColor() const
 
 void Node::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *)
 {
-    Detail::fillRoundedRect(*painter, rect, cornerRadius, bodyColor());
+    if (detail.parts == NodeDetail::Parts::all)
+        make(); // whoever asks the framework for a picture past the scene; its next one is whole
+    Detail::fillRoundedRect(*painter, rect, NodeShape::cornerRadius, bodyColor());
     if (detail.parts != NodeDetail::Parts::all)
         paintPicture(*painter);
     paintEndMark(painter);
+    if (late && detail.parts == NodeDetail::Parts::handles)
+        paintSockets(*painter);
 }
 
 /// What the hidden parts look like.
 void Node::paintPicture(QPainter &painter) const
 {
-    if (Detail::showsCorners(painter, cornerRadius))
-        painter.fillPath(headerItem->path(), headerItem->brush());
+    if (type == 0 && Detail::showsCorners(painter, NodeShape::cornerRadius))
+        painter.fillPath(NodeShape::header(rect.width()), headerColor());
+    else if (type == 0)
+        painter.fillRect(QRectF(0, 0, rect.width(), NodeShape::headerHeight), headerColor());
+    const QPointF title = NodeShape::titlePlace();
+    const QPointF payload = NodeShape::payloadPlace();
+    painter.translate(title);
+    if (late)
+        late->paintTitle(painter, NodeShape::titleRoom(rect.width()));
     else
-        painter.fillRect(headerItem->path().controlPointRect(), headerItem->brush());
-    painter.translate(nameItem_->pos());
-    nameItem_->paintGreeked(painter);
-    painter.translate(data->pos() - nameItem_->pos());
-    if (const EventData *event = data->eventContent())
+        parts->name()->paintGreeked(painter);
+    painter.translate(payload - title);
+    if (late)
+        late->paintDescription(painter, detail.ground);
+    else if (const EventData *event = parts->data()->eventContent())
         event->paintGreeked(painter, detail.ground);
-    painter.translate(-data->pos());
+    painter.translate(-payload);
+}
+
+void Node::paintSockets(QPainter &painter) const
+{
+    for (const int socketType : {SocketType::input, SocketType::output})
+        Socket::paintOne(painter, NodeShape::socketPlace(socketType, rect), partner(socketType) != nullptr);
 }
 
 void Node::setDetail(const NodeDetail &wanted)
@@ -228,10 +315,8 @@ void Node::setDetail(const NodeDetail &wanted)
     detail = wanted;
     if (detail.parts == before)
         return;
-    for (QGraphicsItem *part : std::initializer_list<QGraphicsItem *>{headerItem, nameItem_, data})
-        part->setVisible(detail.parts == NodeDetail::Parts::all);
-    for (Socket *socket : {inSocket_, outSocket_})
-        socket->setVisible(detail.parts != NodeDetail::Parts::none);
+    if (parts)
+        parts->show(detail.parts);
     update();
 }
 
@@ -243,7 +328,7 @@ void Node::paintEndMark(QPainter *painter) const
         return;
     const double scale = Detail::scaleOf(*painter);
     const double leastHeight = scale > 0 ? leastEndMark / scale : 0;
-    QRectF bar(cornerRadius, 0, rect.width() - 2.0 * cornerRadius,
+    QRectF bar(NodeShape::cornerRadius, 0, rect.width() - 2.0 * NodeShape::cornerRadius,
                qBound(endMarkHeight, leastHeight, rect.height() / 4));
     bar.moveBottom(rect.height() - endMarkGap);
     painter->fillRect(bar, endMarkColor);
@@ -253,7 +338,8 @@ void Node::mousePressEvent(QGraphicsSceneMouseEvent *event)
 {
     emit s_selected(this);
     QGraphicsItem::mousePressEvent(event);
-    isPressed = isPressed || event->button() == Qt::LeftButton;
+    if (event->button() == Qt::LeftButton)
+        drag_.press();
 }
 
 // The reported places are those before this move; the lines catch up with the next one, and on release.
@@ -265,54 +351,15 @@ void Node::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
         QGraphicsItem::mouseMoveEvent(event);
         return;
     }
-    const QPointF press = event->buttonDownScenePos(Qt::LeftButton);
-    if (isPressed || dragNumber == 0 || press != pressOfDrag)
-        pickUp();
-    isPressed = false;
-    pressOfDrag = press;
-    drag(event->scenePos() - press);
+    drag_.move(event->buttonDownScenePos(Qt::LeftButton), event->scenePos());
 }
 
 void Node::reportSocketPlaces()
 {
-    const QPointF inputCentre = inSocket_->sceneCentre();
-    const QPointF outputCentre = outSocket_->sceneCentre();
+    const QPointF inputCentre = socketCentre(SocketType::input);
+    const QPointF outputCentre = socketCentre(SocketType::output);
     emit s_inSocketMove(inputCentre);
     emit s_outSocketMove(outputCentre);
-}
-
-std::vector<Node *> Node::selectedNodesAndThis()
-{
-    std::vector<Node *> all;
-    const QList<QGraphicsItem *> selected = scene() ? scene()->selectedItems() : QList<QGraphicsItem *>();
-    for (QGraphicsItem *item : selected) {
-        if (auto *node = dynamic_cast<Node *>(item); node && node != this)
-            all.push_back(node);
-    }
-    all.push_back(this);
-    return all;
-}
-
-/// The first move of a drag: all that is selected now goes with this node.
-void Node::pickUp()
-{
-    static quint64 drags = 0;
-    ++drags;
-    for (Node *node : selectedNodesAndThis()) {
-        node->dragNumber = drags;
-        node->placeBeforeDrag = node->pos();
-    }
-}
-
-/// Moves what was picked up and is still selected. The framework's own handler moves what is selected at each
-/// moment: a node that was selected in the midst of the drag would start from (0, 0), and after a drag that
-/// was cut short, because its node went, the next one would as well.
-void Node::drag(QPointF way)
-{
-    for (Node *node : selectedNodesAndThis()) {
-        if (node->dragNumber == dragNumber)
-            node->setPos(node->placeBeforeDrag + way);
-    }
 }
 
 void Node::sl_socketClick(int socketType, QPointF point) { emit s_socketClick(socketType, point); }
@@ -339,30 +386,38 @@ void Node::saveToStream(QDataStream &stream)
     const QPointF place = parentItem() ? scenePos() : pos();
     stream << title() << place << qint32(index) << qint32(prevIndex) << qint32(isEndOfStory_ ? 1 : 0)
            << qint32(isImportant_ ? 1 : 0);
-    data->save(stream);
+    if (late)
+        EventData::writeRecord(stream, late->description());
+    else
+        parts->data()->save(stream);
 }
 
 void Node::openFromStream(QDataStream &stream)
 {
-    QString title;
-    QPointF position;
-    qint32 storedIndex = 0;
-    qint32 storedPrevIndex = 0;
-    qint32 endOfStory = 0;
-    qint32 important = 0;
-    stream >> title >> position >> storedIndex >> storedPrevIndex >> endOfStory >> important;
-    data->load(stream);
+    Record record;
+    stream >> record;
+    if (late)
+        EventData::readRecord(stream, [this](const QString &text) { takeLoaded(text); });
+    else
+        parts->data()->load(stream);
 
-    nameItem_->setTitle(title);
-    placeAt(
-        QPointF(finiteCoordinate(position.x(), storedIndex), finiteCoordinate(position.y(), storedIndex)));
-    setIndex(storedIndex);
+    takeTitle(record.title);
+    placeAt(QPointF(finiteCoordinate(record.position.x(), record.index),
+                    finiteCoordinate(record.position.y(), record.index)));
+    setIndex(record.index);
     // Told once more, so that a record whose index is the node's own is announced as well.
-    emit s_indexChanged(this, storedIndex);
-    prevIndex = storedPrevIndex;
-    if (endOfStory == 1)
+    emit s_indexChanged(this, record.index);
+    prevIndex = record.prevIndex;
+    if (record.endOfStory == 1)
         isEndOfStory_ = true;
-    if (important != 0)
+    if (record.important != 0)
         isImportant_ = true;
     update();
+}
+
+void Node::skipRecord(QDataStream &stream)
+{
+    Record record;
+    QString payload;
+    stream >> record >> payload;
 }

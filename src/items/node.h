@@ -2,22 +2,30 @@
 
 #include "items/latetext.h"
 #include "items/nodedetail.h"
+#include "items/nodedrag.h"
+#include "items/nodeparts.h"
 #include "items/resizeobserver.h"
 
 #include <QColor>
 #include <QGraphicsItem>
 #include <QObject>
 
+#include <array>
+#include <memory>
 #include <vector>
 
 class ConnectionLine;
+class LateEvent;
 class NodeData;
 class QDataStream;
-class QGraphicsPathItem;
 class STNodeName;
 class Socket;
 
 /// The box that stands for one event of a story. Owned by its scene; owns its header, texts and sockets.
+///
+/// It can do without those inner items until somebody comes near enough to see them or asks for one: until
+/// then it answers by itself for its texts, its outline and the places of its sockets, and has a picture of
+/// them for who is far away.
 ///
 /// The links to other nodes and lines are observers that the scene writes; the node only moves line ends.
 class Node : public QObject, public QGraphicsItem, public ResizeObserver
@@ -28,6 +36,12 @@ class Node : public QObject, public QGraphicsItem, public ResizeObserver
 public:
     /// `type` 0 is the event, the only type that the program makes.
     explicit Node(int type, TextMaking making = TextMaking::atOnce);
+    ~Node() override;
+
+    /// Whether its inner items have not been made yet.
+    bool isLate() const { return late != nullptr; }
+    /// Makes them. So does whoever asks for one of them.
+    void make();
 
     void setNodeName(const QString &name);
     /// The plain text of the title item, which the user edits directly.
@@ -35,9 +49,16 @@ public:
 
     int getType() const { return type; }
     /// The payload, with the description; owned by this node.
-    NodeData *payload() const { return data; }
-    Socket *inSocket() const { return inSocket_; }
-    Socket *outSocket() const { return outSocket_; }
+    NodeData *payload() const;
+    Socket *inSocket() const;
+    Socket *outSocket() const;
+    /// The place of that socket (SocketType) in scene coordinates.
+    QRectF socketOutline(int socketType) const;
+    /// The middle of that socket (SocketType) in scene coordinates, where lines end.
+    QPointF socketCentre(int socketType) const;
+    /// The node whose socket is joined to that socket of this one, null when there is none. Not owned.
+    Node *partner(int socketType) const { return partners.at(std::size_t(socketType)); }
+    void setPartner(int socketType, Node *other);
     /// The title item, whole; owned by this node.
     STNodeName *nameItem() const;
 
@@ -64,6 +85,7 @@ public:
     /// The line of the newest connection made from the output, null when there is none. Owned by the scene.
     ConnectionLine *outLine() const;
 
+    static const QColor &headerColor();
     /// What the body is filled with, by the marks and the selection.
     QColor bodyColor() const;
 
@@ -75,9 +97,20 @@ public:
     /// Shows as much as that. The parts that are left out are hidden: they take no press, and none of their
     /// texts has the keyboard.
     void setDetail(const NodeDetail &wanted);
+    NodeDetail::Parts shownParts() const { return detail.parts; }
+
+    /// Whether it has a description, as every event does.
+    bool hasDescription() const;
+    /// Empty if it has none.
+    QString description() const;
+    /// Reports no change; ignored if it has none.
+    void setDescription(const QString &text);
+    /// What the description takes in the payload's coordinates, margins included; empty if it has none.
+    QRectF descriptionOutline() const;
 
     /// Takes over the description and the type of `source`, which stays the caller's. Reports no change.
     void copyDataFrom(const NodeData *source);
+    void copyDataFrom(const Node &source);
     /// Lays the node out around its payload.
     void updateSize();
     /// Tells where the middles of its sockets are, that of the input first.
@@ -85,12 +118,16 @@ public:
     /// Puts the ends of all attached lines on the sockets' middles.
     void updateLines();
 
+    /// What the mouse does with it, by itself or along with others that are selected.
+    NodeDrag &drag() { return drag_; }
     /// Moves the node to exactly that place, in scene coordinates.
     void placeAt(const QPointF &place);
 
     /// Write and read the node's record: title, position, index, upstream index, marks, payload.
     void saveToStream(QDataStream &stream);
     void openFromStream(QDataStream &stream);
+    /// Reads as much of the stream as openFromStream() would, and keeps nothing of it.
+    static void skipRecord(QDataStream &stream);
 
     QRectF boundingRect() const override { return rect; }
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
@@ -122,37 +159,28 @@ protected:
     void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
 
 private:
-    void createHeader();
-    void createName(TextMaking making);
-    void createSockets();
-    void createData(TextMaking making);
-    void connectSocket(Socket *socket);
-    std::vector<Node *> selectedNodesAndThis();
-    void pickUp();
-    void drag(QPointF way);
-    void updateHeaderPath();
+    NodeParts &inner() const;
+    void takeTitle(const QString &text);
+    void takeType(int other);
+    void takeLoaded(const QString &text);
     void paintPicture(QPainter &painter) const;
+    void paintSockets(QPainter &painter) const;
     void paintEndMark(QPainter *painter) const;
 
     QString nodeName;
     QRectF rect{0, 0, 231.0, 196.0}; // item coordinates
-    int cornerRadius = 10;
-    int headerHeight = 34;
-    int margin = 15;
     QColor baseColor{QStringLiteral("#D9D9D9")};
     QColor selectedColor{QStringLiteral("#EBF400")};
-    QColor headerColor{QStringLiteral("#8556E9")};
     QColor endOfStoryColor{QStringLiteral("#D6B4FC")};
     QColor importantColor{QStringLiteral("#ADD8E6")};
     QColor endMarkColor{QStringLiteral("#6A1FD0")};
-    QGraphicsPathItem *headerItem = nullptr;
-    STNodeName *nameItem_ = nullptr;
-    NodeData *data = nullptr;
     int type;
-    Socket *inSocket_ = nullptr;
-    Socket *outSocket_ = nullptr;
+    std::unique_ptr<LateEvent> late;  // either this
+    std::unique_ptr<NodeParts> parts; // or those
+    bool isBeingMade = false;         // the ones from the other
     Node *prevNode_ = nullptr;
     std::vector<Node *> nextNodes_;
+    std::array<Node *, 2> partners{}; // by SocketType
     ConnectionLine *inLine_ = nullptr;
     bool hasInput_ = false;
     bool isEndOfStory_ = false;
@@ -160,9 +188,5 @@ private:
     int index = 0;
     int prevIndex = -1;
     NodeDetail detail;
-
-    bool isPressed = false;  // and not moved since
-    quint64 dragNumber = 0;  // of the drag that has picked it up last
-    QPointF placeBeforeDrag; // scene coordinates
-    QPointF pressOfDrag;     // scene coordinates: what the event says of the drag that this node leads
+    NodeDrag drag_{*this};
 };

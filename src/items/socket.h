@@ -4,6 +4,8 @@
 #include <QGraphicsItem>
 #include <QObject>
 
+class Node;
+
 /// The two kinds of sockets; the same values name the end of a line that was hit.
 namespace SocketType {
 inline constexpr int input = 0;  // left edge of a node
@@ -20,19 +22,26 @@ class Socket : public QObject, public QGraphicsItem
     Q_INTERFACES(QGraphicsItem)
 
 public:
+    static constexpr QSizeF size{10, 22};
+
     /// `type` is one of SocketType; `parent` is the node and must not be null.
     Socket(int type, QGraphicsItem *parent);
 
     int getType() const { return type; }
     bool getIsConnected() const { return isConnected; }
     void setIsConnected(bool connected) { isConnected = connected; }
-    QColor fillColor() const { return isConnected ? connectedColor : color; }
+    QColor fillColor() const { return fillColor(isConnected); }
     /// The socket at the other end, null when there is none. Not owned.
-    Socket *connectedSocket() const { return connectedSocket_; }
-    void setConnectedSocket(Socket *socket) { connectedSocket_ = socket; }
+    Socket *connectedSocket() const;
+    void setConnectedSocket(Socket *socket);
+    /// Joins it to the other socket of that node, which is looked up when it is asked for; null parts them.
+    void setConnectedNode(Node *node);
 
     /// The middle of the socket in scene coordinates: the point where lines end.
     QPointF sceneCentre() const;
+
+    /// Paints one, by its place in the painter's coordinates.
+    static void paintOne(QPainter &painter, const QPointF &place, bool connected);
 
     QRectF boundingRect() const override { return rect; }
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
@@ -51,14 +60,12 @@ protected:
     void dragEnterEvent(QGraphicsSceneDragDropEvent *event) override;
 
 private:
+    static QColor fillColor(bool connected);
+
     Socket *connectedSocket_ = nullptr;
+    Node *connectedNode = nullptr; // whose socket is meant; not owned
     bool isConnected = false;
     int type;
-    QColor color{QStringLiteral("#B4A523")};
-    QColor connectedColor{Qt::yellow};
-    int width = 10;
-    int height = 22;
     int yOffset = 0;
-    QRectF rect{0, 0, 10, 22}; // item coordinates
-    int cornerRadius = 4;
+    QRectF rect{{}, size}; // item coordinates
 };

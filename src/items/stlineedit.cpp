@@ -19,6 +19,8 @@
 namespace {
 constexpr double documentMargin = 15.0;
 constexpr double panelRadius = 5.0;
+constexpr QColor backgroundColor(0xf5, 0xf5, 0xf5);
+constexpr QColor textColor(0x34, 0x34, 0x34);
 } // namespace
 
 STLineEdit::STLineEdit(const QString &text, double textWidth, QGraphicsItem *parent, TextMaking making)
@@ -88,8 +90,12 @@ void STLineEdit::setText(const QString &text)
         setPlainText(LongText::shown(text));
         return;
     }
-    const QSizeF size = TextMeasure::documentSize(LongText::shown(text), textFont(), width, documentMargin);
-    keepLate(text, QRectF(QPointF(), size));
+    keepLate(text, QRectF(QPointF(), sizeOf(text, width)));
+}
+
+QSizeF STLineEdit::sizeOf(const QString &text, double width)
+{
+    return TextMeasure::documentSize(LongText::shown(text), textFont(), width, documentMargin);
 }
 
 void STLineEdit::removePlaceholder()
@@ -188,13 +194,14 @@ void STLineEdit::paint(QPainter *painter, const QStyleOptionGraphicsItem *option
     QGraphicsTextItem::paint(painter, &unframed, widget);
 }
 
-void STLineEdit::paintGreeked(QPainter &painter, double ground)
+void STLineEdit::paintGreeked(QPainter &painter, GreekedText &bars, const QString &text, const QRectF &place,
+                              double ground)
 {
     QColor color = backgroundColor;
     color.setAlphaF(float(ground));
-    painter.fillRect(rect, color);
-    bars.paint(painter, LongText::shown(text()), textFont(),
-               rect.adjusted(documentMargin, documentMargin, -documentMargin, -documentMargin), textColor);
+    painter.fillRect(place, color);
+    bars.paint(painter, LongText::shown(text), textFont(),
+               place.adjusted(documentMargin, documentMargin, -documentMargin, -documentMargin), textColor);
 }
 
 void STLineEdit::mousePressEvent(QGraphicsSceneMouseEvent *event)

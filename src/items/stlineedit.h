@@ -32,9 +32,14 @@ public:
     QString text() const;
     /// Of all such texts.
     static const QFont &textFont();
-    /// Paints what it looks like where it is too small to be read, in item coordinates, with so much of its
-    /// ground (from 0 to 1); makes nothing.
-    void paintGreeked(QPainter &painter, double ground);
+    /// What one of that width takes with that text.
+    static QSizeF sizeOf(const QString &text, double width);
+    /// Paints what such a text looks like at that place where it is too small to be read, with so much of its
+    /// ground (from 0 to 1).
+    static void paintGreeked(QPainter &painter, GreekedText &bars, const QString &text, const QRectF &place,
+                             double ground);
+    /// As above, in item coordinates; makes nothing.
+    void paintGreeked(QPainter &painter, double ground) { paintGreeked(painter, bars, text(), rect, ground); }
 
     /// Replaces the text; any text but the placeholder ends the placeholder's display.
     void setText(const QString &text);
@@ -71,7 +76,5 @@ private:
     std::function<void()> textListener;
     QString placeholder;
     bool placeholderShown = false;
-    QColor backgroundColor{QStringLiteral("#F5F5F5")};
     QColor placeholderColor{Qt::gray};
-    QColor textColor{QStringLiteral("#343434")};
 };

@@ -2,7 +2,6 @@
 
 #include "items/qtinternals.h"
 #include "items/textediting.h"
-#include "items/textmeasure.h"
 
 #include <QFocusEvent>
 #include <QFontMetricsF>
@@ -13,7 +12,6 @@
 #include <QTextCursor>
 #include <QTextDocument>
 
-#include <algorithm>
 #include <utility>
 
 namespace {
@@ -21,18 +19,6 @@ constexpr int focusAlpha = 38;
 constexpr double focusRadius = 5.0;
 constexpr int placeAlpha = 200; // of the line where a title could be
 constexpr double placeWidth = 1.5;
-constexpr double documentMargin = 4.0; // what a document has by itself
-constexpr double unlimited = -1.0;     // a title is not wrapped
-
-const QFont &titleFont()
-{
-    static const QFont font = [] {
-        QFont bold(QStringLiteral("Inria Sans"), 13, QFont::Bold);
-        bold.setItalic(false);
-        return bold;
-    }();
-    return font;
-}
 
 /// A tool tip that looks like markup would be shown as such; any other is shown as it stands.
 QString asToolTip(const QString &text)
@@ -56,8 +42,8 @@ void STNodeName::make()
     const QString title = late.take();
     if (LongText::isLong(title))
         whole = title;
-    setFont(titleFont());
-    setDefaultTextColor(textColor);
+    setFont(TitleLook::font());
+    setDefaultTextColor(TitleLook::ink);
     setTextInteractionFlags(Qt::TextEditorInteraction);
     QtInternals::takePlainTextOnly(*this);
     if (!title.isEmpty())
@@ -81,9 +67,7 @@ void STNodeName::setTitle(const QString &text)
         return;
     }
     prepareGeometryChange();
-    const QSizeF size =
-        TextMeasure::documentSize(LongText::shown(text), titleFont(), unlimited, documentMargin);
-    late.keep(text, QRectF(QPointF(), size));
+    late.keep(text, QRectF(QPointF(), TitleLook::sizeOf(text)));
     updateShortText();
 }
 
@@ -109,41 +93,21 @@ void STNodeName::setAvailableWidth(double width)
 void STNodeName::updateShortText()
 {
     bars.forget();
-    const QString text = LongText::shown(title());
-    const double room = availableWidth - 2 * documentMargin;
-    const QFontMetricsF metrics(titleFont());
-    const auto endsLine = [](QChar unit) {
-        return unit == QLatin1Char('\n') || unit == QChar::LineSeparator;
-    };
-    const QString firstLine(text.cbegin(),
-                            std::find_if(text.cbegin(), text.cend(), endsLine) - text.cbegin());
-    QString shortened;
-    if (room > 0 && firstLine.size() < text.size())
-        shortened = metrics.elidedText(firstLine + QChar(0x2026), Qt::ElideRight, room);
-    else if (room > 0 && textSize().width() > availableWidth)
-        shortened = metrics.elidedText(text, Qt::ElideRight, room);
-    setToolTip(shortened.isNull() ? QString() : asToolTip(text)); // the hidden end may have changed alone
-    const bool blank = room > 0 && shortened.isNull() && text.trimmed().isEmpty();
-    if (shortened == shortText && shortened.isNull() == shortText.isNull() && blank == isBlank)
+    const QString text = title();
+    const TitleLook present(text, textSize(), availableWidth);
+    // The hidden end may have changed alone.
+    setToolTip(present.isShortened() ? asToolTip(LongText::shown(text)) : QString());
+    if (present == look)
         return;
     prepareGeometryChange();
-    shortText = shortened;
-    isBlank = blank;
+    look = present;
     update();
 }
 
 QRectF STNodeName::boundingRect() const
 {
-    if (isShortened())
-        return headerPlace();
     const QRectF text = late.isLate() ? late.place() : QGraphicsTextItem::boundingRect();
-    return isBlank ? text | headerPlace() : text;
-}
-
-/// One line over all the width that the header has for a title.
-QRectF STNodeName::headerPlace() const
-{
-    return {0, 0, availableWidth, QFontMetricsF(titleFont()).height() + 2 * documentMargin};
+    return editing && look.isShortened() ? text : look.place(text, availableWidth);
 }
 
 QPainterPath STNodeName::shape() const
@@ -164,17 +128,15 @@ void STNodeName::paint(QPainter *painter, const QStyleOptionGraphicsItem *option
         QGraphicsTextItem::paint(painter, &unframed, widget);
         return;
     }
-    painter->setFont(titleFont());
+    painter->setFont(TitleLook::font());
     painter->setPen(defaultTextColor());
-    painter->drawText(QPointF(documentMargin, documentMargin + QFontMetricsF(titleFont()).ascent()),
-                      shortText);
+    const double baseline = TitleLook::margin + QFontMetricsF(TitleLook::font()).ascent();
+    painter->drawText(QPointF(TitleLook::margin, baseline), look.shortText);
 }
 
 void STNodeName::paintGreeked(QPainter &painter)
 {
-    bars.paint(painter, isShortened() ? shortText : LongText::shown(title()), titleFont(),
-               boundingRect().adjusted(documentMargin, documentMargin, -documentMargin, -documentMargin),
-               textColor);
+    look.paintGreeked(painter, bars, title(), boundingRect());
 }
 
 /// While it is being edited, the panel; all of a title that is too long for the header is shown then,
@@ -184,13 +146,13 @@ void STNodeName::paintBelow(QPainter *painter)
     if (hasFocus()) {
         focusColor.setAlpha(focusAlpha);
         painter->setPen(Qt::NoPen);
-        painter->setBrush(shortText.isNull() ? focusColor : groundColor);
+        painter->setBrush(look.isShortened() ? groundColor : focusColor);
         painter->drawRoundedRect(boundingRect(), focusRadius, focusRadius);
-    } else if (isBlank) {
-        QColor lineColor = textColor;
+    } else if (look.isBlank) {
+        QColor lineColor = TitleLook::ink;
         lineColor.setAlpha(placeAlpha);
         painter->setPen(QPen(lineColor, placeWidth));
-        const QRectF place = headerPlace().adjusted(0, 0, 0, -documentMargin);
+        const QRectF place = TitleLook::headerPlace(availableWidth).adjusted(0, 0, 0, -TitleLook::margin);
         painter->drawLine(place.bottomLeft(), place.bottomRight());
     }
 }

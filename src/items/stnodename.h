@@ -3,6 +3,7 @@
 #include "items/clickordrag.h"
 #include "items/greekedtext.h"
 #include "items/latetext.h"
+#include "items/titlelook.h"
 
 #include <QColor>
 #include <QGraphicsTextItem>
@@ -47,18 +48,15 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
-    QRectF headerPlace() const;
     void paintBelow(QPainter *painter);
-    bool isShortened() const { return !editing && !shortText.isNull(); }
+    bool isShortened() const { return !editing && look.isShortened(); }
     void updateShortText();
     QSizeF textSize() const;
 
     QColor focusColor{QStringLiteral("#FFFFFF")};
     QColor groundColor{QStringLiteral("#6642B3")}; // dark enough for the text, wherever it hangs over
-    QColor textColor{QStringLiteral("#F5F5F5")};
-    double availableWidth = 0.0; // 0 until the node has laid itself out: no limit
-    QString shortText;           // what fits of a title that is too long; null when all of it fits
-    bool isBlank = false;        // no letter is seen of it
+    double availableWidth = 0.0;                   // 0 until the node has laid itself out: no limit
+    TitleLook look;
     LateText late;
     QString whole; // of a long title whose document holds only what is shown; else null
     GreekedText bars;

@@ -15,4 +15,15 @@ bool isHeldUnchanged(const QString &text);
 /// its height. All in the units of the item that shows it.
 QSizeF documentSize(const QString &text, const QFont &font, double textWidth, double margin);
 
+/// While one lives, documentSize() answers at once that a text takes no place. For graphs that are read for
+/// what they say and never shown: measuring is most of the time that reading takes.
+class Pause
+{
+public:
+    Pause();
+    ~Pause();
+    Pause(const Pause &) = delete;
+    Pause &operator=(const Pause &) = delete;
+};
+
 } // namespace TextMeasure

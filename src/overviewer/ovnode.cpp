@@ -2,7 +2,6 @@
 
 #include "items/eventdata.h"
 #include "items/node.h"
-#include "items/nodedata.h"
 #include "overviewer/overviewerscene.h"
 #include "overviewer/panellist.h"
 
@@ -38,7 +37,7 @@ OvNode::OvNode(Node *shownNode, TextMaking making)
 OvNode::OvNode(const PanelRow &row)
     : node(row.node), type(row.node->getType()), index(row.shownIndex), isImportant(row.isImportant)
 {
-    if (type == 0 && nodeContent())
+    if (type == 0 && node->hasDescription())
         late.keep(row.text, row.outline);
     setPos(0, row.y);
 }
@@ -95,23 +94,20 @@ OvNode::~OvNode()
         delete eventData_;
 }
 
-EventData *OvNode::nodeContent() const { return node->payload() ? node->payload()->eventContent() : nullptr; }
-
 void OvNode::updateFromNode()
 {
-    const EventData *content = nodeContent();
-    if (type != 0 || !content)
+    if (type != 0 || !node->hasDescription())
         return;
     if (auto *shown = dynamic_cast<EventData *>(eventData_)) {
         shown->setParentItem(this);
-        shown->setDescription(content->getDescription());
+        shown->setDescription(node->description());
         return;
     }
-    const QRectF outline = content->boundingRect();
+    const QRectF outline = node->descriptionOutline();
     const bool isResized = outline != late.place();
     if (isResized)
         prepareGeometryChange();
-    late.keep(content->getDescription(), outline);
+    late.keep(node->description(), outline);
     if (isResized)
         layoutPanel();
 }
@@ -122,13 +118,12 @@ QRectF OvNode::boundingRect() const { return late.isLate() ? late.place() : even
 
 void OvNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *)
 {
-    const EventData *content = nodeContent();
-    if (!isImportant || !content)
+    if (!isImportant || !node->hasDescription())
         return;
     // The node's rectangle, not the entry's own; both hold the same text and so have the same size.
     // The panel's own line lies inside wholly: the panel ends where its entries end.
     const double half = halfOfScreenLine(*painter);
-    painter->drawRoundedRect(content->boundingRect().adjusted(half, half, -half, -half), outlineRadius,
+    painter->drawRoundedRect(node->descriptionOutline().adjusted(half, half, -half, -half), outlineRadius,
                              outlineRadius, Qt::AbsoluteSize);
 
     // For whoever paints with this painter next; the outline itself is drawn with what the painter had.

@@ -59,7 +59,6 @@ public slots:
     void sl_nodeChanged();
 
 private:
-    EventData *nodeContent() const;
     void layoutPanel();
     void takeContent(EventData *content);
 

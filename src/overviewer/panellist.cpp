@@ -1,29 +1,14 @@
 #include "overviewer/panellist.h"
 
-#include "items/eventdata.h"
 #include "items/node.h"
-#include "items/nodedata.h"
 #include "overviewer/ovnode.h"
 
 #include <algorithm>
 
-namespace {
-
-const EventData *contentOf(const Node *node)
-{
-    return node->payload() ? node->payload()->eventContent() : nullptr;
-}
-
-} // namespace
-
 PanelRow::PanelRow(Node *listed)
-    : node(listed), index(listed->getIndex()), shownIndex(index), isImportant(listed->isImportant())
-{
-    if (const EventData *content = contentOf(node)) {
-        text = content->getDescription();
-        outline = content->boundingRect();
-    }
-}
+    : node(listed), text(listed->description()), outline(listed->descriptionOutline()),
+      index(listed->getIndex()), shownIndex(index), isImportant(listed->isImportant())
+{}
 
 int PanelRow::currentIndex() const { return entry ? entry->getIndex() : shownIndex; }
 

@@ -17,6 +17,8 @@ class CanvasDetail
 public:
     /// Gives `nodes` the detail that suits what `view` shows of them.
     void apply(const QGraphicsView &view, const std::vector<Node *> &nodes);
+    /// Whether no part of any event is left out.
+    bool isWhole() const { return detail.parts == NodeDetail::Parts::all; }
 
 private:
     NodeDetail detail; // of all nodes that were there last time

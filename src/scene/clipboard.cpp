@@ -1,6 +1,6 @@
 #include "scene/clipboard.h"
 
-#include "items/nodedata.h"
+#include "items/latetext.h"
 #include "scene/massremoval.h"
 #include "scene/nodegraphscene.h"
 #include "scene/textfocus.h"
@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <map>
+#include <new>
 #include <set>
 
 namespace {
@@ -85,7 +86,7 @@ Node *Paste::duplicate(Node *source, const QPointF &target, bool isEnd) const
     Node *made = scene.addNodeAt(target, source->getType(), -1, isEnd ? source->getIndex() : -1);
     if (!made)
         return nullptr;
-    made->copyDataFrom(source->payload());
+    made->copyDataFrom(*source);
     made->setNodeName(source->title());
     made->setPos(source->scenePos());
     if (source->isImportant())
@@ -184,6 +185,21 @@ void Clipboard::cut()
     cutPending = true;
     for (Node *source : remembered())
         setNodeShown(scene, source, false);
+}
+
+bool Clipboard::fits() const
+{
+    // With outlines, lines, undo steps and entries of the panel, and texts that are laid out.
+    constexpr std::size_t bytesOfAnEvent = std::size_t(32) * 1024;
+    constexpr std::size_t bytesOfALetter = 64;
+    std::size_t size = 0;
+    for (const Node *source : remembered()) {
+        size += bytesOfAnEvent + std::size_t(LongText::shown(source->description()).size()) * bytesOfALetter;
+    }
+    // Called as functions, for a compiler may leave out what is made by `new` and not used.
+    void *tried = ::operator new(size, std::nothrow);
+    ::operator delete(tried);
+    return tried != nullptr;
 }
 
 void Clipboard::paste(const QPointF &target)

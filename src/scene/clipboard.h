@@ -26,6 +26,9 @@ public:
     /// from it; the sources are deleted and forgotten. With nothing remembered there is nothing to see.
     void paste(const QPointF &target);
 
+    /// Whether there is memory for a paste; without it a paste would come to an end half-way.
+    bool fits() const;
+
     const std::vector<Node *> &remembered() const { return sources.nodes(); }
     /// Whether anything has ever been cut; a paste does not ask.
     bool isCutPending() const { return cutPending; }

@@ -17,12 +17,12 @@ ConnectionDrag::ConnectionDrag(NodegraphScene &graph, HandOut out) : scene(graph
 void ConnectionDrag::pressSocket(const Node &node, int type, const QPointF &pos)
 {
     if (type != SocketType::input) {
-        begin(node.inSocket()->sceneCentre(), pos, node.outSocket());
+        begin(node.socketCentre(SocketType::input), pos, node.outSocket());
         return;
     }
     if (node.hasInput())
         part(node);
-    begin(node.outSocket()->sceneCentre(), pos, node.inSocket());
+    begin(node.socketCentre(SocketType::output), pos, node.inSocket());
 }
 
 void ConnectionDrag::grabLine(const ConnectionLine &grabbed, int type, const QPointF &mouse)

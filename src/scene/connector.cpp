@@ -7,19 +7,11 @@
 
 namespace {
 
-/// Marks two sockets as each other's ends. A null partner leaves the other one unconnected.
-void pairSockets(Socket *socket, Socket *partner)
+/// Marks the sockets of two nodes as each other's ends.
+void pairSockets(Node *downstream, Node *upstream)
 {
-    if (socket) {
-        socket->setIsConnected(partner != nullptr);
-        socket->setConnectedSocket(partner);
-        socket->update();
-    }
-    if (partner) {
-        partner->setIsConnected(socket != nullptr);
-        partner->setConnectedSocket(socket);
-        partner->update();
-    }
+    downstream->setPartner(SocketType::input, upstream);
+    upstream->setPartner(SocketType::output, downstream);
 }
 
 } // namespace
@@ -45,15 +37,15 @@ ConnectionLine *Connector::join(Node *downstream, Node *upstream)
     downstream->setPrevNode(upstream);
     upstream->addNextNode(downstream);
     downstream->setHasInput(true);
-    pairSockets(downstream->inSocket(), upstream->outSocket());
+    pairSockets(downstream, upstream);
 
-    auto *line =
-        new ConnectionLine(downstream->inSocket()->sceneCentre(), upstream->outSocket()->sceneCentre());
+    auto *line = new ConnectionLine(downstream->socketCentre(SocketType::input),
+                                    upstream->socketCentre(SocketType::output));
     lines.bringIn(line);
     QObject::connect(downstream, SIGNAL(s_inSocketMove(QPointF)), line, SLOT(sl_setStart(QPointF)));
     downstream->setInLine(line);
     QObject::connect(upstream, SIGNAL(s_outSocketMove(QPointF)), line, SLOT(sl_setEnd(QPointF)));
-    line->setSockets(downstream->inSocket(), upstream->outSocket());
+    line->setNodes(downstream, upstream);
     line->setVisible(downstream->isVisible() && upstream->isVisible()); // a cut node hides its lines too
     downstream->setPrevIndex(upstream->getIndex());
     return line;
@@ -63,11 +55,11 @@ void Connector::part(Node *node)
 {
     if (node->hasInput()) {
         Node *upstream = node->prevNode();
-        pairSockets(node->inSocket(), nullptr);
-        pairSockets(upstream->outSocket(), nullptr);
+        node->setPartner(SocketType::input, nullptr);
+        upstream->setPartner(SocketType::output, nullptr);
         upstream->removeNextNode(node);
         if (!upstream->nextNodes().empty())
-            pairSockets(upstream->outSocket(), upstream->nextNodes().front()->inSocket());
+            pairSockets(upstream->nextNodes().front(), upstream);
     }
     node->setPrevIndex(-1);
     node->setPrevNode(nullptr);
@@ -83,10 +75,8 @@ void Connector::removeInputLine(Node *node)
         return;
     node->setInLine(nullptr);
     node->disconnect(line);
-    if (auto *socket = line->outputSocket()) {
-        if (auto *upstream = dynamic_cast<Node *>(socket->parentItem()))
-            upstream->disconnect(line);
-    }
+    if (Node *upstream = line->feedingNode())
+        upstream->disconnect(line);
     lines.takeOut(line);
     line->deleteLater();
 }

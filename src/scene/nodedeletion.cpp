@@ -25,7 +25,7 @@ void NodeDeletion::deleteSelected(Node *node)
     }
     const MassRemoval::Together together(removal);
     const std::vector<Node *> selection = scene.selectedNodes();
-    for (const Node *selected : selection) {
+    for (Node *selected : selection) {
         if (scene.isMember(selected))
             deleteByCommand(selected);
     }
@@ -45,9 +45,8 @@ void NodeDeletion::deleteAll()
         scene.deleteNode(scene.nodes().back());
 }
 
-void NodeDeletion::deleteByCommand(const Node *node)
+void NodeDeletion::deleteByCommand(Node *node)
 {
     qInfo("Del");
-    handOut(std::make_unique<DelNodeCommand>(&scene, node->pos(), node->getIndex(), node->payload(),
-                                             node->title()));
+    handOut(std::make_unique<DelNodeCommand>(&scene, *node));
 }

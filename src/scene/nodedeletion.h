@@ -20,7 +20,7 @@ public:
     void deleteAll();
 
 private:
-    void deleteByCommand(const Node *node);
+    void deleteByCommand(Node *node);
 
     NodegraphScene &scene;
     MassRemoval &removal;

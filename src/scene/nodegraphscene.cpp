@@ -2,15 +2,15 @@
 
 #include "commands/addnodecommand.h"
 #include "items/eventdata.h"
-#include "items/nodedata.h"
 #include "scene/canvasdetail.h"
 #include "scene/clipboard.h"
 #include "scene/connectiondrag.h"
 #include "scene/connector.h"
 #include "scene/damage.h"
+#include "scene/damagelog.h"
+#include "scene/exposure.h"
 #include "scene/massremoval.h"
 #include "scene/nodedeletion.h"
-#include "scene/nodeindexmap.h"
 #include "scene/pointing.h"
 #include "scene/rubberband.h"
 #include "scene/scenerecords.h"
@@ -35,7 +35,6 @@ namespace {
 constexpr double canvasSize = 99999;
 constexpr int veilAlpha = 28;
 constexpr double attachGap = 100.0;
-constexpr double framingMargin = 50.0;
 
 QColor backgroundColour() { return QColor::fromString(QLatin1String("#606060")); }
 
@@ -54,7 +53,8 @@ struct NodegraphScene::Parts
     Parts(NodegraphScene &scene, const SceneRecords::NodeMaking &makeForRecord, const HandOut &out,
           const std::function<void()> &tellStory)
         : handOut(out), removal(scene), publishing(tellStory), drag(scene, out), band(scene, veilColour()),
-          clipboard(scene, removal), deletion(scene, removal, out), records(scene, makeForRecord, out)
+          clipboard(scene, removal), deletion(scene, removal, out), records(scene, makeForRecord, out),
+          exposure(scene)
     {}
 
     HandOut handOut;
@@ -68,12 +68,11 @@ struct NodegraphScene::Parts
     NodeDeletion deletion;
     SceneRecords records;
     CanvasDetail detail;
-    NodeIndexMap nodesByIndex;
+    Exposure exposure;
     std::optional<QPointF> mouse; // not set until it has been here
-    int nodeCounter = 0;          // nodes wired since the last clear(); the source of new indices
 };
 
-NodegraphScene::NodegraphScene()
+NodegraphScene::NodegraphScene() : selection(*this)
 {
     // Without a listener a command is dropped, for nobody would free it.
     const HandOut handOut = [this](std::unique_ptr<QUndoCommand> command) {
@@ -83,8 +82,8 @@ NodegraphScene::NodegraphScene()
     };
     // By the provisional index, not the new node itself: see recordOrder(), which writing relies on.
     const SceneRecords::NodeMaking makeForRecord = [this](TextMaking making) {
-        const int provisionalIndex = parts->nodeCounter++;
-        attachToCurrentNode(buildNode(QPointF(0, 0), provisionalIndex, 0, nullptr, QString(), making));
+        const int provisionalIndex = all.takeNextIndex();
+        attachToCurrentNode(buildNode(QPointF(0, 0), provisionalIndex, 0, QString(), making));
         updateStory();
         return findNodeByIndex(provisionalIndex);
     };
@@ -103,27 +102,27 @@ NodegraphScene::NodegraphScene()
 NodegraphScene::~NodegraphScene()
 {
     // The base would take the items out from the front.
-    std::vector<QGraphicsItem *> all;
+    std::vector<QGraphicsItem *> items;
     for (Node *node : nodes()) {
-        all.push_back(node);
+        items.push_back(node);
         if (ConnectionLine *line = node->inLine())
-            all.push_back(line);
+            items.push_back(line);
     }
     {
         const MassRemoval::Together together(parts->removal);
-        for (QGraphicsItem *item : all)
+        for (QGraphicsItem *item : items)
             parts->removal.takeOut(item);
     }
-    qDeleteAll(all);
+    qDeleteAll(items);
 }
 
 const std::vector<Node *> &NodegraphScene::story() const { return parts->story.nodes(); }
 
 Node *NodegraphScene::endOfStoryNode() const { return parts->story.end(); }
 
-bool NodegraphScene::isMember(const Node *node) const { return parts->nodesByIndex.contains(node); }
+bool NodegraphScene::isMember(const Node *node) const { return all.contains(node); }
 
-Node *NodegraphScene::findNodeByIndex(int index) const { return parts->nodesByIndex.first(index); }
+Node *NodegraphScene::findNodeByIndex(int index) const { return all.find(index); }
 
 // Making nodes
 
@@ -131,7 +130,7 @@ void NodegraphScene::sl_addEventNode() { addEvent(); }
 
 void NodegraphScene::addEvent()
 {
-    const bool wasEmpty = nodes_.isEmpty();
+    const bool wasEmpty = nodes().empty();
     Node *added = addNodeAt(placeOfPointer(*this, parts->mouse), 0, -1);
     if (!added)
         return;
@@ -146,7 +145,7 @@ void NodegraphScene::addEvent()
 Node *NodegraphScene::addNodeAt(QPointF pos, int type, int index, int markFrom)
 {
     const std::size_t before = nodes().size();
-    const int wanted = index == -1 ? parts->nodeCounter : index;
+    const int wanted = index == -1 ? all.nextIndex() : index;
     auto command = std::make_unique<AddNodeCommand>(this, pos, wanted, type, QString());
     if (markFrom != -1)
         command->willTakeMarkFrom(markFrom);
@@ -157,20 +156,27 @@ Node *NodegraphScene::addNodeAt(QPointF pos, int type, int index, int markFrom)
 void NodegraphScene::createNode(QPointF pos, int index, int type, const NodeData *data, const QString &name)
 {
     leaveTextsBut(*this, nullptr); // the keys that follow are not meant for what was written before
-    attachToCurrentNode(buildNode(pos, index, type, data, name, TextMaking::atOnce));
+    attachToCurrentNode(buildNode(pos, index, type, name, TextMaking::atOnce, [data](Node &node) {
+        if (data)
+            node.copyDataFrom(data);
+    }));
     updateStory();
 }
 
-Node *NodegraphScene::restoreNode(QPointF pos, int index, int type, const NodeData *data, const QString &name,
-                                  TextMaking making)
+Node *NodegraphScene::restoreNode(QPointF pos, int index, int type, const QString *description,
+                                  const QString &name, TextMaking making)
 {
-    Node *node = buildNode(pos, index, type, data, name, making);
+    Node *node = buildNode(pos, index, type, name, making, [description](Node &built) {
+        if (description)
+            built.setDescription(*description);
+    });
     updateStory();
     return node;
 }
 
-Node *NodegraphScene::buildNode(QPointF pos, int index, int type, const NodeData *data, const QString &name,
-                                TextMaking making)
+// What it holds is there before its index is told.
+Node *NodegraphScene::buildNode(QPointF pos, int index, int type, const QString &name, TextMaking making,
+                                const NodeFilling &fill)
 {
     auto *node = new Node(type, making);
     parts->removal.bringIn(node);
@@ -181,31 +187,28 @@ Node *NodegraphScene::buildNode(QPointF pos, int index, int type, const NodeData
     connect(node, SIGNAL(s_changed(Node*)), this, SLOT(sl_nodeChanged(Node*)));
     connect(node, SIGNAL(s_indexChanged(Node*,int)), this, SLOT(sl_nodeIndexChanged(Node*,int)));
     connect(node, SIGNAL(s_importanceChanged(Node*,bool)), this, SLOT(sl_importanceChanged(Node*,bool)));
-    nodes_.add(node);
-    parts->nodesByIndex.insert(node, node->getIndex());
-    ++parts->nodeCounter;
+    all.add(node);
     node->placeAt(pos);
     if (!name.isEmpty())
         node->setNodeName(name);
-    if (data)
-        node->copyDataFrom(data);
-    node->setIndex(parts->nodesByIndex.freeIndex(index, node, parts->nodeCounter));
+    if (fill)
+        fill(*node);
+    node->setIndex(all.freeIndex(index, node));
+    parts->exposure.noteNew(*node);
     return node;
 }
 
 void NodegraphScene::attachToCurrentNode(Node *newNode)
 {
-    if (Node *current = currentNode_; current && newNode) {
+    if (Node *current = currentNode(); current && newNode) {
         const double x = current->scenePos().x() + current->boundingRect().width() + attachGap;
         newNode->setPos(std::trunc(x), std::trunc(current->scenePos().y()));
         connectNodes(newNode, current);
         if (current == endOfStoryNode())
             setEndOfStory(newNode);
-        current->setSelected(false);
-        setCurrentNode(newNode);
-        newNode->setSelected(true);
+        selection.moveCurrentTo(newNode);
     }
-    Node *only = newNode ? newNode : currentNode_;
+    Node *only = newNode ? newNode : currentNode();
     if (nodes().size() == 1 && only)
         setEndOfStory(only);
 }
@@ -281,12 +284,9 @@ void NodegraphScene::deleteNode(Node *node)
 /// The one place where a dying node leaves everything that the scene remembers.
 void NodegraphScene::forgetNode(Node *node)
 {
-    nodes_.remove(node);
-    selectedNodes_.remove(node);
-    parts->nodesByIndex.remove(node);
+    all.remove(node);
+    selection.forget(node);
     parts->clipboard.forget(node);
-    if (currentNode_ == node)
-        setCurrentNode(nullptr);
     parts->story.forget(node);
     parts->drag.forget(node);
 }
@@ -295,16 +295,19 @@ void NodegraphScene::clear()
 {
     const StoryPublishing::Step step(parts->publishing);
     parts->deletion.deleteAll();
-    selectedNodes_.clear();
+    selection.clear();
     parts->band.end();
     parts->drag.end();
-    parts->nodeCounter = 0;
+    all.restart();
     setCurrentNode(nullptr);
+    parts->detail = {};
     QGraphicsScene::clear();
     parts->band.renew();
 }
 
 // The story
+
+bool NodegraphScene::canPasteNodes() const { return parts->clipboard.fits(); }
 
 void NodegraphScene::updateStory()
 {
@@ -318,8 +321,8 @@ StoryPublishing &NodegraphScene::publishing() { return parts->publishing; }
 
 void NodegraphScene::setEndOfStoryNode()
 {
-    if (currentNode_)
-        setEndOfStory(currentNode_);
+    if (currentNode())
+        setEndOfStory(currentNode());
 }
 
 void NodegraphScene::setEndOfStory(Node *node)
@@ -331,7 +334,7 @@ void NodegraphScene::setEndOfStory(Node *node)
 void NodegraphScene::toggleImportance(Node *node)
 {
     if (!node)
-        node = currentNode_;
+        node = currentNode();
     if (!node)
         return;
     node->setImportant(!node->isImportant());
@@ -350,7 +353,7 @@ void NodegraphScene::sl_nodeChanged(Node *node)
 // Comes before the node stores its new index, so nothing finds it under a number that it no longer has.
 void NodegraphScene::sl_nodeIndexChanged(Node *node, int index)
 {
-    parts->nodesByIndex.reindex(node, index);
+    all.reindex(node, index);
     emit s_nodeIndexChanged(node, index);
 }
 
@@ -361,13 +364,10 @@ void NodegraphScene::sl_importanceChanged(Node *node, bool isImportant)
 
 void NodegraphScene::sl_ovNodeChanged(QGraphicsItem *nodeData, int index)
 {
-    const Node *node = findNodeByIndex(index);
-    if (!node || node->getType() != 0 || !nodeData || !node->payload())
-        return;
+    Node *node = findNodeByIndex(index);
     const auto *edited = dynamic_cast<EventData *>(nodeData);
-    EventData *event = node->payload()->eventContent();
-    if (edited && event)
-        event->setDescription(edited->getDescription());
+    if (node && node->getType() == 0 && edited)
+        node->setDescription(edited->getDescription());
 }
 
 // Clipboard and file
@@ -384,12 +384,16 @@ void NodegraphScene::pasteNodes()
 
 void NodegraphScene::saveSceneToFile(QDataStream &stream) { parts->records.write(stream); }
 
-void NodegraphScene::loadSceneFromFile(QDataStream &stream) { load(stream); }
+void NodegraphScene::loadSceneFromFile(QDataStream &stream)
+{
+    DamageLog log(stream);
+    load(stream, log);
+}
 
-Damage NodegraphScene::load(QDataStream &stream)
+Damage NodegraphScene::load(QDataStream &stream, DamageLog &log)
 {
     const StoryPublishing::Step step(parts->publishing);
-    const Damage damage = parts->records.read(stream);
+    const Damage damage = parts->records.read(stream, log);
     frameSelectedNodes();
     return damage;
 }
@@ -400,43 +404,15 @@ void NodegraphScene::sl_selectCurrentNode(Node *node) { setCurrentNode(node); }
 
 void NodegraphScene::sl_deselectCurrentNode() { setCurrentNode(nullptr); }
 
-// None is current as soon as the mouse is pressed, and the press itself decides about the keyboard.
-void NodegraphScene::setCurrentNode(Node *node)
-{
-    currentNode_ = node;
-    if (node)
-        leaveTextsBut(*this, node);
-}
+void NodegraphScene::setCurrentNode(Node *node) { selection.setCurrent(node); }
 
-void NodegraphScene::selectAll()
-{
-    selectedNodes_.clear();
-    for (Node *node : nodes())
-        node->setSelected(true);
-    selectedNodes_ = nodes();
-}
+void NodegraphScene::selectAll() { selection.selectAll(nodes()); }
 
-void NodegraphScene::deselectAll()
-{
-    selectedNodes_.clear();
-    for (Node *node : nodes())
-        node->setSelected(false);
-}
+void NodegraphScene::deselectAll() { selection.deselectAll(nodes()); }
 
 void NodegraphScene::frameSelectedNodes()
 {
-    const auto sceneRectOf = [](const Node *node) { return node->mapRectToScene(node->boundingRect()); };
-    QRectF bounds;
-    if (currentNode_) {
-        bounds = sceneRectOf(currentNode_);
-    } else {
-        const std::vector<Node *> &framed = selectedNodes().empty() ? nodes() : selectedNodes();
-        for (const Node *node : framed)
-            bounds |= sceneRectOf(node);
-    }
-    if (!bounds.isNull())
-        bounds.adjust(-framingMargin, -framingMargin, framingMargin, framingMargin);
-    emit s_frameView(bounds);
+    emit s_frameView(selection.bounds(nodes()));
     qInfo() << "Calculating bounds";
 }
 
@@ -455,7 +431,7 @@ void NodegraphScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
         if (itemUnder(*this, *event)) {
             parts->band.stop();
         } else {
-            selectedNodes_.clear();
+            selection.clear();
             parts->band.begin(event->scenePos());
         }
     }
@@ -472,7 +448,7 @@ void NodegraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
         parts->band.stretchTo(event->scenePos());
         std::vector<Node *> caught = selectedNodes();
         parts->band.catchFrom(nodes(), caught);
-        selectedNodes_ = caught;
+        selection.collect(caught);
     }
     // The framework repaints for a band or line only where it is and was in the view, and reckons that in
     // whole numbers: at the scale of a damaged file's places it reckons wrongly.
@@ -514,19 +490,28 @@ void NodegraphScene::focusInEvent(QFocusEvent *event)
 // last, or in any, and each further one would be written there.
 bool NodegraphScene::focusNextPrevChild(bool) { return false; }
 
-// The items are painted after this. Only the frames of the view count: a picture that is painted for
-// something else changes nothing on the screen.
+// The framework looks for whoever is under the mouse after this.
+bool NodegraphScene::event(QEvent *event)
+{
+    parts->exposure.aboutToHandle(*event);
+    return PromptScene::event(event);
+}
+
+// The items to paint are looked up after this. Only the frames of the view count for the detail: a picture
+// that is painted for something else changes nothing on the screen.
 void NodegraphScene::drawBackground(QPainter *painter, const QRectF &rect)
 {
-    const QList<QGraphicsView *> all = views();
-    if (!all.isEmpty() && painter->device() == all.first()->viewport())
+    const QList<QGraphicsView *> shown = views();
+    if (!shown.isEmpty() && painter->device() == shown.first()->viewport())
         adaptDetail();
+    if (parts->detail.isWhole())
+        parts->exposure.aboutToPaint(rect);
     QGraphicsScene::drawBackground(painter, rect);
 }
 
 void NodegraphScene::adaptDetail()
 {
-    const QList<QGraphicsView *> all = views();
-    if (!all.isEmpty())
-        parts->detail.apply(*all.first(), nodes());
+    const QList<QGraphicsView *> shown = views();
+    if (!shown.isEmpty())
+        parts->detail.apply(*shown.first(), nodes());
 }

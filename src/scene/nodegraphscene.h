@@ -4,13 +4,16 @@
 #include "items/node.h"
 #include "items/promptscene.h"
 #include "items/socket.h"
-#include "scene/nodelist.h"
+#include "scene/noderegister.h"
+#include "scene/nodeselection.h"
 
+#include <functional>
 #include <memory>
 #include <vector>
 
 class NodeData;
 class QDataStream;
+class DamageLog;
 struct Damage;
 class QUndoCommand;
 class StoryPublishing;
@@ -32,12 +35,12 @@ public:
     ~NodegraphScene() override;
 
     /// All nodes in the order of their creation; owned by this scene.
-    const std::vector<Node *> &nodes() const { return nodes_.nodes(); }
+    const std::vector<Node *> &nodes() const { return all.nodes(); }
     /// What select all and the rubber band have collected; not the items' own selected state.
-    const std::vector<Node *> &selectedNodes() const { return selectedNodes_.nodes(); }
+    const std::vector<Node *> &selectedNodes() const { return selection.collected(); }
     const std::vector<Node *> &story() const; // from the first event to the end
     /// The node that last reported itself pressed, null when there is none.
-    Node *currentNode() const { return currentNode_; }
+    Node *currentNode() const { return selection.current(); }
     /// The only one to say which node is current; null makes none so.
     void setCurrentNode(Node *node);
     /// The node that carries the mark, null when there is none.
@@ -48,8 +51,9 @@ public:
     /// Makes a node for the user: behind the current one, if there is one, connected to it and with its
     /// end-of-story mark. A taken index is replaced by a free one; `data`, which may be null, is copied.
     void createNode(QPointF pos, int index, int type, const NodeData *data, const QString &name);
-    /// Makes a node just as told, whichever is current: for bringing back one that was there before.
-    Node *restoreNode(QPointF pos, int index, int type, const NodeData *data, const QString &name,
+    /// Makes a node just as told, whichever is current: for bringing back one that was there before. With a
+    /// null `description` it has that of a new one.
+    Node *restoreNode(QPointF pos, int index, int type, const QString *description, const QString &name,
                       TextMaking making = TextMaking::atOnce);
     /// Adds a node by a command, null if nobody ran it; an `index` of -1 asks for the counter's value. The
     /// mark is taken from the node with the index `markFrom`, -1 for none.
@@ -66,8 +70,11 @@ public:
     /// Deletes by commands: the selected nodes, or else `node`, or if that is null the current node.
     void deleteSelectedNodes(Node *node);
 
+    /// Whether there is memory for a paste of what is remembered.
+    bool canPasteNodes() const;
+
     /// Reads one tab's block of a document into this scene, which must be empty; tells what was not there.
-    Damage load(QDataStream &stream);
+    Damage load(QDataStream &stream, DamageLog &log);
 
     /// Computes the story anew and publishes it, within a step at the end of that.
     void updateStory();
@@ -118,6 +125,7 @@ public slots:
     void frameSelectedNodes();
 
 protected:
+    bool event(QEvent *event) override;
     void drawBackground(QPainter *painter, const QRectF &rect) override;
     bool focusNextPrevChild(bool next) override;
     void focusInEvent(QFocusEvent *event) override;
@@ -126,13 +134,14 @@ protected:
     void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;
 
 private:
-    Node *buildNode(QPointF pos, int index, int type, const NodeData *data, const QString &name, TextMaking);
+    using NodeFilling = std::function<void(Node &node)>;
+    Node *buildNode(QPointF pos, int index, int type, const QString &name, TextMaking making,
+                    const NodeFilling &fill = {});
     void attachToCurrentNode(Node *newNode);
     void forgetNode(Node *node);
 
-    NodeList nodes_;
-    NodeList selectedNodes_;
-    Node *currentNode_ = nullptr;
+    NodeRegister all;
+    NodeSelection selection;
     struct Parts; // each with a state of its own
     std::unique_ptr<Parts> parts;
 };

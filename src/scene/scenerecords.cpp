@@ -2,66 +2,19 @@
 
 #include "commands/connectnodescommand.h"
 #include "scene/connector.h"
+#include "scene/damagelog.h"
 #include "scene/nodegraphscene.h"
 #include "scene/recordorder.h"
 
 #include <QDataStream>
 #include <QDebug>
-#include <QFileDevice>
 #include <QHash>
 
 namespace {
 
 constexpr int firstScreen = 100;     // events whose texts are made while they are read
 constexpr int mostBlankNodes = 1000; // made for records that a damaged file announces but does not hold
-constexpr int mostNamedRefusals = 20;
-constexpr int noIndex = -1; // of what feeds an event: nothing does
-
-/// The name of the file that is being read, empty if it is none. One that was read before, as a whole, has
-/// left its name to the device.
-QString fileNameOf(const QDataStream &stream)
-{
-    const QIODevice *device = stream.device();
-    const auto *file = qobject_cast<const QFileDevice *>(device);
-    return file ? file->fileName() : device ? device->objectName() : QString();
-}
-
-/// How an event is called in the log.
-QString shortTitle(const Node *node)
-{
-    constexpr qsizetype most = 40;
-    const QString title = node->title();
-    return title.size() <= most ? title : title.first(most - 1) + QChar(u'\u2026');
-}
-
-/// Tells of the connections of a file that would close a cycle: of each one, and when there are many of the
-/// others by their number.
-class Refusals
-{
-public:
-    explicit Refusals(const QString &file) : fileName(file) {}
-    ~Refusals()
-    {
-        if (count > mostNamedRefusals)
-            qWarning() << "Damaged scene file:" << fileName << "has" << count - mostNamedRefusals
-                       << "more connections that close a cycle, left out";
-    }
-    Refusals(const Refusals &) = delete;
-    Refusals &operator=(const Refusals &) = delete;
-
-    void tell(const Node *downstream, const Node *upstream)
-    {
-        if (++count > mostNamedRefusals)
-            return;
-        qWarning() << "Damaged scene file:" << fileName << "has a connection that closes a cycle, left out:"
-                   << "event" << downstream->getIndex() << shortTitle(downstream) << "fed by event"
-                   << upstream->getIndex() << shortTitle(upstream);
-    }
-
-private:
-    QString fileName;
-    int count = 0;
-};
+constexpr int noIndex = -1;          // of what feeds an event: nothing does
 
 } // namespace
 
@@ -87,7 +40,7 @@ void SceneRecords::write(QDataStream &stream) const
     }
 }
 
-Damage SceneRecords::read(QDataStream &stream) const
+Damage SceneRecords::read(QDataStream &stream, DamageLog &log) const
 {
     qInfo() << "Fileopening";
     qint32 count = 0;
@@ -95,11 +48,25 @@ Damage SceneRecords::read(QDataStream &stream) const
     qInfo() << "Nodes to open" << count;
     Damage damage;
     if (count >= 1)
-        connectAll(readEvents(stream, count, damage), fileNameOf(stream), damage);
+        connectAll(readEvents(stream, count, damage, log.fileName()), damage, log);
     return damage;
 }
 
-SceneRecords::Loaded SceneRecords::readEvents(QDataStream &stream, int count, Damage &damage) const
+int SceneRecords::skip(QDataStream &stream)
+{
+    qint32 count = 0;
+    stream >> count;
+    int records = 0;
+    for (; records < count && !stream.atEnd(); ++records) {
+        QString typeTag;
+        stream >> typeTag;
+        Node::skipRecord(stream);
+    }
+    return records;
+}
+
+SceneRecords::Loaded SceneRecords::readEvents(QDataStream &stream, int count, Damage &damage,
+                                              const QString &fileName) const
 {
     Loaded loaded;
     int blankNodes = 0;
@@ -107,8 +74,8 @@ SceneRecords::Loaded SceneRecords::readEvents(QDataStream &stream, int count, Da
         // Not for any bad status: one damaged text must not cut off the records behind it.
         const bool pastEnd = stream.status() == QDataStream::ReadPastEnd || stream.atEnd();
         if (pastEnd && ++blankNodes > mostBlankNodes) {
-            qWarning() << "Damaged scene file:" << fileNameOf(stream) << "ended after" << i - mostBlankNodes
-                       << "of" << count << "nodes, opening" << i;
+            qWarning() << "Damaged scene file:" << fileName << "ended after" << i - mostBlankNodes << "of"
+                       << count << "nodes, opening" << i;
             damage.incompleteEvents += count - i;
             break;
         }
@@ -132,7 +99,7 @@ SceneRecords::Loaded SceneRecords::readEvents(QDataStream &stream, int count, Da
 
 /// Gives those events an index that have none of their own: no two may be saved under one, or the next
 /// reading would put one into the other. No event can be fed by one with the index that stands for none.
-void SceneRecords::numberAnew(int firstFree, const QString &fileName) const
+int SceneRecords::numberAnew(int firstFree) const
 {
     int count = 0;
     for (Node *node : scene.nodes()) {
@@ -143,12 +110,10 @@ void SceneRecords::numberAnew(int firstFree, const QString &fileName) const
         node->setIndex(firstFree);
         ++count;
     }
-    if (count > 0)
-        qWarning() << "Damaged scene file:" << fileName << "has" << count
-                   << "events without an index of their own, given new ones";
+    return count;
 }
 
-void SceneRecords::connectAll(const Loaded &loaded, const QString &fileName, Damage &damage) const
+void SceneRecords::connectAll(const Loaded &loaded, Damage &damage, DamageLog &log) const
 {
     QHash<int, Node *> firstWithIndex;
     for (Node *node : loaded.nodes) {
@@ -174,9 +139,8 @@ void SceneRecords::connectAll(const Loaded &loaded, const QString &fileName, Dam
             firstWithIndex.contains(upstreamIndex) ? scene.findNodeByIndex(upstreamIndex) : nullptr;
         joins.push_back({node, scene.findNodeByIndex(node->getIndex()), upstream, isWhole});
     }
-    numberAnew(2 * int(loaded.nodes.size()), fileName); // behind the provisional ones
+    log.numberedAnew(numberAnew(2 * int(loaded.nodes.size()))); // behind the provisional ones
 
-    Refusals refusals(fileName);
     std::vector<Node *> unfed; // not reset at once: a node that two records were read into is listed twice
     for (const auto &[record, downstream, upstream, isWhole] : joins) {
         const bool isRefused = upstream && Connector::wouldCloseCycle(downstream, upstream);
@@ -185,7 +149,7 @@ void SceneRecords::connectAll(const Loaded &loaded, const QString &fileName, Dam
         if (isWhole && (!upstream || isRefused))
             ++damage.lostConnections;
         if (isRefused)
-            refusals.tell(downstream, upstream);
+            log.refused(downstream, upstream);
         else if (upstream)
             handOut(
                 std::make_unique<ConnectNodesCommand>(&scene, downstream->getIndex(), upstream->getIndex()));

@@ -6,6 +6,7 @@
 
 #include <vector>
 
+class DamageLog;
 class Node;
 class NodegraphScene;
 class QDataStream;
@@ -26,7 +27,9 @@ public:
 
     void write(QDataStream &stream) const;
     /// Expects an empty scene. Connections are handed out as commands.
-    Damage read(QDataStream &stream) const;
+    Damage read(QDataStream &stream, DamageLog &log) const;
+    /// Passes over what read() would read, and tells nothing. Returns how many records there are.
+    static int skip(QDataStream &stream);
 
 private:
     struct Loaded
@@ -35,9 +38,9 @@ private:
         std::size_t whole = 0;     // so many come first whose records are there to the end
     };
 
-    Loaded readEvents(QDataStream &stream, int count, Damage &damage) const;
-    void numberAnew(int firstFree, const QString &fileName) const;
-    void connectAll(const Loaded &loaded, const QString &fileName, Damage &damage) const;
+    Loaded readEvents(QDataStream &stream, int count, Damage &damage, const QString &fileName) const;
+    int numberAnew(int firstFree) const;
+    void connectAll(const Loaded &loaded, Damage &damage, DamageLog &log) const;
 
     NodegraphScene &scene;
     NodeMaking makeNode;

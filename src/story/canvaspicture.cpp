@@ -120,15 +120,21 @@ QString CanvasPicture::refusal() const
 
 QByteArray CanvasPicture::paint(const std::function<void(double part)> &tell)
 {
+    tell(0);
+    QByteArray bytes;
     switch (wanted.kind) {
     case Png:
-        return png();
+        bytes = png(tell);
+        break;
     case Svg:
-        return svg();
+        bytes = svg();
+        break;
     case Pdf:
+        bytes = pdf(tell);
         break;
     }
-    return pdf(tell);
+    tell(1);
+    return bytes;
 }
 
 void CanvasPicture::paintOn(QPainter &painter) const
@@ -137,7 +143,7 @@ void CanvasPicture::paintOn(QPainter &painter) const
     scene.render(&painter, QRectF(QPointF(), size()), bounds, Qt::IgnoreAspectRatio);
 }
 
-QByteArray CanvasPicture::png() const
+QByteArray CanvasPicture::png(const std::function<void(double part)> &tell) const
 {
     const QSize pixels(std::max(1, int(std::ceil(size().width()))),
                        std::max(1, int(std::ceil(size().height()))));
@@ -148,6 +154,8 @@ QByteArray CanvasPicture::png() const
     QPainter painter(&image);
     paintOn(painter);
     painter.end();
+    constexpr double half = 0.5;
+    tell(half);
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);

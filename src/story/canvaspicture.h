@@ -35,12 +35,13 @@ public:
 
     /// Why there can be no such picture, and what would fit; empty if there can.
     QString refusal() const;
-    /// The file; empty if the memory did not suffice. `tell` hears what part is done.
+    /// The file; empty if the memory did not suffice. `tell` hears what part is done: of posters
+    /// each sheet, of others, which are painted and written at one go, where that begins and ends.
     QByteArray paint(const std::function<void(double part)> &tell);
 
 private:
     QSizeF size() const { return bounds.size() * wanted.scale; }
-    QByteArray png() const;
+    QByteArray png(const std::function<void(double part)> &tell) const;
     QByteArray svg() const;
     QByteArray pdf(const std::function<void(double part)> &tell) const;
     void hideAllButStory() const;

@@ -20,24 +20,23 @@ public:
     int run(const QCommandLineParser &parser, Console &console) const override
     {
         const QStringList files = parser.positionalArguments();
-        if (files.isEmpty()) {
-            console.complain({}, tr("which file is to be checked?"));
-            return Trouble;
-        }
+        if (files.isEmpty())
+            return console.refuse({}, tr("which file is to be checked?"));
         int code = Done;
-        for (const QString &file : files)
-            code = qMax(code, check(file, console));
+        const double part = 1.0 / double(files.size());
+        for (qsizetype i = 0; i < files.size(); ++i)
+            code =
+                qMax(code, check(files[i], console.progress().between(double(i) * part, double(i + 1) * part),
+                                 console));
         return code;
     }
 
 private:
-    static int check(const QString &file, Console &console)
+    static int check(const QString &file, const PartTold &tell, Console &console)
     {
         StoryReader reader;
-        if (const QString trouble = reader.read(file); !trouble.isEmpty()) {
-            console.complain(file, trouble);
-            return Trouble;
-        }
+        if (const QString trouble = reader.read(file, tell); !trouble.isEmpty())
+            return console.refuse(file, trouble);
         const QStringList damages = reader.damage().lines();
         if (damages.isEmpty())
             console.print(tr("%1: sound").arg(file));

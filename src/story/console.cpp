@@ -16,14 +16,15 @@ QString withoutControls(QString text)
 
 } // namespace
 
-Console::Console(QIODevice &output, QIODevice &errors, bool errorsAreSeen)
-    : out(output), err(errors), isSeen(errorsAreSeen)
+Console::Console(QIODevice &output, QIODevice &errors, bool errorsAreSeen, qint64 patience)
+    : out(output), err(errors), bar(errors, errorsAreSeen, patience)
 {}
 
 void Console::print(const QString &line) { write(line.toUtf8() + '\n'); }
 
 void Console::write(const QByteArray &bytes)
 {
+    bar.hide();
     if (!hasFailed && out.write(bytes) != bytes.size())
         hasFailed = true;
 }
@@ -37,12 +38,19 @@ QString Console::trouble()
 
 void Console::complain(const QString &file, const QString &trouble)
 {
+    bar.hide();
     QString line = QLatin1String(programName) + QStringLiteral(": ");
     if (!file.isEmpty())
         line += file + QStringLiteral(": ");
     err.write(withoutControls(line + trouble).toLocal8Bit() + '\n');
     if (auto *device = qobject_cast<QFileDevice *>(&err))
         device->flush();
+}
+
+int Console::refuse(const QString &file, const QString &trouble)
+{
+    complain(file, trouble);
+    return Trouble;
 }
 
 QString inOneLine(const QString &text, qsizetype most)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "story/progress.h"
+
 #include <QString>
 
 class QIODevice;
@@ -17,8 +19,10 @@ class Console
 public:
     static constexpr auto programName = "fablegrid-story";
 
-    /// Both devices must be open and outlive this object.
-    Console(QIODevice &output, QIODevice &errors, bool errorsAreSeen = false);
+    /// Both devices must be open and outlive this object. With `errorsAreSeen` somebody sits before them, who
+    /// is shown how far the work is when it takes longer than `patience`, in milliseconds.
+    Console(QIODevice &output, QIODevice &errors, bool errorsAreSeen = false,
+            qint64 patience = Progress::usualPatience);
 
     /// A line of text.
     void print(const QString &line);
@@ -29,14 +33,15 @@ public:
 
     /// One line that begins with the program's name, and the file's if it is not empty.
     void complain(const QString &file, const QString &trouble);
-    /// Whether somebody sits before the errors and can be shown how far the work is.
-    bool errorsAreSeen() const { return isSeen; }
-    QIODevice &errors() { return err; }
+    /// The same, from whoever cannot go on: returns the exit code for that.
+    int refuse(const QString &file, const QString &trouble);
+    /// How far the command is. The bar gives way to whatever else is written here.
+    Progress &progress() { return bar; }
 
 private:
     QIODevice &out;
     QIODevice &err;
-    bool isSeen;
+    Progress bar;
     bool hasFailed = false;
 };
 

@@ -12,6 +12,8 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace {
 
 /// Lists what the editor has put by, and brings it back.
@@ -29,35 +31,33 @@ public:
     }
     void addOptions(QCommandLineParser &parser) const override
     {
+        parser.addOptions(OutputFile::options(tr("FILE")));
         parser.addOptions({
             {QStringLiteral("restore"),
              tr("Copies one out: by its number in the list, or, as every new copy moves the others on, by "
-                "the "
-                "name of its file."),
+                "the name of its file."),
              tr("N")},
-            {{QStringLiteral("o"), QStringLiteral("output")},
-             tr("Where to; - is the standard output."),
-             tr("FILE")},
-            {QStringLiteral("force"), tr("Replaces FILE if it is there.")},
         });
     }
 
     int run(const QCommandLineParser &parser, Console &console) const override
     {
         if (!parser.positionalArguments().isEmpty())
-            return refuse(console, {}, tr("no file is to be named but behind -o"));
+            return console.refuse({}, tr("no file is to be named but behind -o"));
         const std::vector<SavedCopy> copies = savedCopies();
         const bool restores = parser.isSet(QStringLiteral("restore"));
         const QString path = parser.value(QStringLiteral("output"));
         if (restores && !path.isEmpty())
-            return restore(copies, parser.value(QStringLiteral("restore")),
-                           OutputFile(path, parser.isSet(QStringLiteral("force"))), console);
+            return restore(copies, parser.value(QStringLiteral("restore")), OutputFile(parser), console);
         if (restores)
-            return refuse(console, {}, tr("where to? -o FILE is missing"));
+            return console.refuse({}, tr("where to? -o FILE is missing"));
         if (!path.isEmpty())
-            return refuse(console, {}, tr("which one? --restore N is missing"));
-        for (std::size_t i = 0; i < copies.size(); ++i)
-            console.print(lineOf(int(i) + 1, copies[i]));
+            return console.refuse({}, tr("which one? --restore N is missing"));
+        const double part = 1.0 / double(std::max<std::size_t>(1, copies.size()));
+        for (std::size_t i = 0; i < copies.size(); ++i) {
+            const PartTold tell = console.progress().between(double(i) * part, double(i + 1) * part);
+            console.print(lineOf(int(i) + 1, copies[i], tell));
+        }
         if (copies.empty())
             console.print(
                 tr("no copies in %1 and %2").arg(AutosaveFolder::usualFolder(), KeptCopies::usualFolder()));
@@ -65,13 +65,7 @@ public:
     }
 
 private:
-    static int refuse(Console &console, const QString &file, const QString &trouble)
-    {
-        console.complain(file, trouble);
-        return Trouble;
-    }
-
-    static QString lineOf(int number, const SavedCopy &copy)
+    static QString lineOf(int number, const SavedCopy &copy, const PartTold &tell)
     {
         const QString kind =
             copy.kind == SavedCopy::autosave ? tr("autosave") : tr("kept (%1)").arg(copy.occasion);
@@ -79,13 +73,13 @@ private:
             .arg(number, 3)
             .arg(copy.time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")))
             .arg(kind, -12)
-            .arg(QFileInfo(copy.path).fileName(), contentOf(copy));
+            .arg(QFileInfo(copy.path).fileName(), contentOf(copy, tell));
     }
 
-    static QString contentOf(const SavedCopy &copy)
+    static QString contentOf(const SavedCopy &copy, const PartTold &tell)
     {
         StoryReader reader;
-        if (const QString trouble = reader.read(copy.path); !trouble.isEmpty())
+        if (const QString trouble = reader.read(copy.path, tell); !trouble.isEmpty())
             return tr("cannot be read: %1").arg(trouble);
         int events = 0;
         int words = 0;
@@ -111,15 +105,15 @@ private:
         bool isNumber = false;
         const int number = named == copies.end() ? wanted.toInt(&isNumber) : int(named - copies.begin()) + 1;
         if (number < 1 || number > int(copies.size()))
-            return refuse(console, {}, tr("--restore %1: there is no such copy").arg(wanted));
+            return console.refuse({}, tr("--restore %1: there is no such copy").arg(wanted));
         if (const QString trouble = output.refusal(); !trouble.isEmpty())
-            return refuse(console, output.path(), trouble);
+            return console.refuse(output.path(), trouble);
         const QString path = copies[std::size_t(number) - 1].path;
         const WholeFile copy(path);
         if (!copy.trouble().isEmpty())
-            return refuse(console, path, copy.trouble());
+            return console.refuse(path, copy.trouble());
         if (const QString trouble = output.store(copy.content(), console); !trouble.isEmpty())
-            return refuse(console, output.path(), trouble);
+            return console.refuse(output.path(), trouble);
         if (!output.isStandardOutput())
             console.print(tr("%1 is what %2 was").arg(output.path(), path));
         return Done;

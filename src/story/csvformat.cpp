@@ -24,10 +24,11 @@ public:
 
     void write(const Story &story, const ExportOptions &options, QIODevice &out) const override
     {
+        Telling telling(story, options);
         out.write("tab,index,place,title,description,fed_by,end,important,x,y\r\n");
         for (std::size_t i = 0; i < story.tabs.size(); ++i) {
             if (options.wants(int(i)))
-                writeTab(story.tabs[i], out);
+                writeTab(story.tabs[i], telling, out);
         }
     }
 
@@ -35,12 +36,13 @@ public:
     ImportResult read(const QByteArray &text, Story &story) const override { return readCsv(text, story); }
 
 private:
-    static void writeTab(const StoryTab &tab, QIODevice &out)
+    static void writeTab(const StoryTab &tab, Telling &telling, QIODevice &out)
     {
         std::vector<int> placeInStory(tab.events.size());
         for (std::size_t i = 0; i < tab.chain.size(); ++i)
             placeInStory[tab.chain[i]] = int(i) + 1;
         for (std::size_t i = 0; i < tab.events.size(); ++i) {
+            telling.next();
             const StoryEvent &event = tab.events[i];
             const QStringList fields{
                 quoted(tab.name),

@@ -9,6 +9,7 @@
 #include <QHash>
 
 #include <cmath>
+#include <optional>
 
 namespace {
 
@@ -17,11 +18,21 @@ struct Texts
     Q_DECLARE_TR_FUNCTIONS(CsvReading)
 };
 
-bool isTrue(const QString &field)
+/// Nothing if the field says neither.
+std::optional<bool> truthOf(const QString &field)
 {
-    const QString word = field.trimmed().toLower();
-    return word == QLatin1String("1") || word == QLatin1String("true") || word == QLatin1String("yes") ||
-           word == QLatin1String("x");
+    static const QHash<QString, bool> words{
+        {QStringLiteral("1"), true},
+        {QStringLiteral("true"), true},
+        {QStringLiteral("yes"), true},
+        {QStringLiteral("x"), true},
+        {QString(), false},
+        {QStringLiteral("0"), false},
+        {QStringLiteral("no"), false},
+        {QStringLiteral("false"), false},
+    };
+    const auto found = words.constFind(field.trimmed().toLower());
+    return found == words.constEnd() ? std::nullopt : std::optional(*found);
 }
 
 /// What each column is, by the heading.
@@ -114,15 +125,20 @@ private:
         made.event.title = columns.field(row, "title");
         const QString text = columns.field(row, "description");
         made.event.description = text.isEmpty() ? EventData::tr("Enter description") : text;
-        made.event.isEnd = isTrue(columns.field(row, "end"));
-        made.event.isImportant = isTrue(columns.field(row, "important"));
+        made.event.isEnd = isMarked(row, "end");
+        made.event.isImportant = isMarked(row, "important");
         made.event.position = QPointF(coordinate(row, "x"), coordinate(row, "y"));
         std::vector<EventRow> &rows = rowsOf(columns.field(row, "tab"));
-        made.index = columns.has("index") ? wholeNumber(row, "index") : number;
+        if (columns.has("index"))
+            made.index = wholeNumber(row, "index", made.name);
+        else
+            made.index = number;
+        if (!made.name.isEmpty())
+            leftOut.add(Texts::tr("index is no whole number; the event gets one"), row.line);
         if (columns.has("fed_by"))
-            made.fedBy = wholeNumber(row, "fed_by");
+            made.fedBy = wholeNumber(row, "fed_by", made.fedByName);
         else if (!rows.empty()) // a list without connections is a chain
-            made.fedBy = rows.back().index;
+            made.fedByRow = rows.size() - 1;
         rows.push_back(std::move(made));
     }
 
@@ -138,16 +154,24 @@ private:
         return tabs[*found];
     }
 
-    std::optional<int> wholeNumber(const CsvTable::Row &row, const char *column)
+    bool isMarked(const CsvTable::Row &row, const char *column)
+    {
+        const std::optional<bool> truth = truthOf(columns.field(row, column));
+        if (!truth)
+            leftOut.add(Texts::tr("%1 is neither 1 nor 0 and is left out").arg(QLatin1String(column)),
+                        row.line);
+        return truth.value_or(false);
+    }
+
+    /// A field that holds no number is a name.
+    std::optional<int> wholeNumber(const CsvTable::Row &row, const char *column, QString &name) const
     {
         const QString field = columns.field(row, column).trimmed();
         bool isNumber = false;
         const int number = field.toInt(&isNumber);
         if (isNumber)
             return number;
-        if (!field.isEmpty())
-            leftOut.add(Texts::tr("%1 is no whole number and is left out").arg(QLatin1String(column)),
-                        row.line);
+        name = field;
         return std::nullopt;
     }
 

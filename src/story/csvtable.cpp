@@ -26,13 +26,16 @@ CsvTable::CsvTable(const QString &text)
     Row row{{}, line};
     QString field;
     bool isQuoted = false;
+    qsizetype quotedTo = 0; // of the field: what stands there is no end of a line
+    bool isEmptyLine = true;
     const auto endRow = [&] {
-        if (!row.fields.isEmpty() || !field.isEmpty()) {
+        if (!isEmptyLine) {
             row.fields << field;
             all.push_back(row);
         }
         row.fields.clear();
         field.clear();
+        isEmptyLine = true;
     };
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar sign = text[i];
@@ -43,19 +46,26 @@ CsvTable::CsvTable(const QString &text)
             ++i;
         } else if (isMark && (isQuoted || field.isEmpty())) {
             isQuoted = !isQuoted;
+            quotedTo = field.size();
             lineOfOpenQuote = isQuoted ? line : 0;
+            isEmptyLine = false; // even if nothing stands between the marks
         } else if (!isQuoted && sign == separator) {
             row.fields << field;
             field.clear();
+            quotedTo = 0;
+            isEmptyLine = false;
         } else if (!isQuoted && endsLine) {
-            if (field.endsWith(QLatin1Char('\r')))
+            if (field.size() > quotedTo && field.endsWith(QLatin1Char('\r')))
                 field.chop(1);
+            isEmptyLine = isEmptyLine && field.isEmpty();
             endRow();
+            quotedTo = 0;
             row.line = line + 1;
         } else {
             field += sign;
         }
         line += endsLine ? 1 : 0;
     }
+    isEmptyLine = isEmptyLine && field.isEmpty();
     endRow();
 }

@@ -200,13 +200,13 @@ public:
     int run(const QCommandLineParser &parser, Console &console) const override
     {
         const QStringList files = parser.positionalArguments();
-        if (files.size() != 2) {
-            console.complain({}, Texts::tr("two files are to be compared, not %1").arg(files.size()));
-            return Trouble;
-        }
+        if (files.size() != 2)
+            return console.refuse({}, Texts::tr("two files are to be compared, not %1").arg(files.size()));
         Story before;
         Story after;
-        if (!read(files[0], before, console) || !read(files[1], after, console))
+        const double half = 0.5;
+        if (!read(files[0], before, console.progress().between(0, half), console) ||
+            !read(files[1], after, console.progress().between(half, 1), console))
             return Trouble;
         const std::size_t count = std::max(before.tabs.size(), after.tabs.size());
         bool differ = before.tabs.size() != after.tabs.size();
@@ -228,10 +228,10 @@ public:
     }
 
 private:
-    static bool read(const QString &file, Story &story, Console &console)
+    static bool read(const QString &file, Story &story, const PartTold &tell, Console &console)
     {
         StoryReader reader;
-        if (const QString trouble = reader.read(file); !trouble.isEmpty()) {
+        if (const QString trouble = reader.read(file, tell); !trouble.isEmpty()) {
             console.complain(file, trouble);
             return false;
         }

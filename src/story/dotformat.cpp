@@ -36,19 +36,20 @@ public:
 
     void write(const Story &story, const ExportOptions &options, QIODevice &out) const override
     {
+        Telling telling(story, options);
         out.write(QStringLiteral("digraph %1 {\nrankdir=LR\nnode [shape=box style=\"rounded,filled\" "
                                  "fillcolor=\"#D9D9D9\"]\n")
                       .arg(quoted(options.name))
                       .toUtf8());
         for (std::size_t i = 0; i < story.tabs.size(); ++i) {
             if (options.wants(int(i)))
-                writeTab(story.tabs[i], int(i), out);
+                writeTab(story.tabs[i], int(i), telling, out);
         }
         out.write("}\n");
     }
 
 private:
-    static void writeTab(const StoryTab &tab, int number, QIODevice &out)
+    static void writeTab(const StoryTab &tab, int number, Telling &telling, QIODevice &out)
     {
         const auto nameOf = [number](int place) {
             return QStringLiteral("t%1e%2").arg(number + 1).arg(place);
@@ -59,6 +60,7 @@ private:
                       .toUtf8());
         const std::vector<bool> isInStory = tab.membership();
         for (std::size_t i = 0; i < tab.events.size(); ++i) {
+            telling.next();
             const StoryEvent &event = tab.events[i];
             QString attributes = QStringLiteral("label=") + quoted(event.title);
             if (event.isImportant)

@@ -8,14 +8,20 @@
 #include <optional>
 #include <vector>
 
-/// An event as a table has it: it is named by a number, and says by a number which event leads to it.
+/// An event as a table has it: it is known by a number or a name, and says in the same way, or by a row,
+/// which event leads to it.
 struct EventRow
 {
     StoryEvent event; // its places in the tab do not count
     std::optional<int> index;
     std::optional<int> fedBy;
+    QString name; // instead of a number, empty if there is none
+    QString fedByName;
+    std::optional<std::size_t> fedByRow; // counted from 0, however the row is called
     qint64 line = 0;
 };
+
+class Wiring;
 
 /// Makes a tab of rows, and notes what of them cannot be.
 class EventRows
@@ -33,6 +39,7 @@ public:
 private:
     void number();
     void leaveOneEnd();
+    void join(Wiring &wiring) const;
 
     std::vector<EventRow> rows;
     QStringList &noted;

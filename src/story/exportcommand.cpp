@@ -1,6 +1,5 @@
 #include "story/console.h"
 #include "story/outputfile.h"
-#include "story/progress.h"
 #include "story/storycommand.h"
 #include "story/storyformat.h"
 #include "story/storyformats.h"
@@ -28,10 +27,8 @@ public:
     void addOptions(QCommandLineParser &parser) const override
     {
         const QString formats = StoryFormats::names().join(QLatin1Char(' '));
+        parser.addOptions(OutputFile::options(tr("OUT")));
         parser.addOptions({
-            {{QStringLiteral("o"), QStringLiteral("output")},
-             tr("Where to write; - is the standard output."),
-             tr("OUT")},
             {QStringLiteral("format"), tr("One of %1; else by the name of OUT.").arg(formats), tr("NAME")},
             {QStringLiteral("tab"), tr("Only this tab, counted from 1; may be given several times."),
              tr("N")},
@@ -41,7 +38,6 @@ public:
                 "that it leaves.")},
             {QStringLiteral("numbers"), tr("With a number before each title.")},
             {QStringLiteral("paper"), tr("For odt and pdf: A4 or letter."), tr("SIZE"), QStringLiteral("A4")},
-            {QStringLiteral("force"), tr("Replaces OUT if it is there.")},
         });
     }
 
@@ -49,29 +45,22 @@ public:
     {
         const QStringList files = parser.positionalArguments();
         if (files.size() != 1)
-            return refuse(console, {}, tr("one FILE is to be exported, not %1").arg(files.size()));
-        const OutputFile output(parser.value(QStringLiteral("output")),
-                                parser.isSet(QStringLiteral("force")));
+            return console.refuse({}, tr("one FILE is to be exported, not %1").arg(files.size()));
+        const OutputFile output(parser);
         if (output.path().isEmpty())
-            return refuse(console, {}, tr("where to? -o OUT is missing"));
+            return console.refuse({}, tr("where to? -o OUT is missing"));
         const StoryFormat *format = formatOf(parser, output.path());
         if (!format)
-            return refuse(console, {}, formatTrouble(parser, output.path()));
+            return console.refuse({}, formatTrouble(parser, output.path()));
         ExportOptions options;
         if (const QString trouble = readOptions(parser, *format, options); !trouble.isEmpty())
-            return refuse(console, {}, trouble);
-        if (const QString trouble = output.refusal(); !trouble.isEmpty())
-            return refuse(console, output.path(), trouble);
+            return console.refuse({}, trouble);
+        if (const QString trouble = output.refusal(files.first()); !trouble.isEmpty())
+            return console.refuse(output.path(), trouble);
         return write(files.first(), *format, options, output, console);
     }
 
 private:
-    static int refuse(Console &console, const QString &file, const QString &trouble)
-    {
-        console.complain(file, trouble);
-        return Trouble;
-    }
-
     static const StoryFormat *formatOf(const QCommandLineParser &parser, const QString &path)
     {
         const QString name = parser.value(QStringLiteral("format"));
@@ -106,6 +95,8 @@ private:
                 return tr("--%1 is not for %2, which holds every event")
                     .arg(QLatin1String(name), format.name());
         }
+        if (parser.isSet(QStringLiteral("paper")) && !format.hasPages())
+            return tr("--paper is not for %1, which has no pages").arg(format.name());
         const QString paper = parser.value(QStringLiteral("paper")).toLower();
         if (paper != QLatin1String("a4") && paper != QLatin1String("letter"))
             return tr("--paper is A4 or letter, not %1").arg(parser.value(QStringLiteral("paper")));
@@ -116,31 +107,31 @@ private:
     static int write(const QString &file, const StoryFormat &format, ExportOptions &options,
                      const OutputFile &output, Console &console)
     {
+        constexpr double half = 0.5;
         Story story;
         {
             StoryReader reader;
-            if (const QString trouble = reader.read(file); !trouble.isEmpty())
-                return refuse(console, file, trouble);
+            if (const QString trouble = reader.read(file, console.progress().between(0, half));
+                !trouble.isEmpty())
+                return console.refuse(file, trouble);
             const QStringList damages = reader.damage().lines();
             for (const QString &damage : damages)
                 console.complain(file, damage);
             story = reader.story();
         } // the graphs take more room than the texts
         if (!options.tabs.empty() && *options.tabs.rbegin() >= int(story.tabs.size()))
-            return refuse(console, file, tr("has no tab %1").arg(*options.tabs.rbegin() + 1));
+            return console.refuse(file, tr("has no tab %1").arg(*options.tabs.rbegin() + 1));
         options.name = QFileInfo(file).completeBaseName();
 
         QByteArray content;
         QBuffer buffer(&content);
         buffer.open(QIODevice::WriteOnly);
-        {
-            Progress progress(console);
-            options.tell = [&progress](double part) { progress.reached(part); };
-            format.write(story, options, buffer);
-        }
+        options.tell = console.progress().between(half, 1);
+        options.tell(0);
+        format.write(story, options, buffer);
         buffer.close();
         if (const QString trouble = output.store(content, console); !trouble.isEmpty())
-            return refuse(console, output.path(), trouble);
+            return console.refuse(output.path(), trouble);
         return Done;
     }
 };

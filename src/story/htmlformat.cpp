@@ -111,20 +111,22 @@ public:
 
     void write(const Story &story, const ExportOptions &options, QIODevice &out) const override
     {
+        Telling telling(story, options);
         Page page(out);
         page.begin(options.name);
         for (std::size_t i = 0; i < story.tabs.size(); ++i) {
             if (options.wants(int(i)))
-                writeTab(story.tabs[i], options, page);
+                writeTab(story.tabs[i], options, telling, page);
         }
         page.end();
     }
 
 private:
-    static void writeTab(const StoryTab &tab, const ExportOptions &options, Page &page)
+    static void writeTab(const StoryTab &tab, const ExportOptions &options, Telling &telling, Page &page)
     {
         page.heading(1, tab.name, {});
         for (const OutlineEntry &entry : outlineOf(tab, options)) {
+            telling.next();
             QStringList inside;
             if (entry.depth > 0)
                 inside << QStringLiteral("in%1").arg(std::min(entry.depth, mostIndented));

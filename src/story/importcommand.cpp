@@ -13,6 +13,9 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+#include <cstdio>
+
 namespace {
 
 QStringList namesOfReadable()
@@ -24,6 +27,8 @@ QStringList namesOfReadable()
     }
     return names;
 }
+
+constexpr double beforeImport = 0.2; // of the work: reading the story that is added to, and the text
 
 /// Makes stories of texts in other formats.
 class ImportCommand : public StoryCommand
@@ -40,18 +45,16 @@ public:
     }
     void addOptions(QCommandLineParser &parser) const override
     {
+        parser.addOptions(OutputFile::options(tr("FILE")));
         parser.addOptions({
-            {{QStringLiteral("o"), QStringLiteral("output")},
-             tr("The story to write; - is the standard output."),
-             tr("FILE")},
             {QStringLiteral("format"),
-             tr("One of %1; else by the name of IN.").arg(namesOfReadable().join(QLatin1Char(' '))),
+             tr("One of %1; else by the name of IN, which may be -, the standard input.")
+                 .arg(namesOfReadable().join(QLatin1Char(' '))),
              tr("NAME")},
             {QStringLiteral("into"),
              tr("Adds the tabs behind those of the story FILE, which is written anew, or with -o stays as it "
-                "is."),
+                "is; to a damaged one only with --force."),
              tr("FILE")},
-            {QStringLiteral("force"), tr("Replaces what -o names if it is there; adds to a damaged story.")},
         });
     }
 
@@ -59,36 +62,30 @@ public:
     {
         const QStringList files = parser.positionalArguments();
         if (files.size() != 1)
-            return refuse(console, {}, tr("one IN is to be imported, not %1").arg(files.size()));
+            return console.refuse({}, tr("one IN is to be imported, not %1").arg(files.size()));
         const QString into = parser.value(QStringLiteral("into"));
         const QString to = parser.value(QStringLiteral("output"));
         const bool isForced = parser.isSet(QStringLiteral("force"));
         const OutputFile output(to.isEmpty() ? into : to, isForced || to.isEmpty());
         if (output.path().isEmpty())
-            return refuse(console, {}, tr("where to? -o FILE or --into FILE is missing"));
+            return console.refuse({}, tr("where to? -o FILE or --into FILE is missing"));
         const QString formatName = parser.value(QStringLiteral("format"));
         const StoryFormat *format =
             formatName.isEmpty() ? StoryFormats::forFile(files.first()) : StoryFormats::named(formatName);
         if (!format || !format->canRead())
-            return refuse(console, {}, formatTrouble(formatName, files.first()));
-        if (const QString trouble = output.refusal(); !trouble.isEmpty())
-            return refuse(console, output.path(), trouble);
+            return console.refuse({}, formatTrouble(formatName, files.first()));
+        if (const QString trouble = output.refusal(files.first()); !trouble.isEmpty())
+            return console.refuse(output.path(), trouble);
 
         StoryReader before;
         if (!into.isEmpty()) {
-            if (const QString trouble = troubleWith(before, into, isForced); !trouble.isEmpty())
-                return refuse(console, into, trouble);
+            if (const QString trouble = troubleWith(before, into, isForced, console); !trouble.isEmpty())
+                return console.refuse(into, trouble);
         }
         return import(files.first(), *format, before, output, console);
     }
 
 private:
-    static int refuse(Console &console, const QString &file, const QString &trouble)
-    {
-        console.complain(file, trouble);
-        return Trouble;
-    }
-
     static QString formatTrouble(const QString &name, const QString &path)
     {
         const QString readable = namesOfReadable().join(QLatin1Char(' '));
@@ -97,9 +94,10 @@ private:
     }
 
     /// What is damaged would be gone from the file when it is written anew.
-    static QString troubleWith(StoryReader &before, const QString &into, bool isForced)
+    static QString troubleWith(StoryReader &before, const QString &into, bool isForced, Console &console)
     {
-        if (QString trouble = before.read(into); !trouble.isEmpty())
+        if (QString trouble = before.read(into, console.progress().between(0, beforeImport));
+            !trouble.isEmpty())
             return trouble;
         return before.damage().isNone() || isForced
                    ? QString()
@@ -111,24 +109,33 @@ private:
     {
         QFile file(path);
         if (QFileInfo(path).isDir())
-            return refuse(console, path, tr("is a folder"));
-        if (!file.open(QIODevice::ReadOnly))
-            return refuse(console, path, file.errorString());
+            return console.refuse(path, tr("is a folder"));
+        const bool isOpen = path == QLatin1String("-") ? file.open(stdin, QIODevice::ReadOnly)
+                                                       : file.open(QIODevice::ReadOnly);
+        if (!isOpen)
+            return console.refuse(path, file.errorString());
         const QByteArray text = file.readAll();
         if (file.error() != QFileDevice::NoError)
-            return refuse(console, path, file.errorString());
+            return console.refuse(path, file.errorString());
         Story story;
         ImportResult result = format.read(text, story);
         if (!result.trouble.isEmpty())
-            return refuse(console, path, result.trouble);
+            return console.refuse(path, result.trouble);
         if (story.tabs.empty() && result.places != ImportResult::Places::exact)
-            return refuse(console, path, tr("has no events"));
+            return console.refuse(path, tr("has no events"));
 
+        std::size_t count = 0;
+        for (const StoryTab &tab : story.tabs)
+            count += tab.events.size();
+        double reached = beforeImport;
         std::vector<StoryGraph> graphs;
         for (const StoryTab &tab : story.tabs) {
-            graphs.emplace_back(tab);
+            const double share = double(tab.events.size()) / double(std::max<std::size_t>(1, count));
+            graphs.emplace_back(tab,
+                                console.progress().between(reached, reached + share * (1 - beforeImport)));
+            reached += share * (1 - beforeImport);
             if (!layOut(graphs.back(), tab, result))
-                return refuse(console, path, tr("has more than the canvas of one tab has room for"));
+                return console.refuse(path, tr("has more than the canvas of one tab has room for"));
             graphs.back().connect(tab);
         }
         for (const QString &note : std::as_const(result.notes))
@@ -137,7 +144,7 @@ private:
         for (const StoryGraph &graph : graphs)
             scenes.push_back(&graph.scene());
         if (const QString trouble = output.store(DocumentFormat::bytes(scenes), console); !trouble.isEmpty())
-            return refuse(console, output.path(), trouble);
+            return console.refuse(output.path(), trouble);
         return Done;
     }
 

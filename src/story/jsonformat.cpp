@@ -37,11 +37,13 @@ QJsonObject eventObject(const StoryTab &tab, const StoryEvent &event)
     };
 }
 
-QJsonObject tabObject(const StoryTab &tab)
+QJsonObject tabObject(const StoryTab &tab, Telling &telling)
 {
     QJsonArray events;
-    for (const StoryEvent &event : tab.events)
+    for (const StoryEvent &event : tab.events) {
+        telling.next();
         events.append(eventObject(tab, event));
+    }
     QJsonArray chain;
     for (const int place : tab.chain)
         chain.append(tab.events[place].index);
@@ -61,10 +63,11 @@ public:
 
     void write(const Story &story, const ExportOptions &options, QIODevice &out) const override
     {
+        Telling telling(story, options);
         QJsonArray tabs;
         for (std::size_t i = 0; i < story.tabs.size(); ++i) {
             if (options.wants(int(i)))
-                tabs.append(tabObject(story.tabs[i]));
+                tabs.append(tabObject(story.tabs[i], telling));
         }
         const QJsonObject document{
             {QStringLiteral("format"), QStringLiteral("fablegrid-story")},

@@ -19,6 +19,15 @@ struct Texts
     Q_DECLARE_TR_FUNCTIONS(JsonReading)
 };
 
+/// The parser takes this sign away from the beginning of each text, unless it is spelled out.
+QByteArray withoutBareMarks(QByteArray json)
+{
+    constexpr auto mark = "\xEF\xBB\xBF";
+    if (json.startsWith(mark))
+        json.remove(0, 3);
+    return json.replace(mark, "\\uFEFF");
+}
+
 /// A number is written as a text where JSON has no other way to keep it.
 std::optional<double> coordinateOf(const QJsonValue &value)
 {
@@ -48,6 +57,10 @@ public:
     QStringList readTabs(const QJsonArray &tabs)
     {
         for (const auto &tab : tabs) {
+            if (!tab.isObject()) {
+                notes << Texts::tr("what is no object among the tabs is left out");
+                continue;
+            }
             read.tabs.emplace_back();
             readTab(tab.toObject(), read.tabs.back());
         }
@@ -59,7 +72,10 @@ private:
     {
         tab.name = object[QStringLiteral("name")].toString();
         EventRows rows(notes);
-        const QJsonArray events = object[QStringLiteral("events")].toArray();
+        const QJsonValue list = object[QStringLiteral("events")];
+        if (!list.isArray())
+            notes << Texts::tr("a tab without a list of its events is left empty");
+        const QJsonArray events = list.toArray();
         for (const auto &event : events) {
             if (event.isObject())
                 rows.add(rowOf(event.toObject()));
@@ -83,14 +99,23 @@ private:
         else
             notes << noteOfLine(row.line,
                                 Texts::tr("x and y are not both numbers; the event stands at 0, 0"));
-        row.event.isEnd = object[QStringLiteral("endOfStory")].toBool();
-        row.event.isImportant = object[QStringLiteral("important")].toBool();
+        row.event.isEnd = isMarked(object, QStringLiteral("endOfStory"), row.line);
+        row.event.isImportant = isMarked(object, QStringLiteral("important"), row.line);
         row.index = wholeNumberOf(object[QStringLiteral("index")]);
         const QJsonValue feeder = object[QStringLiteral("fedBy")];
         row.fedBy = wholeNumberOf(feeder);
         if (!row.fedBy && !feeder.isNull() && !feeder.isUndefined())
             notes << noteOfLine(row.line, Texts::tr("fedBy is no whole number and is left out"));
         return row;
+    }
+
+    /// What does not stand there at all is no fault of a text written by hand.
+    bool isMarked(const QJsonObject &object, const QString &name, qint64 line)
+    {
+        const QJsonValue value = object[name];
+        if (!value.isBool() && !value.isUndefined())
+            notes << noteOfLine(line, Texts::tr("%1 is neither true nor false and is left out").arg(name));
+        return value.toBool();
     }
 
     /// A text of the editor's may be null, which is not the same in its files as an empty one.
@@ -113,14 +138,15 @@ private:
 
 ImportResult readJson(const QByteArray &text, Story &story)
 {
+    const QByteArray json = withoutBareMarks(text);
     ImportResult result;
     QJsonParseError error{};
-    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
+    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
     const QJsonObject object = document.object();
     const QJsonValue tabs = object[QStringLiteral("tabs")];
     const int version = object[QStringLiteral("version")].toInt();
     if (error.error != QJsonParseError::NoError)
-        result.trouble = noteOfLine(text.left(error.offset).count('\n') + 1, error.errorString());
+        result.trouble = noteOfLine(json.left(error.offset).count('\n') + 1, error.errorString());
     else if (object[QStringLiteral("format")].toString() != QLatin1String("fablegrid-story") ||
              !tabs.isArray())
         result.trouble =
@@ -128,7 +154,7 @@ ImportResult readJson(const QByteArray &text, Story &story)
     else if (version != 1)
         result.trouble = Texts::tr("has the version %1; only 1 can be read").arg(version);
     else
-        result.notes = Reading(text, story).readTabs(tabs.toArray());
+        result.notes = Reading(json, story).readTabs(tabs.toArray());
     result.places = ImportResult::Places::exact;
     return result;
 }

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QLoggingCategory>
 
 #include <csignal>
 #include <cstdio>
@@ -39,6 +40,10 @@ int main(int argc, char *argv[])
     std::signal(SIGPIPE, SIG_DFL);
 #endif
     qInstallMessageHandler(&keepLibrariesQuiet);
+    // What is damaged is told in the log of the reading, which nobody's rules are to thin out.
+    qunsetenv("QT_LOGGING_CONF");
+    qunsetenv("QT_LOGGING_RULES");
+    QLoggingCategory::setFilterRules(QStringLiteral("default=true"));
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_QPA_PLATFORMTHEME", "");
     QApplication::setStyle(QStringLiteral("Fusion"));

@@ -1,5 +1,7 @@
 #include "story/markdownblocks.h"
 
+#include <QStringDecoder>
+
 #include <cmark.h>
 
 #include <algorithm>
@@ -18,7 +20,12 @@ struct IteratorFree
 };
 using Iterator = std::unique_ptr<cmark_iter, IteratorFree>;
 
-QString fromC(const char *text) { return QString::fromUtf8(text); }
+/// A text may begin with the sign that would say at the beginning of a file how it is encoded.
+QString fromC(const char *text)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    return decoder(text);
+}
 
 bool isBreak(const QString &html)
 {

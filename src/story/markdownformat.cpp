@@ -118,10 +118,11 @@ public:
 
     void write(const Story &story, const ExportOptions &options, QIODevice &out) const override
     {
+        Telling telling(story, options);
         out.write("<!-- fablegrid-story: the headings of the first level are tabs -->\n");
         for (std::size_t i = 0; i < story.tabs.size(); ++i) {
             if (options.wants(int(i)))
-                writeTab(story.tabs[i], options, out);
+                writeTab(story.tabs[i], options, telling, out);
         }
     }
 
@@ -132,11 +133,12 @@ public:
     }
 
 private:
-    static void writeTab(const StoryTab &tab, const ExportOptions &options, QIODevice &out)
+    static void writeTab(const StoryTab &tab, const ExportOptions &options, Telling &telling, QIODevice &out)
     {
         out.write(QStringLiteral("\n%1\n").arg(heading(1, tab.name)).toUtf8());
         int depthBefore = 0;
         for (const OutlineEntry &entry : outlineOf(tab, options)) {
+            telling.next();
             // The first branch of an event needs no word: its heading is the first one that is deeper.
             const bool isFurtherBranch = entry.step == OutlineStep::branches && depthBefore >= entry.depth;
             const QString text = remark(entry, isFurtherBranch) + QLatin1String("\n\n") +

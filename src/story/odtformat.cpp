@@ -265,6 +265,7 @@ class OdtFormat : public StoryFormat
 {
 public:
     QString name() const override { return QStringLiteral("odt"); }
+    bool hasPages() const override { return true; }
 
     void write(const Story &story, const ExportOptions &options, QIODevice &out) const override
     {

@@ -17,6 +17,7 @@ public:
 
     void write(const Story &story, const ExportOptions &options, QIODevice &out) const override
     {
+        Telling telling(story, options);
         QXmlStreamWriter xml(&out);
         xml.setAutoFormatting(true);
         xml.setAutoFormattingIndent(0); // or a deep branch would be nothing but spaces
@@ -29,7 +30,7 @@ public:
         xml.writeStartElement(QStringLiteral("body"));
         for (std::size_t i = 0; i < story.tabs.size(); ++i) {
             if (options.wants(int(i)))
-                writeTab(story.tabs[i], options, xml);
+                writeTab(story.tabs[i], options, telling, xml);
         }
         xml.writeEndDocument();
     }
@@ -38,13 +39,15 @@ public:
     ImportResult read(const QByteArray &text, Story &story) const override { return readOpml(text, story); }
 
 private:
-    static void writeTab(const StoryTab &tab, const ExportOptions &options, QXmlStreamWriter &xml)
+    static void writeTab(const StoryTab &tab, const ExportOptions &options, Telling &telling,
+                         QXmlStreamWriter &xml)
     {
         xml.writeStartElement(QStringLiteral("outline"));
         xml.writeAttribute(QStringLiteral("text"), asXmlText(tab.name));
         xml.writeAttribute(QStringLiteral("type"), QStringLiteral("story"));
         int open = 0; // outlines of events that are not closed yet
         for (const OutlineEntry &entry : outlineOf(tab, options)) {
+            telling.next();
             for (; open > entry.depth; --open)
                 xml.writeEndElement();
             // Below an event that was left out there may be one without the levels in between.

@@ -3,6 +3,7 @@
 #include "app/durablefile.h"
 #include "story/console.h"
 
+#include <QCommandLineParser>
 #include <QFile>
 #include <QFileInfo>
 
@@ -13,7 +14,21 @@ bool isDevice(const QFileInfo &file) { return file.exists() && !file.isFile() &&
 
 } // namespace
 
-QString OutputFile::refusal() const
+QList<QCommandLineOption> OutputFile::options(const QString &value)
+{
+    return {
+        {{QStringLiteral("o"), QStringLiteral("output")},
+         tr("Where to write; - is the standard output."),
+         value},
+        {QStringLiteral("force"), tr("Replaces %1 if it is there.").arg(value)},
+    };
+}
+
+OutputFile::OutputFile(const QCommandLineParser &parser)
+    : OutputFile(parser.value(QStringLiteral("output")), parser.isSet(QStringLiteral("force")))
+{}
+
+QString OutputFile::refusal(const QString &source) const
 {
     if (isStandardOutput())
         return {};
@@ -22,6 +37,9 @@ QString OutputFile::refusal() const
         return tr("is a folder");
     if (file.exists() && !isDevice(file) && !mayReplace)
         return tr("is there already; --force replaces it");
+    if (!source.isEmpty() && file.isFile() &&
+        file.canonicalFilePath() == QFileInfo(source).canonicalFilePath())
+        return tr("is what is read, and would be lost");
     return {};
 }
 
@@ -31,7 +49,7 @@ QString OutputFile::store(const QByteArray &content, Console &console) const
         return reason;
     if (isStandardOutput()) {
         console.write(content);
-        return console.trouble();
+        return {};
     }
     if (isDevice(QFileInfo(name))) {
         QFile device(name);

@@ -1,7 +1,6 @@
 #include "story/canvaspicture.h"
 #include "story/console.h"
 #include "story/outputfile.h"
-#include "story/progress.h"
 #include "story/storycommand.h"
 #include "story/storyreader.h"
 
@@ -29,10 +28,8 @@ public:
     }
     void addOptions(QCommandLineParser &parser) const override
     {
+        parser.addOptions(OutputFile::options(tr("OUT")));
         parser.addOptions({
-            {{QStringLiteral("o"), QStringLiteral("output")},
-             tr("Where to write; - is the standard output."),
-             tr("OUT")},
             {QStringLiteral("format"), tr("One of png svg pdf; else by the name of OUT."), tr("NAME")},
             {QStringLiteral("tab"), tr("This tab, counted from 1."), tr("N"), QStringLiteral("1")},
             {QStringLiteral("story"), tr("Only the events of the story.")},
@@ -43,7 +40,6 @@ public:
              tr("SIZE")},
             {QStringLiteral("pages"), tr("With --paper: so many sheets side by side and below one another."),
              tr("CxR"), QStringLiteral("1x1")},
-            {QStringLiteral("force"), tr("Replaces OUT if it is there.")},
         });
     }
 
@@ -51,30 +47,23 @@ public:
     {
         const QStringList files = parser.positionalArguments();
         if (files.size() != 1)
-            return refuse(console, {}, tr("one FILE is to be painted, not %1").arg(files.size()));
-        const OutputFile output(parser.value(QStringLiteral("output")),
-                                parser.isSet(QStringLiteral("force")));
+            return console.refuse({}, tr("one FILE is to be painted, not %1").arg(files.size()));
+        const OutputFile output(parser);
         if (output.path().isEmpty())
-            return refuse(console, {}, tr("where to? -o OUT is missing"));
+            return console.refuse({}, tr("where to? -o OUT is missing"));
         CanvasPicture::Options options;
         options.title = QFileInfo(files.first()).completeBaseName();
         options.onlyStory = parser.isSet(QStringLiteral("story"));
         for (const auto &read : {&readKind, &readScale, &readSheets}) {
             if (const QString trouble = read(parser, options); !trouble.isEmpty())
-                return refuse(console, {}, trouble);
+                return console.refuse({}, trouble);
         }
-        if (const QString trouble = output.refusal(); !trouble.isEmpty())
-            return refuse(console, output.path(), trouble);
+        if (const QString trouble = output.refusal(files.first()); !trouble.isEmpty())
+            return console.refuse(output.path(), trouble);
         return paint(files.first(), parser.value(QStringLiteral("tab")), options, output, console);
     }
 
 private:
-    static int refuse(Console &console, const QString &file, const QString &trouble)
-    {
-        console.complain(file, trouble);
-        return Trouble;
-    }
-
     // Each returns what is wrong with the options that it reads, empty if nothing is.
 
     static QString readKind(const QCommandLineParser &parser, CanvasPicture::Options &options)
@@ -135,9 +124,11 @@ private:
     static int paint(const QString &file, const QString &tab, const CanvasPicture::Options &options,
                      const OutputFile &output, Console &console)
     {
-        StoryReader reader;
-        if (const QString trouble = reader.read(file); !trouble.isEmpty())
-            return refuse(console, file, trouble);
+        constexpr double half = 0.5;
+        StoryReader reader(StoryReader::Boxes::measured);
+        if (const QString trouble = reader.read(file, console.progress().between(0, half));
+            !trouble.isEmpty())
+            return console.refuse(file, trouble);
         const QStringList damages = reader.damage().lines();
         for (const QString &damage : damages)
             console.complain(file, damage);
@@ -145,20 +136,16 @@ private:
         bool isNumber = false;
         const int number = tab.toInt(&isNumber);
         if (!isNumber || number < 1 || std::size_t(number) > scenes.size())
-            return refuse(console, file, tr("has no tab %1").arg(tab));
+            return console.refuse(file, tr("has no tab %1").arg(tab));
 
         CanvasPicture picture(*scenes[std::size_t(number) - 1], options);
         if (const QString trouble = picture.refusal(); !trouble.isEmpty())
-            return refuse(console, file, trouble);
-        QByteArray content;
-        {
-            Progress progress(console);
-            content = picture.paint([&progress](double part) { progress.reached(part); });
-        }
+            return console.refuse(file, trouble);
+        const QByteArray content = picture.paint(console.progress().between(half, 1));
         if (content.isEmpty())
-            return refuse(console, file, tr("the memory does not suffice for a picture of this scale"));
+            return console.refuse(file, tr("the memory does not suffice for a picture of this scale"));
         if (const QString trouble = output.store(content, console); !trouble.isEmpty())
-            return refuse(console, output.path(), trouble);
+            return console.refuse(output.path(), trouble);
         return Done;
     }
 };

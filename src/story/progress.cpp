@@ -1,33 +1,77 @@
 #include "story/progress.h"
 
-#include "story/console.h"
-
 #include <QIODevice>
 
 #include <algorithm>
+#include <chrono>
+#include <system_error>
 
 namespace {
 
-constexpr qint64 patience = 1000; // milliseconds
 constexpr int width = 40;
 
 } // namespace
 
-Progress::Progress(Console &console) : shown(console) { since.start(); }
-
-Progress::~Progress()
+Progress::Progress(QIODevice &errors, bool errorsAreSeen, qint64 milliseconds)
+    : device(errors), isSeen(errorsAreSeen), patience(milliseconds)
 {
-    if (lastPercent != -1)
-        shown.errors().write('\r' + QByteArray(width + 7, ' ') + '\r');
+    since.start();
+    if (!isSeen)
+        return;
+    try {
+        waiting = std::thread([this] { showUnasked(); });
+    } catch (const std::system_error &) {
+        // There can be no more threads: the bar comes when something is heard.
+    }
 }
+
+Progress::~Progress() { hide(); }
 
 void Progress::reached(double part)
 {
-    const int percent = std::clamp(int(part * 100), 0, 100);
-    if (!shown.errorsAreSeen() || since.elapsed() < patience || percent == lastPercent)
+    if (!isSeen)
         return;
-    lastPercent = percent;
+    const int percent = std::clamp(int(part * 100), 0, 100);
+    const std::scoped_lock lock(mutex);
+    heardPercent = percent;
+    if (percent != shownPercent && since.elapsed() >= patience)
+        show(percent);
+}
+
+PartTold Progress::between(double from, double to)
+{
+    return [this, from, to](double part) { reached(from + part * (to - from)); };
+}
+
+void Progress::hide()
+{
+    if (waiting.joinable()) {
+        {
+            const std::scoped_lock lock(mutex);
+            isOver = true;
+        }
+        woken.notify_one();
+        waiting.join();
+    }
+    if (shownPercent != -1)
+        device.write('\r' + QByteArray(width + 7, ' ') + '\r');
+    shownPercent = -1;
+}
+
+void Progress::show(int percent)
+{
+    shownPercent = percent;
     const int filled = percent * width / 100;
-    shown.errors().write("\r[" + QByteArray(filled, '#') + QByteArray(width - filled, ' ') + "] " +
-                         QByteArray::number(percent).rightJustified(3) + '%');
+    device.write("\r[" + QByteArray(filled, '#') + QByteArray(width - filled, ' ') + "] " +
+                 QByteArray::number(percent).rightJustified(3) + '%');
+}
+
+/// Once only: when the patience is over, whatever is reached is shown at once.
+void Progress::showUnasked()
+{
+    std::unique_lock lock(mutex);
+    const bool hasEnded =
+        woken.wait_for(lock, std::chrono::milliseconds(patience), [this] { return isOver; });
+    if (!hasEnded && shownPercent == -1)
+        show(heardPercent);
 }

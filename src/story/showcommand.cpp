@@ -56,16 +56,17 @@ public:
     int run(const QCommandLineParser &parser, Console &console) const override
     {
         const QStringList files = parser.positionalArguments();
-        if (files.isEmpty()) {
-            console.complain({}, tr("which file is to be shown?"));
-            return Trouble;
-        }
+        if (files.isEmpty())
+            return console.refuse({}, tr("which file is to be shown?"));
         const bool isJson = parser.isSet(QStringLiteral("json"));
         int code = Done;
         QJsonArray shown;
-        for (const QString &file : files) {
+        const double part = 1.0 / double(files.size());
+        for (qsizetype i = 0; i < files.size(); ++i) {
+            const QString &file = files[i];
             StoryReader reader;
-            if (const QString trouble = reader.read(file); !trouble.isEmpty()) {
+            const PartTold tell = console.progress().between(double(i) * part, double(i + 1) * part);
+            if (const QString trouble = reader.read(file, tell); !trouble.isEmpty()) {
                 console.complain(file, trouble);
                 code = Trouble;
             } else if (isJson) {

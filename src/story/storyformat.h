@@ -1,11 +1,12 @@
 #pragma once
 
+#include "story/progress.h"
+
 #include <QByteArray>
 #include <QPageSize>
 #include <QString>
 #include <QStringList>
 
-#include <functional>
 #include <set>
 
 class QIODevice;
@@ -19,11 +20,25 @@ struct ExportOptions
     bool withBranches = false;  // what is outside of the story, too
     bool withNumbers = false;
     QPageSize::PageSizeId paper = QPageSize::A4;
-    QString name; // of the story, for formats that give a document a name
-    /// Told what part is done, from 0 to 1, by formats that take their time.
-    std::function<void(double part)> tell = [](double) {};
+    QString name;  // of the story, for formats that give a document a name
+    PartTold tell; // what part is written; may be null
 
     bool wants(int tab) const { return tabs.empty() || tabs.contains(tab); }
+};
+
+/// Says how far a format is that goes from event to event.
+class Telling
+{
+public:
+    /// `options` must outlive this object.
+    Telling(const Story &story, const ExportOptions &options);
+    /// One more event is written.
+    void next();
+
+private:
+    const PartTold &tell;
+    double count = 0; // of the events that may be written
+    double written = 0;
 };
 
 /// What came of a text that was read.
@@ -59,6 +74,8 @@ public:
 
     /// Whether it tells a tab as outlineOf() does. Else it holds every event of the tab.
     virtual bool tellsInOrder() const { return true; }
+    /// Whether it is cut into pages, so that the size of the paper matters.
+    virtual bool hasPages() const { return false; }
     /// Writes onto `out`, which is open and can be positioned; what goes wrong there `out` tells.
     virtual void write(const Story &story, const ExportOptions &options, QIODevice &out) const = 0;
 

@@ -1,6 +1,7 @@
 #include "story/storyformats.h"
 
 #include "story/formats.h"
+#include "story/story.h"
 #include "story/storyformat.h"
 
 #include <QFileInfo>
@@ -37,4 +38,16 @@ QStringList StoryFormats::names()
     for (const StoryFormat *format : StoryFormats::all())
         all << format->name();
     return all;
+}
+
+Telling::Telling(const Story &story, const ExportOptions &options) : tell(options.tell)
+{
+    for (std::size_t i = 0; i < story.tabs.size(); ++i)
+        count += options.wants(int(i)) ? double(story.tabs[i].events.size()) : 0;
+}
+
+void Telling::next()
+{
+    if (tell)
+        tell(++written / count);
 }

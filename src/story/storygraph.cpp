@@ -1,18 +1,17 @@
 #include "story/storygraph.h"
 
-#include "items/eventdata.h"
 #include "items/node.h"
-#include "items/nodedata.h"
 #include "scene/nodegraphscene.h"
 
-StoryGraph::StoryGraph(const StoryTab &tab) : graph(std::make_unique<NodegraphScene>())
+StoryGraph::StoryGraph(const StoryTab &tab, const PartTold &tell) : graph(std::make_unique<NodegraphScene>())
 {
     for (const StoryEvent &event : tab.events) {
-        Node *node =
-            graph->restoreNode(event.position, event.index, 0, nullptr, event.title, TextMaking::whenNeeded);
+        Node *node = graph->restoreNode(event.position, event.index, 0, &event.description, event.title,
+                                        TextMaking::whenNeeded);
         node->setNodeName(event.title); // an empty one, too, instead of what a new event is called
-        node->payload()->eventContent()->setDescription(event.description);
         node->setImportant(event.isImportant);
+        if (tell)
+            tell(double(graph->nodes().size()) / double(tab.events.size()));
     }
 }
 

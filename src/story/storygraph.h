@@ -1,5 +1,6 @@
 #pragma once
 
+#include "story/progress.h"
 #include "story/story.h"
 
 #include <QRectF>
@@ -16,7 +17,7 @@ class StoryGraph
 {
 public:
     /// Makes the events where `tab` has them, unconnected. A number that another event has is replaced.
-    explicit StoryGraph(const StoryTab &tab);
+    explicit StoryGraph(const StoryTab &tab, const PartTold &tell = {});
     ~StoryGraph();
     StoryGraph(StoryGraph &&) noexcept;
     StoryGraph &operator=(StoryGraph &&) noexcept;

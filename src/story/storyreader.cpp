@@ -2,15 +2,16 @@
 
 #include "app/documentformat.h"
 #include "app/wholefile.h"
-#include "items/eventdata.h"
 #include "items/node.h"
-#include "items/nodedata.h"
+#include "items/textmeasure.h"
 #include "scene/nodegraphscene.h"
 
 #include <QDataStream>
 #include <QHash>
 #include <QIODevice>
 #include <QUndoCommand>
+
+#include <optional>
 
 namespace {
 
@@ -74,8 +75,7 @@ StoryTab tabOf(const NodegraphScene &graph)
         StoryEvent event;
         event.index = node->getIndex();
         event.title = node->title();
-        if (const EventData *content = node->payload()->eventContent())
-            event.description = content->getDescription();
+        event.description = node->description();
         event.position = node->pos();
         event.isEnd = node->isEndOfStory();
         event.isImportant = node->isImportant();
@@ -108,11 +108,11 @@ QStringList StoryDamage::lines() const
     return all;
 }
 
-StoryReader::StoryReader() = default;
+StoryReader::StoryReader(Boxes ofGraphs) : boxes(ofGraphs) {}
 
 StoryReader::~StoryReader() = default;
 
-QString StoryReader::read(const QString &path)
+QString StoryReader::read(const QString &path, const PartTold &tell)
 {
     graphs.clear();
     found = {};
@@ -121,6 +121,9 @@ QString StoryReader::read(const QString &path)
         return file.trouble();
 
     const ReadingLog log(found);
+    std::optional<TextMeasure::Pause> pause;
+    if (boxes == Boxes::unmeasured)
+        pause.emplace();
     const auto make = [this](int count) {
         for (int i = 0; i < count; ++i)
             graphs.push_back(graphAlone());
@@ -128,13 +131,13 @@ QString StoryReader::read(const QString &path)
     };
     QDataStream::Status status = QDataStream::Ok;
     qint64 readTo = sizeof(qint32);
-    const auto fill = [&](NodegraphScene &graph, QDataStream &stream) {
-        const Damage damage = graph.load(stream);
+    const auto fill = [&](NodegraphScene &graph, QDataStream &stream, DamageLog &lines) {
+        const Damage damage = graph.load(stream, lines);
         status = stream.status();
         readTo = stream.device()->pos();
         return damage;
     };
-    DocumentFormat::read(path, file.content(), make, fill);
+    DocumentFormat::read(path, file.content(), make, fill, tell);
     const qint64 size = file.content().size();
     found.endedEarly = status == QDataStream::ReadPastEnd || size < qint64(sizeof(qint32));
     found.hasBrokenText = status == QDataStream::ReadCorruptData;

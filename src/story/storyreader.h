@@ -1,5 +1,6 @@
 #pragma once
 
+#include "story/progress.h"
 #include "story/story.h"
 
 #include <QCoreApplication>
@@ -34,14 +35,17 @@ class StoryReader
     Q_DECLARE_TR_FUNCTIONS(StoryReader)
 
 public:
-    StoryReader();
+    /// Whether the boxes of the graphs are as large as the window shows them.
+    enum class Boxes { measured, unmeasured };
+
+    explicit StoryReader(Boxes boxes = Boxes::unmeasured);
     ~StoryReader();
     StoryReader(const StoryReader &) = delete;
     StoryReader &operator=(const StoryReader &) = delete;
 
     /// Returns why the file cannot be read, empty if it can; a damaged file gives what the editor shows of
     /// it.
-    QString read(const QString &path);
+    QString read(const QString &path, const PartTold &tell = {});
 
     /// What is in the file, as data.
     Story story() const;
@@ -52,6 +56,7 @@ public:
     QByteArray bytes() const;
 
 private:
+    Boxes boxes;
     std::vector<std::unique_ptr<NodegraphScene>> graphs;
     StoryDamage found;
 };

@@ -41,6 +41,7 @@ public:
 
     void write(const Story &story, const ExportOptions &options, QIODevice &out) const override
     {
+        Telling telling(story, options);
         bool isFirst = true;
         for (std::size_t i = 0; i < story.tabs.size(); ++i) {
             if (!options.wants(int(i)))
@@ -50,8 +51,10 @@ public:
             out.write(QStringLiteral("%1%2\n%3\n")
                           .arg(isFirst ? QString() : QStringLiteral("\n\n"), tab.name, line)
                           .toUtf8());
-            for (const OutlineEntry &entry : outlineOf(tab, options))
+            for (const OutlineEntry &entry : outlineOf(tab, options)) {
+                telling.next();
                 out.write(entryText(entry).toUtf8());
+            }
             isFirst = false;
         }
     }

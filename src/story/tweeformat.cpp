@@ -101,6 +101,7 @@ public:
 
     void write(const Story &story, const ExportOptions &options, QIODevice &out) const override
     {
+        Telling telling(story, options);
         PassageNames names;
         QByteArray passages;
         QString start;
@@ -111,8 +112,10 @@ public:
             QStringList nameOf;
             for (const StoryEvent &event : tab.events)
                 nameOf << names.nameFor(event.title);
-            for (std::size_t k = 0; k < tab.events.size(); ++k)
+            for (std::size_t k = 0; k < tab.events.size(); ++k) {
+                telling.next();
                 passages += passage(tab, int(k), story.tabs.size() > 1 ? int(i) + 1 : 0, nameOf);
+            }
             if (start.isEmpty())
                 start = nameOf[tab.chain.empty() ? 0 : tab.chain.front()];
         }

@@ -69,8 +69,9 @@ std::optional<int> faultOf(Call call, File file)
     if (!isArmed)
         return {};
     const int before = errno;
-    const std::lock_guard lock(guard);
+    std::unique_lock lock(guard);
     std::optional<int> found;
+    std::function<void()> meanwhile;
     if (concerns(file)) {
         const int number = ++armed.calls[std::size_t(call)];
         for (ArmedFault &each : armed.faults) {
@@ -78,8 +79,15 @@ std::optional<int> faultOf(Call call, File file)
             if (fault.call == call && (fault.lasting ? number >= fault.first : number == fault.first)) {
                 ++each.hits;
                 found = fault.error;
+                meanwhile = fault.meanwhile;
             }
         }
+    }
+    lock.unlock();
+    if (meanwhile) {
+        isArmed = false;
+        meanwhile();
+        isArmed = true;
     }
     errno = before;
     return found;
@@ -233,7 +241,9 @@ int faultyRename(const char *from, const char *to)
 int faultyRenameat2(int fromFolder, const char *from, int toFolder, const char *to, unsigned flags)
 {
     static const auto real = next(&faultyRenameat2, "renameat2");
-    const int error = faultOf(Call::rename, to).value_or(0);
+    int error = (flags & RENAME_EXCHANGE) != 0 ? faultOf(Call::exchange, to).value_or(0) : 0;
+    if (!error)
+        error = faultOf(Call::rename, to).value_or(0);
     return error ? failed(error) : real(fromFolder, from, toFolder, to, flags);
 }
 

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <vector>
 
 /// Lets calls into the operating system fail for the files below one folder and its own handle, during its
@@ -19,7 +20,8 @@ public:
         read,
         write,
         sync,
-        rename, // or giving a name to an unnamed file
+        rename,   // or giving a name to an unnamed file
+        exchange, // of two names, which is a rename as well
         close,
         giveAway,     // to another owner or group
         setAttribute, // access lists as well
@@ -33,6 +35,7 @@ public:
         int first = 1;        // the first call of its kind that fails, counted from 1
         int error = 0;        // what it fails with; 0: a read or write takes half, all else works
         bool lasting = false; // the calls after that one fail as well
+        std::function<void()> meanwhile{}; // instead: what happens just before the call, which works
     };
 
     FaultyFiles(const QString &folder, std::vector<Fault> faults);

@@ -31,8 +31,11 @@ private slots:
     void instancesOfTheSameSecondKeepACopyEach();
     void ownCopyOfTheSameSecondIsReplaced();
     void clockThatWasSetBackOverwritesNothing();
+    void nextFreeSecondIsTaken();
     void nameThatIsALinkIsLeftAlone();
     void ownCopyThatBecameALinkIsLeftAlone();
+    void ownCopyThatIsSomebodyElsesNowIsLeftAlone_data();
+    void ownCopyThatIsSomebodyElsesNowIsLeftAlone();
     void copyHasThePermissionsOfNewFiles();
 
 private:
@@ -91,6 +94,22 @@ void tst_AutosaveFolder::clockThatWasSetBackOverwritesNothing()
         QCOMPARE(readFile(path(i)), withTabs(i));
 }
 
+// Another program has the name of this second and that of the next one.
+void tst_AutosaveFolder::nextFreeSecondIsTaken()
+{
+    QVERIFY(QDir().mkpath(folder()));
+    for (const int second : {0, 1, 3})
+        QVERIFY(writeFile(path(second), "another program's"));
+    AutosaveFolder autosaves;
+    QCOMPARE(autosaves.keepAt(moment, stage->document).path, path(2));
+    QCOMPARE(autosaves.keepAt(moment.addSecs(1), stage->document).path, path(4));
+    for (const int second : {0, 1, 3})
+        QCOMPARE(readFile(path(second)), QByteArray("another program's"));
+    for (const int second : {2, 4})
+        QCOMPARE(readFile(path(second)), withTabs(0));
+    QCOMPARE(filesBelow(folder()).size(), 5);
+}
+
 void tst_AutosaveFolder::nameThatIsALinkIsLeftAlone()
 {
     const QString elsewhere = home->filePath(QStringLiteral("elsewhere"));
@@ -113,6 +132,26 @@ void tst_AutosaveFolder::ownCopyThatBecameALinkIsLeftAlone()
     QVERIFY(QFile::link(elsewhere, path(0)));
     QCOMPARE(autosaves.keepAt(moment, stage->document).path, path(1));
     QCOMPARE(readFile(elsewhere), QByteArray("mine"));
+}
+
+void tst_AutosaveFolder::ownCopyThatIsSomebodyElsesNowIsLeftAlone_data()
+{
+    QTest::addColumn<bool>("sameFile");
+    QTest::newRow("another file of that name") << false;
+    QTest::newRow("written to by another program") << true;
+}
+
+void tst_AutosaveFolder::ownCopyThatIsSomebodyElsesNowIsLeftAlone()
+{
+    QFETCH(const bool, sameFile);
+    AutosaveFolder autosaves;
+    autosaves.keepAt(moment, stage->document);
+    if (!sameFile)
+        QVERIFY(QFile::rename(path(0), path(0) + QStringLiteral(".old"))); // lest its inode be taken again
+    QVERIFY(writeFile(path(0), "mine"));
+    QCOMPARE(autosaves.keepAt(moment, stage->document).path, path(1));
+    QCOMPARE(readFile(path(0)), QByteArray("mine"));
+    QCOMPARE(readFile(path(1)), withTabs(0));
 }
 
 void tst_AutosaveFolder::copyHasThePermissionsOfNewFiles()

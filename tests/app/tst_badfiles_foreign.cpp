@@ -1,4 +1,5 @@
 #include "app/badfiles.h"
+#include "app/longruns.h"
 
 #include <QDir>
 #include <QImage>
@@ -14,8 +15,6 @@
 namespace {
 
 constexpr int large = 100'000;
-constexpr int ofManyTabs = 8'000; // where the first four bytes ask for more tabs than the file can hold
-
 QByteArray picture()
 {
     QImage image(300, 300, QImage::Format_RGB32);
@@ -56,6 +55,9 @@ void row(const QByteArray &name, const QByteArray &bytes) { QTest::newRow(name.c
 class tst_BadFilesForeign : public QObject
 {
     Q_OBJECT
+
+public:
+    static void initMain() { keepFilesInMemory(); }
 
 private slots:
     void init() { failOnWarningsOfTheProgram(); }
@@ -98,6 +100,7 @@ void tst_BadFilesForeign::smallForeignFile_data()
     row("picture", picture().left(160));
     row("program", QByteArray::fromHex("7F454C460201010000000000000000000300"
                                        "3E000100000060100000000000004000000000000000"));
+    row("picture's beginning and zeros", QByteArray::fromHex("4D4D002A") + QByteArray(large, '\0'));
     row("archive", QByteArray::fromHex("504B03041400000008000000210000000000") + prose(60));
     row("compressed", QByteArray::fromHex("1F8B0808000000000003") + randomBytes(2, 120));
     row("document of another kind", "%PDF-1.7\n%\xE2\xE3\xCF\xD3\n1 0 obj\n<< /Type /Catalog >>\nendobj\n");
@@ -119,9 +122,9 @@ void tst_BadFilesForeign::largeForeignFile_data()
         for (const quint32 seed : {1U, 2U, 3U})
             row(kind + "random bytes " + QByteArray::number(seed), withTabs(tabs, randomBytes(seed, large)));
     }
-    row("text", prose(ofManyTabs));
-    row("program", readFile(QCoreApplication::applicationFilePath()).left(ofManyTabs));
-    row("archive", QByteArray::fromHex("504B0304") + randomBytes(7, ofManyTabs - 4));
+    row("text", prose(large));
+    row("program", readFile(QCoreApplication::applicationFilePath()).left(large));
+    row("archive", QByteArray::fromHex("504B0304") + randomBytes(7, large - 4));
 }
 
 void tst_BadFilesForeign::randomBytesOfEverySize()

@@ -1,4 +1,5 @@
 #include "app/faultyfiles.h"
+#include "app/longruns.h"
 #include "app/windowsupport.h"
 #include "faults/savedocuments.h"
 #include "support/testsupport.h"
@@ -45,7 +46,7 @@ const Trouble troubles[] = {
     {"I/O error at a close", Call::close, EIO, false, 0, "(\\.\\.)?r\\.\\."},
     {"disk full from a close on", Call::close, ENOSPC, true, 0, "(rr)?r\\.\\."},
     {"quota used up from a close on", Call::close, EDQUOT, true, 0, "(rr)?r\\.\\."},
-    {"I/O error at a rename", Call::rename, EIO, false, 0, "\\.?r"},
+    {"I/O error at a rename", Call::rename, EIO, false, 0, "\\.?rr?"},
     {"I/O errors from a rename on", Call::rename, EIO, true, 0, "r+"},
     {"disk full from a rename on", Call::rename, ENOSPC, true, 0, "r+"},
     {"quota used up from a rename on", Call::rename, EDQUOT, true, 0, "r+"},
@@ -66,6 +67,9 @@ Q_DECLARE_METATYPE(Save)
 class tst_MainWindowFaults : public QObject
 {
     Q_OBJECT
+
+public:
+    static void initMain() { keepFilesInMemory(); }
 
 private slots:
     void init()

@@ -1,3 +1,4 @@
+#include "app/longruns.h"
 #include "app/windowsupport.h"
 #include "faults/savedocuments.h"
 #include "support/testsupport.h"
@@ -41,6 +42,9 @@ private:
 class tst_MainWindowFaultsLinks : public QObject
 {
     Q_OBJECT
+
+public:
+    static void initMain() { keepFilesInMemory(); }
 
 private slots:
     void init()

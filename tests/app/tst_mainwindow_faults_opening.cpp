@@ -1,4 +1,5 @@
 #include "app/faultyfiles.h"
+#include "app/longruns.h"
 #include "app/windowsupport.h"
 #include "faults/savedocuments.h"
 #include "support/testsupport.h"
@@ -31,6 +32,9 @@ std::vector<Fault> noNewFile(bool unnamed, int error)
 class tst_MainWindowFaultsOpening : public QObject
 {
     Q_OBJECT
+
+public:
+    static void initMain() { keepFilesInMemory(); }
 
 private slots:
     void init()

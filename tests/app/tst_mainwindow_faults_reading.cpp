@@ -1,4 +1,5 @@
 #include "app/faultyfiles.h"
+#include "app/longruns.h"
 #include "app/noticestrip.h"
 #include "app/windowsupport.h"
 #include "faults/savedocuments.h"
@@ -22,6 +23,9 @@ Q_DECLARE_METATYPE(std::vector<FaultyFiles::Fault>)
 class tst_MainWindowFaultsReading : public QObject
 {
     Q_OBJECT
+
+public:
+    static void initMain() { keepFilesInMemory(); }
 
 private slots:
     void init()
@@ -47,7 +51,10 @@ private slots:
     void fileThatIsShorterThanItSaysIsRefused();
     void fileThatIsLongerThanItSaysIsRead();
     void fileTooLargeForTheMemoryIsRefused();
-    void saveOverWhatCannotBeReadSaysSo();
+    void whatCannotBeReadIsPutBy_data();
+    void whatCannotBeReadIsPutBy();
+    void whatCannotBeReadNorPutByIsNotReplaced_data();
+    void whatCannotBeReadNorPutByIsNotReplaced();
 
 private:
     QString path(const QString &name) const { return home->filePath(QStringLiteral("stories/")) + name; }
@@ -152,20 +159,78 @@ void tst_MainWindowFaultsReading::fileTooLargeForTheMemoryIsRefused()
 #endif
 }
 
-// What another program has saved there would be kept, if only it could be read.
-void tst_MainWindowFaultsReading::saveOverWhatCannotBeReadSaysSo()
+void tst_MainWindowFaultsReading::whatCannotBeReadIsPutBy_data()
 {
+    QTest::addColumn<int>("exchange"); // what the system says of exchanging two names
+    QTest::newRow("where names can be exchanged") << 0;
+    QTest::newRow("where they cannot") << EINVAL;
+}
+
+// What another program has saved there would be copied, if only it could be read.
+void tst_MainWindowFaultsReading::whatCannotBeReadIsPutBy()
+{
+    QFETCH(const int, exchange);
     const QString file = path(QStringLiteral("story.scene"));
+    const QByteArray others = documentBytes({{}, {}, {}});
+    QVERIFY(writeFile(file, others));
     const Warnings warnings;
     {
-        const FaultyFiles faulty(home->filePath(QStringLiteral("stories")), {{Call::read, 1, EIO, true}});
+        std::vector<Fault> faults{{Call::read, 1, EIO, true}};
+        if (exchange != 0)
+            faults.push_back({Call::exchange, 1, exchange});
+        const FaultyFiles faulty(home->filePath(QStringLiteral("stories")), faults);
         QVERIFY(window->saveTo(file));
+        QVERIFY(faulty.hits(int(faults.size()) - 1) > 0);
     }
     QCOMPARE(warnings.lines(), QStringList()); // it is saved
     QCOMPARE(readFile(file), smallDocument());
+    const QStringList putBy =
+        filesBelow(home->filePath(QStringLiteral("stories"))).filter(QStringLiteral("_other.scene"));
+    QCOMPARE(putBy.size(), 1);
+    QCOMPARE(readFile(path(putBy.front())), others);
     const QString notice = window->findChild<NoticeStrip *>()->accessibleName();
-    QVERIFY2(notice.contains(QStringLiteral("What was in the file before could not be kept")),
+    QVERIFY2(notice.contains(QStringLiteral("What was in the file before is kept as ") + putBy.front()),
              qPrintable(notice));
+}
+
+void tst_MainWindowFaultsReading::whatCannotBeReadNorPutByIsNotReplaced_data()
+{
+    QTest::addColumn<std::vector<FaultyFiles::Fault>>("faults");
+    QTest::addColumn<QString>("why");
+    QTest::newRow("no exchange and no second name")
+        << std::vector<Fault>{{Call::exchange, 1, EINVAL}, {Call::rename, 2, EPERM}}
+        << QStringLiteral("Operation not permitted");
+    QTest::newRow("the exchange fails")
+        << std::vector<Fault>{{Call::exchange, 1, EIO}} << QStringLiteral("Input/output error");
+    QTest::newRow("no other name, and no place under the own one")
+        << std::vector<Fault>{{Call::exchange, 1, EINVAL}, {Call::rename, 3, EIO}}
+        << QStringLiteral("Input/output error");
+    QTest::newRow("no file can be made there")
+        << std::vector<Fault>{{Call::createUnnamed, 1, EACCES, true}, {Call::create, 1, EACCES, true}}
+        << QStringLiteral("it can only be written over in place");
+}
+
+void tst_MainWindowFaultsReading::whatCannotBeReadNorPutByIsNotReplaced()
+{
+    QFETCH(const std::vector<FaultyFiles::Fault>, faults);
+    QFETCH(const QString, why);
+    const QString file = path(QStringLiteral("story.scene"));
+    const QByteArray others = documentBytes({{}, {}, {}});
+    QVERIFY(writeFile(file, others));
+    const QStringList files = filesBelow(home->filePath(QStringLiteral("stories")));
+    const Warnings warnings;
+    {
+        std::vector<Fault> all{{Call::read, 1, EIO, true}};
+        all.insert(all.end(), faults.begin(), faults.end());
+        const FaultyFiles faulty(home->filePath(QStringLiteral("stories")), all);
+        QVERIFY(!window->saveTo(file));
+    }
+    QCOMPARE(warnings.lines(),
+             QStringList{QStringLiteral("Couldn't write the scene file: \"%1\" \"what is in the file could "
+                                        "not be kept: %2\"")
+                             .arg(file, why)});
+    QCOMPARE(readFile(file), others);
+    QCOMPARE(filesBelow(home->filePath(QStringLiteral("stories"))), files);
 }
 
 QTEST_MAIN(tst_MainWindowFaultsReading)

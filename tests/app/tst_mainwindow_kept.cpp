@@ -60,6 +60,9 @@ private slots:
     void keepingSaysNothing();
     void whatAnotherProgramHasSavedIsKept_data();
     void whatAnotherProgramHasSavedIsKept();
+    void damagedFileIsKeptBeforeTheFirstSave_data();
+    void damagedFileIsKeptBeforeTheFirstSave();
+    void keptCopyIsToldOfTheSaveThatFailedOnly();
 
 private:
     QString path(const QString &name) const { return home->filePath(name); }
@@ -312,6 +315,52 @@ void tst_MainWindowKept::whatAnotherProgramHasSavedIsKept()
     QVERIFY2(notice.contains(files.front()), qPrintable(notice));
     QVERIFY(window->saveTo(file)); // by now it is this window's own
     QCOMPARE(filesBelow(kept()), files);
+}
+
+void tst_MainWindowKept::damagedFileIsKeptBeforeTheFirstSave_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    const QByteArray story = documentBytes({chainOfRecords(3, 10), chainOfRecords(2, 10)});
+    QTest::newRow("cut") << story.chopped(30);
+    QTest::newRow("with something behind") << story + "more";
+    QTest::newRow("no story") << QByteArray("no story at all");
+}
+
+// What could not be read of it would be nowhere else.
+void tst_MainWindowKept::damagedFileIsKeptBeforeTheFirstSave()
+{
+    QFETCH(const QByteArray, content);
+    const QString file = path(QStringLiteral("story.scene"));
+    QVERIFY(writeFile(file, content));
+    const Warnings ofTheDamage;
+    window->loadFrom(file);
+    QVERIFY(window->saveTo(file));
+    QVERIFY(readFile(file) != content);
+    const QStringList files = filesBelow(kept());
+    QCOMPARE(files.size(), 1);
+    QVERIFY2(files.front().endsWith(QStringLiteral("_other.scene")), qPrintable(files.front()));
+    QCOMPARE(readFile(kept() + QLatin1Char('/') + files.front()), content);
+    QVERIFY(window->saveTo(file));
+    window->clearTabs(); // all that is left of it is saved
+    QCOMPARE(filesBelow(kept()), files);
+}
+
+void tst_MainWindowKept::keptCopyIsToldOfTheSaveThatFailedOnly()
+{
+    const auto notice = [this] { return window->findChild<NoticeStrip *>()->accessibleName(); };
+    write();
+    QTest::ignoreMessage(QtWarningMsg, "Couldn't open file for writing.");
+    QVERIFY(!window->saveTo(path(QStringLiteral("missing/story.scene"))));
+    QCOMPARE(leave(Leaving::anew), QString());
+    QCOMPARE(isKeptAs(QStringLiteral("_new.scene")), QString());
+    QVERIFY2(notice().contains(QStringLiteral("_new.scene")), qPrintable(notice()));
+    QVERIFY2(notice().contains(QStringLiteral("missing")), qPrintable(notice()));
+    window->addNodeGraphTab();
+    window->addNodeGraphTab();
+    addEvent(sceneOf(*window, 0), QStringLiteral("Noon"));
+    QCOMPARE(leave(Leaving::tab), QString());
+    QVERIFY2(notice().contains(QStringLiteral("_tab.scene")), qPrintable(notice()));
+    QVERIFY2(!notice().contains(QStringLiteral("story.scene")), qPrintable(notice()));
 }
 
 QTEST_MAIN(tst_MainWindowKept)

@@ -1,4 +1,6 @@
+#include "app/documentformat.h"
 #include "app/failingmemory.h"
+#include "app/guardedapplication.h"
 #include "app/noticestrip.h"
 #include "app/windowsupport.h"
 #include "faults/savedocuments.h"
@@ -6,15 +8,55 @@
 
 #ifdef FABLEGRID_CAN_FAIL_MEMORY
 
+#include <QProcess>
+
+#include <optional>
+
 namespace {
 
 constexpr std::size_t much = 300000; // bytes; the document takes more, and all else less
 
-QByteArray largeStory()
+QByteArray storyOf(const QString &text)
 {
     std::vector<Record> records = chainOfRecords(1, 0);
-    records.front().description = QStringLiteral("and then ").repeated(30000);
+    records.front().description = text;
     return documentBytes({records});
+}
+
+/// Finds no memory as it is destroyed.
+struct Teller
+{
+    ~Teller() { const QByteArray none(int(much), 'x'); }
+};
+
+/// What another process does: it opens that file, moves the event, and finds no memory for something else.
+int edit(int &argc, char **argv, const QString &file, const QByteArray &where)
+{
+    GuardedApplication application(argc, argv);
+    MainWindow window;
+    window.loadFrom(file);
+    sceneOf(window, 0)->nodes().front()->setPos(7, 8);
+    std::optional<FailingMemory> refusing;
+    std::optional<LittleMemory> little;
+    std::vector<std::unique_ptr<char[]>> hoard;
+    application.setLastWork([&] {
+        refusing.reset(); // what was held back for that is there now
+        window.keepWithoutWords();
+    });
+    QTimer::singleShot(0, &window, [&] {
+        if (where == "limit") {
+            // Until the end of the process, which takes no more of what others hold.
+            little.emplace(1 << 20);
+            for (;;)
+                hoard.push_back(std::make_unique<char[]>(1 << 16));
+        }
+        refusing.emplace(much, 0);
+        if (where == "destructor")
+            const Teller teller;
+        const QByteArray none(int(much), 'x');
+        QCoreApplication::exit(int(none.size()));
+    });
+    return QApplication::exec();
 }
 
 } // namespace
@@ -29,7 +71,7 @@ private slots:
     {
         failOnWarningsOfTheProgram();
         home = std::make_unique<PrivateHome>();
-        document = largeStory();
+        document = storyOf(QStringLiteral("and then ").repeated(30000));
         QVERIFY(writeFile(story(), document));
         window = std::make_unique<MainWindow>();
     }
@@ -45,6 +87,11 @@ private slots:
     void lettingGoWithoutMemoryIsReported();
     void storyThatDoesNotFitIsNotTheDocument_data();
     void storyThatDoesNotFitIsNotTheDocument();
+    void pasteThatDoesNotFitChangesNothing();
+    void eventThatCannotBeMadeKeepsItsTexts();
+    void lackOfMemoryInAnEditEndsWithAKeptCopy_data();
+    void lackOfMemoryInAnEditEndsWithAKeptCopy();
+    void longTextIsKeptAsTheMemoryEnds();
 
 private:
     QString story() const { return home->filePath(QStringLiteral("story.scene")); }
@@ -134,7 +181,105 @@ void tst_MainWindowMemory::storyThatDoesNotFitIsNotTheDocument()
     QVERIFY(readFile(story()) == document);
 }
 
-QTEST_MAIN(tst_MainWindowMemory)
+void tst_MainWindowMemory::pasteThatDoesNotFitChangesNothing()
+{
+    window->loadFrom(story());
+    window->sl_selectAll();
+    window->sl_copy();
+    {
+        const FailingMemory refusing(much, 0);
+        QTest::ignoreMessage(QtWarningMsg, "Couldn't paste: there is not enough memory.");
+        window->sl_paste();
+        QVERIFY(refusing.refusals() > 0);
+    }
+    const auto *strip = window->findChild<NoticeStrip *>();
+    QCOMPARE(strip->accessibleName(),
+             QStringLiteral("There is not enough memory to paste that. Nothing has changed."));
+    QVERIFY(window->saveTo(story()));
+    QVERIFY(readFile(story()) == document);
+    window->sl_paste(); // what was copied is still there
+    QVERIFY(window->saveTo(story()));
+    QVERIFY(readFile(story()) != document);
+    QVERIFY(!strip->accessibleName().contains(QStringLiteral("memory")));
+}
+
+// What is kept as the program ends then must be whole.
+void tst_MainWindowMemory::eventThatCannotBeMadeKeepsItsTexts()
+{
+    QVERIFY(writeFile(story(), documentBytes({chainOfRecords(150, 50)})));
+    window->loadFrom(story());
+    Node *node = sceneOf(*window, 0)->nodes().back();
+    QVERIFY(node->isLate());
+    const QByteArray before = DocumentFormat::bytes({sceneOf(*window, 0)});
+    bool isRefused = false;
+    try {
+        const FailingMemory refusing(1, 0);
+        node->make();
+    } catch (const std::bad_alloc &) {
+        isRefused = true;
+    }
+    QVERIFY(isRefused);
+    QVERIFY(node->isLate());
+    QCOMPARE(DocumentFormat::bytes({sceneOf(*window, 0)}), before);
+    node->make();
+    QCOMPARE(DocumentFormat::bytes({sceneOf(*window, 0)}), before);
+}
+
+void tst_MainWindowMemory::lackOfMemoryInAnEditEndsWithAKeptCopy_data()
+{
+    QTest::addColumn<QString>("where");
+    QTest::newRow("caught by the application") << QStringLiteral("slot");
+    QTest::newRow("caught by nobody") << QStringLiteral("destructor");
+}
+
+void tst_MainWindowMemory::lackOfMemoryInAnEditEndsWithAKeptCopy()
+{
+    QFETCH(const QString, where);
+    QProcess process;
+    process.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--edit"), story(), where});
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), EXIT_FAILURE);
+    QVERIFY(process.readAllStandardError().endsWith("Out of memory, the program ends.\n"));
+    QVERIFY(readFile(story()) == document);
+    QCOMPARE(copies().size(), 1);
+    QVERIFY2(copies().front().endsWith(QStringLiteral("_end.scene")), qPrintable(copies().front()));
+    window->loadFrom(home->filePath(QStringLiteral("Documents/")) + copies().front());
+    const std::vector<Node *> nodes = sceneOf(*window, 0)->nodes();
+    QCOMPARE(nodes.size(), std::size_t(1));
+    QCOMPARE(nodes.front()->pos(), QPointF(7, 8));
+    QVERIFY(nodes.front()->payload()->eventContent()->getDescription() ==
+            QStringLiteral("and then ").repeated(30000));
+}
+
+// What is held back for the last copy has to be enough for this one.
+void tst_MainWindowMemory::longTextIsKeptAsTheMemoryEnds()
+{
+    const QString text = QStringLiteral("and then ").repeated((16 << 20) / 9);
+    QVERIFY(writeFile(story(), storyOf(text)));
+    QProcess process;
+    process.start(QCoreApplication::applicationFilePath(),
+                  {QStringLiteral("--edit"), story(), QStringLiteral("limit")});
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), EXIT_FAILURE);
+    QCOMPARE(copies().size(), 1);
+    window->loadFrom(home->filePath(QStringLiteral("Documents/")) + copies().front());
+    const std::vector<Node *> nodes = sceneOf(*window, 0)->nodes();
+    QCOMPARE(nodes.size(), std::size_t(1));
+    QCOMPARE(nodes.front()->pos(), QPointF(7, 8));
+    QVERIFY(nodes.front()->payload()->eventContent()->getDescription() == text);
+}
+
+int main(int argc, char *argv[])
+{
+    if (argc == 4 && qstrcmp(argv[1], "--edit") == 0)
+        return edit(argc, argv, QFile::decodeName(argv[2]), argv[3]);
+    const QApplication application(argc, argv);
+    tst_MainWindowMemory test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_mainwindow_memory.moc"
 
 #else

@@ -50,6 +50,9 @@ private slots:
     void closedFailureGoesAndTheOneBeforeIsSeen();
     void failureIsSeenAgainAfterGoodNews();
     void stripTakesNothingFromTheCanvas();
+    void mouseReachesTheCanvasThroughTheStrip();
+    void laterSuccessSettles_data();
+    void laterSuccessSettles();
     void stripFollowsTheWindow();
     void stripLeavesTheKeyboard();
     void stripIsReadOut();
@@ -73,7 +76,7 @@ private:
     {
         return strip() ? strip()->findChild<QLabel *>()->text().remove(QChar(0x200B)) : QString();
     }
-    void closeNotice() const { QTest::mouseClick(strip()->findChild<QToolButton *>(), Qt::LeftButton); }
+    void closeNotice() const { QTest::mouseClick(strip()->closeButton(), Qt::LeftButton); }
     void failToSave() const
     {
         const Warnings ofTheFailure;
@@ -313,6 +316,56 @@ void tst_MainWindowNotices::stripTakesNothingFromTheCanvas()
     QVERIFY(place.height() < before.height() / 3);
 }
 
+void tst_MainWindowNotices::mouseReachesTheCanvasThroughTheStrip()
+{
+    failToSave();
+    NodegraphScene *scene = sceneOf(*window, 0);
+    const NodegraphView *view = window->views().front();
+    Node *node = addLoose(*scene, {});
+    const QPointF bareSpot(18, 55); // of the box, with none of its texts
+    const QPoint middle = strip()->mapTo(window.get(), strip()->rect().center());
+    node->setPos(view->mapToScene(view->viewport()->mapFrom(window.get(), middle)) - bareSpot);
+    scene->deselectAll();
+    const QPoint place =
+        view->viewport()->mapTo(window.get(), view->mapFromScene(node->mapToScene(bareSpot)));
+    QVERIFY(strip()->rect().contains(strip()->mapFrom(window.get(), place)));
+    // As the window system reports it: straight to a widget it would always get there.
+    QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, place);
+    QCOMPARE(scene->currentNode(), node);
+    QVERIFY(strip());
+    const QPointer<QToolButton> button = strip()->closeButton();
+    QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {},
+                      button->mapTo(window.get(), button->rect().center()));
+    QVERIFY(!strip());
+    QVERIFY(!button || !button->isVisible());
+}
+
+void tst_MainWindowNotices::laterSuccessSettles_data()
+{
+    QTest::addColumn<QByteArray>("content"); // null: it cannot even be read
+    QTest::newRow("a file that cannot be opened") << QByteArray();
+    QTest::newRow("a damaged file") << documentBytes({chainOfRecords(3, 10)}).chopped(5);
+}
+
+void tst_MainWindowNotices::laterSuccessSettles()
+{
+    QFETCH(const QByteArray, content);
+    const QString bad = content.isNull() ? path(QStringLiteral("folder.scene")) : path(QStringLiteral("bad"));
+    QVERIFY(writeFile(path(QStringLiteral("sound.scene")), documentBytes({{}})));
+    if (!content.isNull())
+        QVERIFY(writeFile(bad, content));
+    {
+        const Warnings ofTheFailure;
+        window->loadFrom(bad);
+    }
+    QVERIFY(!notice().isEmpty());
+    failToSave(); // another one lies over it
+    window->loadFrom(path(QStringLiteral("sound.scene")));
+    QVERIFY(window->saveTo(path(QStringLiteral("sound.scene"))));
+    closeNotice(); // of the save
+    QCOMPARE(notice(), QString());
+}
+
 void tst_MainWindowNotices::stripFollowsTheWindow()
 {
     failToSave();
@@ -342,6 +395,7 @@ void tst_MainWindowNotices::stripLeavesTheKeyboard()
     for (int i = 0; i < 20; ++i) {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         QVERIFY(!strip()->isAncestorOf(QApplication::focusWidget()));
+        QVERIFY(strip()->closeButton() != QApplication::focusWidget());
     }
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
     QVERIFY(strip());
@@ -356,7 +410,7 @@ void tst_MainWindowNotices::stripIsReadOut()
     const QAccessibleInterface *alert = QAccessible::queryAccessibleInterface(strip());
     QCOMPARE(alert->text(QAccessible::Name), notice());
     QCOMPARE(alert->role(), QAccessible::AlertMessage);
-    const auto *button = strip()->findChild<QToolButton *>();
+    const auto *button = strip()->closeButton();
     QCOMPARE(button->accessibleName(), QStringLiteral("Close this notice"));
     QCOMPARE(button->toolTip(), QStringLiteral("Close this notice"));
 }
@@ -376,7 +430,7 @@ void tst_MainWindowNotices::stripIsLegible()
     else
         window->saveTo(path(QStringLiteral("story.scene")));
     for (QWidget *part : {static_cast<QWidget *>(strip()->findChild<QLabel *>()),
-                          static_cast<QWidget *>(strip()->findChild<QToolButton *>())}) {
+                          static_cast<QWidget *>(strip()->closeButton())}) {
         const QRect place(part->mapTo(window.get(), QPoint()), part->size());
         const Painted colours = painted(window->grab(place).toImage());
         QVERIFY2(contrast(colours.text, colours.background) >= readable,

@@ -72,6 +72,7 @@ private slots:
     void deletesTheNodeAndItsConnections();
     void redoDoesNothingWhenTheNodeIsGone();
     void undoBringsEverythingBackTwice();
+    void whoHearsOfTheIndexFindsTheDescription();
     void undoIgnoresWhichNodeIsCurrent_data();
     void undoIgnoresWhichNodeIsCurrent();
     void undoWithoutInputMakesNoInputConnection();
@@ -166,6 +167,23 @@ void tst_DelNodeCommand::undoBringsEverythingBackTwice()
         QCOMPARE(sortedIndices(tab.scene), (QList<int>{0, 2, 3}));
         QCOMPARE(connections(tab.scene), QStringList());
     }
+}
+
+void tst_DelNodeCommand::whoHearsOfTheIndexFindsTheDescription()
+{
+    GraphTab tab;
+    addFork(tab);
+    typeDescription(tab.node(1), QStringLiteral("It arrives\nat midnight."));
+    const QRectF outline = tab.node(1)->boundingRect();
+    deleteByCommand(tab, tab.node(1));
+    QStringList told;
+    connect(&tab.scene, &NodegraphScene::s_nodeIndexChanged, this,
+            [&told, outline](const Node *node, int index) {
+                told << QStringLiteral("%1 %2").arg(index).arg(node->description());
+                QCOMPARE(node->boundingRect(), outline);
+            });
+    tab.stack.undo();
+    QCOMPARE(told, QStringList(QStringLiteral("1 It arrives\nat midnight.")));
 }
 
 void tst_DelNodeCommand::undoIgnoresWhichNodeIsCurrent_data()

@@ -51,6 +51,7 @@ struct Document
 constexpr int mostBlankEvents = 1000;
 constexpr qint64 spareTabs = 16;
 inline qint64 mostTabs(qint64 fileSize) { return fileSize / 4 + spareTabs; }
+constexpr qint64 believedTabs = 1000;
 
 /// Takes bytes from front to back; past the end there are zeros and empty texts.
 class Bytes
@@ -237,9 +238,13 @@ inline Document read(const QByteArray &source)
     Bytes bytes(source);
     Document document;
     document.storedCount = bytes.whole();
-    const qint64 most = mostTabs(source.size());
-    for (qint64 i = 0; i < std::min<qint64>(document.storedCount, most); ++i)
+    const qint64 tabs = std::min<qint64>(document.storedCount, mostTabs(source.size()));
+    for (qint64 i = 0; i < tabs && (tabs <= believedTabs || !bytes.atEnd()); ++i)
         document.tabs.push_back(TabReader(bytes).read());
+    // Where more are announced than begin, empty ones behind the last event may be no tabs at all.
+    while (tabs > believedTabs && qint64(document.tabs.size()) < document.storedCount &&
+           qint64(document.tabs.size()) > believedTabs && document.tabs.back().events.empty())
+        document.tabs.pop_back();
     document.cutOff = qint64(document.tabs.size()) < document.storedCount;
     return document;
 }

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Runs the fuzz targets side by side for that many seconds each, or the named ones only:
-#   tests/fuzz/run.sh 60 [fuzz_document] [fuzz_edits]
+#   tests/fuzz/run.sh 60 [fuzz_document] [fuzz_edits] [fuzz_import]
 # With FABLEGRID_FUZZ_SEED in the environment the inputs come in the same order every time.
 # Starts from the committed corpus. What the run adds to it stays in build/asan/fuzz/corpus until the next run, and
 # every input that did harm in build/asan/fuzz/artifacts.
@@ -13,7 +13,7 @@ if ! [[ $seconds =~ ^[0-9]+$ ]]; then
     exit 2
 fi
 targets=("${@:2}")
-((${#targets[@]})) || targets=(fuzz_document fuzz_edits)
+((${#targets[@]})) || targets=(fuzz_document fuzz_edits fuzz_import)
 
 packaging/install-dependencies.sh ci
 cmake --preset asan >/dev/null

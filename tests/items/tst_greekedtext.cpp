@@ -58,6 +58,7 @@ private slots:
     void noTextHasNoBar();
     void barsAreNoMoreThanLinesFit();
     void forgottenTextIsMeasuredAgain();
+    void textIsMeasuredOnce();
     void finestBarsMelt();
 };
 
@@ -79,6 +80,11 @@ void tst_GreekedText::linesAreBrokenAtWords()
     QVERIFY(lengthOf(image, 0) <= width);
     QVERIFY(lengthOf(image, 1) > width * 3 / 4);
     QVERIFY(lengthOf(image, 3) < lengthOf(image, 0));
+    // A word that does not fit any more leaves the rest of the line empty.
+    const QImage words = barsOf(QString(40, u'x') + u' ' + QString(40, u'x'));
+    const QImage oneWord = barsOf(QString(40, u'x'));
+    QCOMPARE(lengthOf(words, 0), lengthOf(oneWord, 0));
+    QCOMPARE(lengthOf(words, 1), lengthOf(oneWord, 0));
 }
 
 void tst_GreekedText::longWordGoesOverManyLines()
@@ -101,8 +107,16 @@ void tst_GreekedText::noTextHasNoBar()
 
 void tst_GreekedText::barsAreNoMoreThanLinesFit()
 {
-    const QImage image = barsOf(u"word\n"_s.repeated(100));
-    QVERIFY(lengthOf(image, lines - 1) > 0);
+    const QString text = u"word\n"_s.repeated(100);
+    QVERIFY(lengthOf(barsOf(text), lines - 1) > 0);
+
+    QImage below(width, qRound(lines * QFontMetricsF(QFont()).height()), QImage::Format_RGB32);
+    below.fill(Qt::white);
+    QPainter painter(&below);
+    GreekedText().paint(painter, text, QFont(), QRectF(0, 0, width, below.height() / 2.0), Qt::black);
+    painter.end();
+    QVERIFY(lengthOf(below, lines / 2 - 1) > 0);
+    QCOMPARE(lengthOf(below, lines / 2), 0);
 }
 
 void tst_GreekedText::forgottenTextIsMeasuredAgain()
@@ -111,6 +125,13 @@ void tst_GreekedText::forgottenTextIsMeasuredAgain()
     const int before = lengthOf(barsOf(bars, u"a word"_s), 0);
     bars.forget();
     QVERIFY(lengthOf(barsOf(bars, u"a word and many more of them"_s), 0) > 2 * before);
+}
+
+void tst_GreekedText::textIsMeasuredOnce()
+{
+    GreekedText bars;
+    const QImage first = barsOf(bars, u"a word"_s);
+    QCOMPARE(barsOf(bars, u"a word"_s), first);
 }
 
 // Lines of less than two pixels each are one grey, as light as their bars would be together.
@@ -127,6 +148,9 @@ void tst_GreekedText::finestBarsMelt()
     const double melted = greyOf(barsOf(text, 0.06));
     QVERIFY(bars < 250);
     QVERIFY2(std::abs(bars - melted) < 4, qPrintable(u"%1 %2"_s.arg(bars).arg(melted)));
+    const QImage fine = barsOf(text, 1.6 / QFontMetricsF(QFont()).height());
+    for (int y = 1; y < fine.height() - 1; ++y)
+        QCOMPARE(fine.pixel(1, y), fine.pixel(1, 1));
 }
 
 QTEST_MAIN(tst_GreekedText)

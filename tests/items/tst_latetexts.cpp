@@ -5,6 +5,7 @@
 #include "items/nodedata.h"
 #include "items/stlineedit.h"
 #include "items/stnodename.h"
+#include "scene/nodegraphscene.h"
 
 #include <QBuffer>
 #include <QDataStream>
@@ -40,9 +41,9 @@ QString randomText(std::mt19937 &random)
 }
 
 /// A scene with one event whose text is made when needed, and whoever listens to it.
-struct LateEvent
+struct LateDescription
 {
-    LateEvent() { scene.addItem(event); }
+    LateDescription() { scene.addItem(event); }
 
     QGraphicsScene scene;
     EventData *event = new EventData(nullptr, TextMaking::whenNeeded);
@@ -152,7 +153,7 @@ void tst_LateTexts::whoeverReachesForItGetsItWhole_data()
 void tst_LateTexts::whoeverReachesForItGetsItWhole()
 {
     QFETCH(const QString, way);
-    LateEvent late;
+    LateDescription late;
     late.event->setDescription(u"Dawn"_s);
     QVERIFY(!isMade(late.text));
     if (way == u"asked for") {
@@ -179,7 +180,7 @@ void tst_LateTexts::whoeverReachesForItGetsItWhole()
 // Every item of a scene hears of it, so that one click on the window made ten thousand texts.
 void tst_LateTexts::windowThatComesToTheFrontMakesNothing()
 {
-    LateEvent late;
+    LateDescription late;
     for (const QEvent::Type type : {QEvent::WindowActivate, QEvent::WindowDeactivate}) {
         QEvent event(type);
         QCoreApplication::sendEvent(&late.scene, &event);
@@ -190,7 +191,7 @@ void tst_LateTexts::windowThatComesToTheFrontMakesNothing()
 
 void tst_LateTexts::changesAreReportedAlike()
 {
-    LateEvent late;
+    LateDescription late;
     late.text->setText(u"Dawn"_s);
     QCOMPARE(late.changes.count(), 1);
     late.text->setText(u"Dawn"_s);
@@ -209,7 +210,7 @@ void tst_LateTexts::loadedTextIsReportedOnceAndSavedAgain()
     QByteArray bytes;
     QDataStream written(&bytes, QIODevice::WriteOnly);
     written << u"A loaded text"_s;
-    LateEvent late;
+    LateDescription late;
     QDataStream in(bytes);
     late.event->sl_openFromFile(in);
     QCOMPARE(late.changes.count(), 1);
@@ -222,7 +223,7 @@ void tst_LateTexts::loadedTextIsReportedOnceAndSavedAgain()
 
 void tst_LateTexts::keyGoesIntoTheText()
 {
-    LateEvent late;
+    LateDescription late;
     late.event->setDescription(u"awn"_s);
     QEvent activate(QEvent::WindowActivate);
     QCoreApplication::sendEvent(&late.scene, &activate);
@@ -235,14 +236,14 @@ void tst_LateTexts::keyGoesIntoTheText()
 
 void tst_LateTexts::firstPressRemovesThePlaceholder()
 {
-    LateEvent late;
+    LateDescription late;
     SceneMouse{late.scene}.press(QPointF(20, 20));
     QCOMPARE(late.event->getDescription(), QString());
 }
 
 void tst_LateTexts::presenceIsThatOfAMadeText()
 {
-    LateEvent late;
+    LateDescription late;
     const QPainterPath before = late.text->shape();
     const auto contains = [&late](double x, double y) { return late.text->contains(QPointF(x, y)); };
     QVERIFY(contains(399, 1));
@@ -257,7 +258,7 @@ void tst_LateTexts::presenceIsThatOfAMadeText()
 
 void tst_LateTexts::textThatADocumentWouldChangeIsMadeAtOnce()
 {
-    LateEvent late;
+    LateDescription late;
     late.event->setDescription(u"a\r\nb"_s);
     QVERIFY(isMade(late.text));
     QCOMPARE(late.event->getDescription(), late.text->toPlainText());
@@ -305,10 +306,8 @@ void tst_LateTexts::titleIsThatOfAMadeOne()
 
 void tst_LateTexts::titleIsWholeForWhoeverReachesForIt()
 {
-    QGraphicsScene scene;
-    auto *node = new Node(0, TextMaking::whenNeeded);
-    scene.addItem(node);
-    node->setNodeName(u"Dawn"_s);
+    NodegraphScene scene;
+    Node *node = scene.restoreNode({}, 0, 0, nullptr, u"Dawn"_s, TextMaking::whenNeeded);
     QEvent activate(QEvent::WindowActivate);
     QCoreApplication::sendEvent(&scene, &activate);
     SceneMouse{scene}.press(QPointF(25, 15)); // selects it all

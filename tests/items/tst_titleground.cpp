@@ -199,6 +199,7 @@ void tst_TitleGround::emptiedTitleIsHitAtOnce()
     // The same for one that has no document yet.
     Node unmade(0, TextMaking::whenNeeded);
     unmade.setNodeName(QString());
+    unmade.make();
     stage.title->clearFocus();
     const QRectF place = stage.title->boundingRect();
     QCOMPARE(unmade.childrenBoundingRect(), stage.node->childrenBoundingRect());

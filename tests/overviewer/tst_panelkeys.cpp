@@ -60,6 +60,7 @@ private slots:
     void tabComesAndGoes();
     void tabLeavesTheCanvas_data() { tabComesAndGoes_data(); }
     void tabLeavesTheCanvas();
+    void tabComesToTheCanvas();
     void markIsSeenWhileThePanelHasTheKeyboard();
     void markStandsOut();
     void keysGoAboutTheEntries_data();
@@ -116,6 +117,25 @@ void tst_PanelKeys::tabLeavesTheCanvas()
     QVERIFY(!w.window.views().front()->hasFocus());
     QVERIFY(reachPanel(w, modifiers));
     QCOMPARE(w.scene.focusItem(), nullptr);
+    QCOMPARE(w.document(), before);
+}
+
+// The text that had the keyboard when the canvas lost it got it back.
+void tst_PanelKeys::tabComesToTheCanvas()
+{
+    PanelWindow w(3);
+    QVERIFY(w.isReady());
+    w.key(Qt::Key_F2);
+    w.type(u"abc"_s);
+    w.click(1);
+    const QByteArray before = w.document();
+    w.window.views().front()->setFocus(Qt::TabFocusReason);
+    QVERIFY(w.window.views().front()->hasFocus());
+    QCOMPARE(w.scene.focusItem(), nullptr);
+    w.window.views().front()->clearFocus();
+    w.window.views().front()->setFocus(Qt::ActiveWindowFocusReason);
+    QCOMPARE(w.scene.focusItem(), nullptr);
+    w.type(u"def"_s);
     QCOMPARE(w.document(), before);
 }
 

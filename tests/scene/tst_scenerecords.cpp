@@ -1,5 +1,6 @@
 #include "scene/scenerecords.h"
 
+#include "scene/damagelog.h"
 #include "scene/scenereading.h"
 
 #include <QUndoCommand>
@@ -44,7 +45,8 @@ struct Shelf
         QBuffer buffer(&bytes);
         buffer.open(QIODevice::ReadOnly);
         DocumentStream stream(&buffer);
-        records.read(stream);
+        DamageLog log(stream);
+        records.read(stream, log);
     }
 
     Node *place(int index) { return scene.restoreNode({}, index, 0, nullptr, u"Title %1"_s.arg(index)); }

@@ -51,7 +51,7 @@ inline Imported imported(const StoryFolder &folder, const QString &name, const Q
     const QStringList errors = made.result.errorLines();
     for (const QString &line : errors)
         made.notes << QString(line).remove(QStringLiteral("fablegrid-story: %1: ").arg(in));
-    StoryReader reader;
+    StoryReader reader(StoryReader::Boxes::measured);
     if (made.result.code != Done || !reader.read(out).isEmpty())
         return made;
     made.isSound = reader.damage().isNone();
@@ -65,4 +65,64 @@ inline Imported imported(const StoryFolder &folder, const QString &name, const Q
         made.isClear = made.isClear && StoryLayout::isClear(boxes, scene->sceneRect());
     }
     return made;
+}
+
+/// Texts that become stories, as rows of a test: the tabs that they become and what is left out.
+class ImportedRows
+{
+public:
+    ImportedRows()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QStringList>("tabs");
+        QTest::addColumn<QStringList>("notes");
+    }
+    void operator()(const char *name, const QString &format, const QByteArray &text, const QStringList &tabs,
+                    const QStringList &notes = {}) const
+    {
+        QTest::newRow(name) << QStringLiteral("in.") + format << text << tabs << notes;
+    }
+};
+
+/// Of the row that is tested.
+inline void checkImported(const StoryFolder &folder)
+{
+    QFETCH(const QString, name);
+    QFETCH(const QByteArray, text);
+    QFETCH(const QStringList, tabs);
+    QFETCH(const QStringList, notes);
+    const Imported made = imported(folder, name, text);
+    QCOMPARE(made.tabs, tabs);
+    QCOMPARE(made.notes, notes);
+    QCOMPARE(made.result.output, QByteArray());
+    QVERIFY(made.isClear);
+    QVERIFY(made.isSound);
+}
+
+/// Texts that cannot become stories.
+class RefusedRows
+{
+public:
+    RefusedRows()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QString>("trouble");
+    }
+    void operator()(const char *name, const QByteArray &text, const QString &trouble) const
+    {
+        QTest::addRow("%s, %d bytes", name, int(text.size())) << QString::fromLatin1(name) << text << trouble;
+    }
+};
+
+inline void checkRefused(const StoryFolder &folder)
+{
+    QFETCH(const QString, name);
+    QFETCH(const QByteArray, text);
+    QFETCH(const QString, trouble);
+    const Imported made = imported(folder, name, text);
+    QCOMPARE(made.result.code, 2);
+    QCOMPARE(made.notes, QStringList(trouble));
+    QVERIFY(!QFile::exists(folder.path(name + QStringLiteral(".scene"))));
 }

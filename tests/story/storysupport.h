@@ -32,14 +32,15 @@ private:
     }
 };
 
-inline CommandResult runCommand(const QStringList &arguments)
+/// `isWatched` by somebody without any patience.
+inline CommandResult runCommand(const QStringList &arguments, bool isWatched = false)
 {
     CommandResult result;
     QBuffer output(&result.output);
     QBuffer errors(&result.errors);
     output.open(QIODevice::WriteOnly);
     errors.open(QIODevice::WriteOnly);
-    Console console(output, errors);
+    Console console(output, errors, isWatched, 0);
     result.code = StoryProgram::run(arguments, console);
     return result;
 }

@@ -7,6 +7,62 @@
 
 // What shells offer and the manual tells has to follow the commands and their options.
 
+namespace {
+
+// Each shell is asked in a folder for what it offers behind a line, with the file of its completions and the
+// line as arguments, and answers with a line for each.
+
+// compopt works only while a key is being answered.
+const char *const bashAnswers = R"(
+compopt() { :; }
+source "$1"
+read -ra COMP_WORDS <<<"$2"
+[[ $2 == *' ' ]] && COMP_WORDS+=('')
+COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
+_fablegrid_story
+printf '%s\n' "${COMPREPLY[@]}"
+! shopt -q extglob
+)";
+
+const char *const fishAnswers = R"(
+source $argv[1]
+complete -C $argv[2]
+)";
+
+// Only a shell on a terminal completes: one runs on a terminal of its own, and notes what is added to the
+// list.
+const char *const zshAnswers = R"(
+zmodload zsh/zpty
+zpty shell zsh -f -i
+zpty -w shell "fpath=(${(q)1:h} \$fpath); source ${(q)HOME}/inside"
+zpty -r -m shell seen '*ready*' || exit 1
+zpty -n -w shell "$2"$'\t'
+zpty -r -m shell seen '*<<*>>*' || exit 1
+print -r -- ${${seen#*<<}%%>>*}
+zpty -d shell
+)";
+const char *const insideZsh = R"(
+PROMPT=
+setopt nolistbeep
+autoload -U compinit && compinit -C -d $HOME/known
+bindkey '^I' complete-word
+typeset -a offered
+compadd() {
+    local -a hits
+    if [[ " ${argv[1,(i)(-|--)]} " != *' -'(O|A|D)' '* ]]; then
+        builtin compadd -A hits "$@"
+        offered+=($hits)
+    fi
+    builtin compadd "$@"
+}
+before() { offered=(); comppostfuncs=(after) }
+after() { print -r -- "<<${(pj:\n:)offered}>>" }
+compprefuncs=(before)
+print rea''dy
+)";
+
+} // namespace
+
 class tst_Completions : public QObject
 {
     Q_OBJECT
@@ -16,10 +72,12 @@ private slots:
 
     void everyOptionIsKnown_data();
     void everyOptionIsKnown();
-    void bashOffers_data();
-    void bashOffers();
+    void shellOffers_data();
+    void shellOffers();
 
 private:
+    StoryFolder home; // with nobody's settings, and what zsh has found out about all of its functions
+
     static QString file(const char *name)
     {
         return QString::fromUtf8(readFile(QStringLiteral(FABLEGRID_LINUX_FILES "/") + QLatin1String(name)));
@@ -85,13 +143,23 @@ void tst_Completions::everyOptionIsKnown()
     }
 }
 
-void tst_Completions::bashOffers_data()
+void tst_Completions::shellOffers_data()
 {
+    QTest::addColumn<QString>("shell");
     QTest::addColumn<QString>("line");
     QTest::addColumn<QStringList>("offered");
-    const auto row = [](const QString &line, QStringList offered) {
-        offered.sort();
-        QTest::newRow(qPrintable(line)) << line << offered;
+    const QStringList every{QStringLiteral("nest"), QStringLiteral("notes.md"),
+                            QStringLiteral("novel.scene")};
+    const auto row = [&every](const QString &line, QStringList offered) {
+        for (const char *shell : {"bash", "zsh", "fish"}) {
+            const bool isFish = QLatin1String(shell) == QLatin1String("fish");
+            if (isFish && offered.contains(QLatin1String("nest")))
+                offered = every; // of the files it only puts those in front that have the suffix
+            if (isFish && line.endsWith(u' ')) // and options it offers to whoever has begun to write one
+                offered.removeIf([](const QString &word) { return word.startsWith(QLatin1String("--")); });
+            offered.sort();
+            QTest::addRow("%s: %s", shell, qPrintable(line)) << QString::fromLatin1(shell) << line << offered;
+        }
     };
     row(QStringLiteral("fablegrid-story "), commands() + options({}));
     const QStringList all = commands();
@@ -104,35 +172,53 @@ void tst_Completions::bashOffers_data()
     row(QStringLiteral("fablegrid-story import n"), {QStringLiteral("nest"), QStringLiteral("notes.md")});
     row(QStringLiteral("fablegrid-story import notes.md --into n"),
         {QStringLiteral("nest"), QStringLiteral("novel.scene")});
-    row(QStringLiteral("fablegrid-story export novel.scene -o n"),
-        {QStringLiteral("nest"), QStringLiteral("notes.md"), QStringLiteral("novel.scene")});
+    row(QStringLiteral("fablegrid-story export novel.scene -o n"), every);
     row(QStringLiteral("fablegrid-story copies n"), {});
 }
 
-void tst_Completions::bashOffers()
+void tst_Completions::shellOffers()
 {
+    QFETCH(const QString, shell);
     QFETCH(const QString, line);
     QFETCH(const QStringList, offered);
-    if (QStandardPaths::findExecutable(QStringLiteral("bash")).isEmpty())
-        QSKIP("bash is not installed");
+    if (QStandardPaths::findExecutable(shell).isEmpty())
+        QSKIP(qPrintable(shell + QStringLiteral(" is not installed")));
+    struct Asked
+    {
+        const char *script;
+        const char *completions;
+    };
+    static const QHash<QString, Asked> shells{
+        {QStringLiteral("bash"), {bashAnswers, "fablegrid-story.bash"}},
+        {QStringLiteral("zsh"), {zshAnswers, "_fablegrid-story"}},
+        {QStringLiteral("fish"), {fishAnswers, "fablegrid-story.fish"}},
+    };
+    const Asked &asked = shells[shell];
     const StoryFolder folder;
     folder.put(QStringLiteral("novel.scene"), {});
     folder.put(QStringLiteral("notes.md"), {});
+    home.put(QStringLiteral("inside"), insideZsh);
+    const QString script = home.put(QStringLiteral("asks"), asked.script);
     QVERIFY(QDir(folder.path({})).mkdir(QStringLiteral("nest")));
-    QProcess bash;
-    bash.setWorkingDirectory(folder.path({}));
-    // compopt works only while a key is being answered.
-    const QString script =
-        QStringLiteral("compopt() { :; }; source \"$1\"; shift; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1))\n"
-                       "_fablegrid_story; printf '%s\\n' \"${COMPREPLY[@]}\"; ! shopt -q extglob");
-    const QStringList arguments{QStringLiteral("-c"), script, QStringLiteral("bash"),
-                                QStringLiteral(FABLEGRID_LINUX_FILES "/completions/fablegrid-story.bash")};
-    bash.start(QStringLiteral("bash"), arguments + line.split(QLatin1Char(' ')));
-    QVERIFY(bash.waitForFinished());
-    QCOMPARE(bash.readAllStandardError(), QByteArray());
-    QCOMPARE(bash.exitCode(), 0);
+    QProcess process;
+    process.setWorkingDirectory(folder.path({}));
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char *place : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "ZDOTDIR"})
+        environment.insert(QLatin1String(place), home.path({}));
+    process.setProcessEnvironment(environment);
+    process.start(shell,
+                  {script,
+                   QStringLiteral(FABLEGRID_LINUX_FILES "/completions/") + QLatin1String(asked.completions),
+                   line});
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.readAllStandardError(), QByteArray());
+    QCOMPARE(process.exitCode(), 0);
+    static const QRegularExpression rest(QStringLiteral("/?(\\t.*)?\\r?$"));
     QStringList found =
-        QString::fromUtf8(bash.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        QString::fromUtf8(process.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    for (QString &word : found)
+        word.remove(rest);
+    found.removeAll(QString());
     found.sort();
     QCOMPARE(found, offered);
 }

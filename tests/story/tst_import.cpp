@@ -28,14 +28,7 @@ private:
 
 void tst_Import::textBecomesAStory_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QStringList>("tabs");
-    QTest::addColumn<QStringList>("notes");
-    const auto row = [](const char *name, const QString &format, const QByteArray &text,
-                        const QStringList &tabs, const QStringList &notes = {}) {
-        QTest::newRow(name) << QStringLiteral("in.") + format << text << tabs << notes;
-    };
+    const ImportedRows row;
     const QString md = QStringLiteral("md");
     row("headings", md, "# A\none\ntwo\n\nthree\n# B\n## C\n## D\n### E\n# F\n",
         {QStringLiteral("0A=one two\n\nthree 0B 1/C 1D 1E 0F.")});
@@ -55,34 +48,41 @@ void tst_Import::textBecomesAStory_data()
         {QStringLiteral("0A 0B=x.")},
         {QStringLiteral("line 4: HTML is left out; so in 4 places"),
          QStringLiteral("line 1: what stands before the first event is left out")});
+    const QString json = QStringLiteral("json");
+    const auto story = [](const QByteArray &tabs) {
+        return "{\"format\": \"fablegrid-story\", \"version\": 1, \"tabs\": [\n" + tabs + "]}";
+    };
+    const QByteArray texts = "\"description\": \"\", \"x\": 0, \"y\": ";
+    row("objects of the number that means none", json,
+        story("{\"events\": [{\"title\": \"A\", \"index\": -1, " + texts +
+              "0, \"endOfStory\": true},\n{\"title\": \"B\", \"index\": -2, \"fedBy\": -1, " + texts +
+              "500}]}"),
+        {QStringLiteral("0A. 0~B")},
+        {QStringLiteral("line 2: \"A\" has no number of its own and becomes event 0"),
+         QStringLiteral("line 3: \"B\" is fed by event -1, which is not there; that is left out")});
+    row("what is no object", json,
+        story("7, [], null,\n{\"events\": [7,\n{\"title\": \"A\", \"index\": 3, \"endOfStory\": 1, "
+              "\"important\": null, " +
+              texts + "0}]}, {\"events\": {}}"),
+        {QStringLiteral("0A."), QString()},
+        {QStringLiteral("what is no object among the tabs is left out"),
+         QStringLiteral("what is no object among the tabs is left out"),
+         QStringLiteral("what is no object among the tabs is left out"),
+         QStringLiteral("what is no object among the events is left out"),
+         QStringLiteral("line 4: endOfStory is neither true nor false and is left out"),
+         QStringLiteral("line 4: important is neither true nor false and is left out"),
+         QStringLiteral("a tab without a list of its events is left empty")});
     row("front matter", md, "---\ntitle: x\n---\n# A\n<div>\n", {QStringLiteral("0A.")},
         {QStringLiteral("line 1: the front matter is left out"), QStringLiteral("line 5: HTML is left out")});
     row("letters", md, "\xEF\xBB\xBF# \xF0\x9F\x98\x80 \xD7\xA9\n\xFFz\n",
         {QStringLiteral("0\U0001F600 \u05E9=\uFFFDz.")});
 }
 
-void tst_Import::textBecomesAStory()
-{
-    QFETCH(const QString, name);
-    QFETCH(const QByteArray, text);
-    QFETCH(const QStringList, tabs);
-    QFETCH(const QStringList, notes);
-    const Imported made = imported(folder, name, text);
-    QCOMPARE(made.tabs, tabs);
-    QCOMPARE(made.notes, notes);
-    QCOMPARE(made.result.output, QByteArray());
-    QVERIFY(made.isClear);
-    QVERIFY(made.isSound);
-}
+void tst_Import::textBecomesAStory() { checkImported(folder); }
 
 void tst_Import::textWithoutAStoryIsRefused_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QString>("trouble");
-    const auto row = [](const char *name, const QByteArray &text, const QString &trouble) {
-        QTest::addRow("%s, %d bytes", name, int(text.size())) << QString::fromLatin1(name) << text << trouble;
-    };
+    const RefusedRows row;
     row("no.md", "words", QStringLiteral("has neither headings nor a list"));
     row("no.json", "{\n\"a\": 1,\n}", QStringLiteral("line 3: object is missing after a comma"));
     row("no.json", "[]",
@@ -91,16 +91,7 @@ void tst_Import::textWithoutAStoryIsRefused_data()
         QStringLiteral("has the version 2; only 1 can be read"));
 }
 
-void tst_Import::textWithoutAStoryIsRefused()
-{
-    QFETCH(const QString, name);
-    QFETCH(const QByteArray, text);
-    QFETCH(const QString, trouble);
-    const Imported made = imported(folder, name, text);
-    QCOMPARE(made.result.code, 2);
-    QCOMPARE(made.notes, QStringList(trouble));
-    QVERIFY(!QFile::exists(folder.path(name + QStringLiteral(".scene"))));
-}
+void tst_Import::textWithoutAStoryIsRefused() { checkRefused(folder); }
 
 void tst_Import::jsonGivesTheSameBytes_data()
 {
@@ -112,6 +103,9 @@ void tst_Import::jsonGivesTheSameBytes_data()
     QTest::newRow("branches") << sceneBytes({branchedTab(), StoryTab(), branchedTab()});
     const QString odd = QStringLiteral("\r\na\u2028\u2029\t \U0001F600\uFFFE") + QChar(0xD800) + QChar(u'\0');
     QTest::newRow("texts") << documentBytes({{Record{odd, QPointF(-0.0, 1e-300), -5, -1, true, true, odd}}});
+    const QString marked = QStringLiteral("\uFEFF\uFEFFa\uFEFF");
+    QTest::newRow("marks of an encoding")
+        << documentBytes({{Record{marked, QPointF(), 0, -1, true, true, marked}}});
     QTest::newRow("null texts")
         << QByteArray(documentBytes({{Record{}}})).replace(22, 4, QByteArray(4, '\xFF'));
     StoryTab many = branchedTab();
@@ -143,13 +137,17 @@ void tst_Import::markdownGivesBackWhatWasTold()
 {
     StoryTab tab = branchedTab();
     const QString odd = QStringLiteral("# *a* <b> `c` [d](e) &amp; 1. f\\ \U0001F600 \u05E9\u2028g");
-    const QStringList texts{QStringLiteral("\n\na\n\n\nb\n c \n- d\n\n"), odd,
-                            QStringLiteral("1. x\n> y\n    z\n---"), QStringLiteral("\n"), QString()};
+    const QStringList texts{QStringLiteral("\n\na\n\n\nb\n c \n- d\n\n"),
+                            odd,
+                            QStringLiteral("1. x\n> y\n    z\n---"),
+                            QStringLiteral("\n"),
+                            QString(),
+                            QStringLiteral("\uFEFFa\u0001b\u001F\u007F\u2028\u0085\rc\u2029d\r\ne")};
     for (int i = 0; i < texts.size(); ++i) {
         tab.events[i].description = texts[i];
         tab.events[i].title = texts[i];
     }
-    tab.events[5].description = QStringLiteral("Enter description");
+    tab.events[6].description = QStringLiteral("Enter description");
     StoryTab deep;
     for (int i = 0; i < 20; ++i) {
         StoryEvent event;

@@ -22,14 +22,7 @@ private:
 
 void tst_ImportOthers::textBecomesAStory_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QStringList>("tabs");
-    QTest::addColumn<QStringList>("notes");
-    const auto row = [](const char *name, const QString &format, const QByteArray &text,
-                        const QStringList &tabs, const QStringList &notes = {}) {
-        QTest::newRow(name) << QStringLiteral("in.") + format << text << tabs << notes;
-    };
+    const ImportedRows row;
     const QString opml = QStringLiteral("opml");
     row("outlines", opml,
         "<opml><body><outline text='A' _note='one&#10;two'><outline text='B'/><outline text='C'/></outline>"
@@ -50,6 +43,36 @@ void tst_ImportOthers::textBecomesAStory_data()
     const QString csv = QStringLiteral("csv");
     row("rows", csv, "Title,Text\r\nA,\"one\r\n\"\"two\"\"\"\r\n\r\nB\r\n",
         {QStringLiteral("0A=one\n\"two\" 0B.")});
+    row("rows with names", csv, "id,title\np-1,A\np-2,B\np-2,C\n", {QStringLiteral("0A 0B 0C.")},
+        {QStringLiteral("line 2: index is no whole number; the event gets one; so in 3 places")});
+    row("rows that are fed by names", csv, "id,title,fed_by\nb,B,a\na,A,\n7,C,b\n,D,7\n,E,nobody\na,F,a\n",
+        {QStringLiteral("0A 1/F 0B 0C 0D. 0~E")},
+        {QStringLiteral("line 2: index is no whole number; the event gets one; so in 3 places"),
+         QStringLiteral("line 5: \"D\" has no number of its own and becomes event 2"),
+         QStringLiteral("line 6: \"E\" has no number of its own and becomes event 3"),
+         QStringLiteral("line 7: connections from a second event called \"a\" lead from the first"),
+         QStringLiteral("line 6: \"E\" is fed by event \"nobody\", which is not there; that is left out")});
+    row("rows of the same number", csv, "id,title\n1,A\n1,B\n,C\n", {QStringLiteral("0A 0B 0C.")},
+        {QStringLiteral("line 3: \"B\" has no number of its own and becomes event 0"),
+         QStringLiteral("line 4: \"C\" has no number of its own and becomes event 2")});
+    row("rows of the number that means none", csv, "title,index,fed_by\nA,-1,\nB,-2,-1\n",
+        {QStringLiteral("0A. 0~B")},
+        {QStringLiteral("line 2: \"A\" has no number of its own and becomes event 0"),
+         QStringLiteral("line 3: \"B\" is fed by event -1, which is not there; that is left out")});
+    row("rows that share a name", csv, "id,title,fed_by\na,A,\nb,B,a\nb,C,a\nb,D,a\na,E,\na,F,b\n,G,b\n",
+        {QStringLiteral("0A 1/C 1/D 0B 1/G 0F. 0~E")},
+        {QStringLiteral("line 2: index is no whole number; the event gets one; so in 6 places"),
+         QStringLiteral("line 8: \"G\" has no number of its own and becomes event 6"),
+         QStringLiteral("line 6: connections from a second event called \"a\" lead from the first"),
+         QStringLiteral("line 4: connections from a second event called \"b\" lead from the first")});
+    row("rows with other words", csv,
+        "title,end,important\nA,maybe,No\nB,YES,never\nC,0,x\nD,false, perhaps\n",
+        {QStringLiteral("0A 0B. 1/C! 1D")},
+        {QStringLiteral("line 2: end is neither 1 nor 0 and is left out"),
+         QStringLiteral("line 3: important is neither 1 nor 0 and is left out; so in 2 places")});
+    row("rows of one column", csv, "title\n\n\"\"\n\r\nB\n\"\"", {QStringLiteral("0 0B 0.")});
+    row("rows that end in a return", csv, "title,text\n\"A\",\"one\r\"\nB,two\r\n",
+        {QStringLiteral("0A=one\n 0B=two.")});
     row("rows that are fed", csv,
         "tab;index;title;fed_by;end;important\nx;1;A;;0;1\nx;2;B;1;1;0\nx;3;C;1;0;0\ny;1;D;;;\n",
         {QStringLiteral("0A! 1/C 0B."), QStringLiteral("0D.")});
@@ -60,11 +83,10 @@ void tst_ImportOthers::textBecomesAStory_data()
     row("rows with faults", csv,
         "title,index,fed_by,end,mood\nA,1,3,x,sad\nB,1,9,x\nC,y,2,,,z\nD,3,1,,\nE,4,4,,\n",
         {QStringLiteral("0D 0A. 0~B 0~C 0~E")},
-        {QStringLiteral("line 4: index is no whole number and is left out"),
+        {QStringLiteral("line 4: index is no whole number; the event gets one"),
          QStringLiteral("line 1: the column \"mood\" is left out"),
          QStringLiteral("line 4: what stands behind the last column is left out"),
          QStringLiteral("line 3: \"B\" has no number of its own and becomes event 0"),
-         QStringLiteral("line 4: \"C\" has no number of its own and becomes event 5"),
          QStringLiteral("line 3: a second end of the story, \"B\", is left out"),
          QStringLiteral("line 3: \"B\" is fed by event 9, which is not there; that is left out"),
          QStringLiteral("line 4: \"C\" is fed by event 2, which is not there; that is left out"),
@@ -97,28 +119,11 @@ void tst_ImportOthers::textBecomesAStory_data()
          QStringLiteral("line 6: the way from \"B\" to \"A[1]\" closes a circle and is left out")});
 }
 
-void tst_ImportOthers::textBecomesAStory()
-{
-    QFETCH(const QString, name);
-    QFETCH(const QByteArray, text);
-    QFETCH(const QStringList, tabs);
-    QFETCH(const QStringList, notes);
-    const Imported made = imported(folder, name, text);
-    QCOMPARE(made.tabs, tabs);
-    QCOMPARE(made.notes, notes);
-    QCOMPARE(made.result.output, QByteArray());
-    QVERIFY(made.isClear);
-    QVERIFY(made.isSound);
-}
+void tst_ImportOthers::textBecomesAStory() { checkImported(folder); }
 
 void tst_ImportOthers::textWithoutAStoryIsRefused_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QString>("trouble");
-    const auto row = [](const char *name, const QByteArray &text, const QString &trouble) {
-        QTest::addRow("%s, %d bytes", name, int(text.size())) << QString::fromLatin1(name) << text << trouble;
-    };
+    const RefusedRows row;
     row("no.opml", "<opml>\n<a></opml>", QStringLiteral("line 2: Opening and ending tag mismatch."));
     row("no.opml", "<html/>", QStringLiteral("is no OPML"));
     row("no.csv", "", QStringLiteral("has no line that says what the columns are"));
@@ -128,16 +133,7 @@ void tst_ImportOthers::textWithoutAStoryIsRefused_data()
     row("no.twee", "x", QStringLiteral("has no passage: no line begins with ::"));
 }
 
-void tst_ImportOthers::textWithoutAStoryIsRefused()
-{
-    QFETCH(const QString, name);
-    QFETCH(const QByteArray, text);
-    QFETCH(const QString, trouble);
-    const Imported made = imported(folder, name, text);
-    QCOMPARE(made.result.code, 2);
-    QCOMPARE(made.notes, QStringList(trouble));
-    QVERIFY(!QFile::exists(folder.path(name + QStringLiteral(".scene"))));
-}
+void tst_ImportOthers::textWithoutAStoryIsRefused() { checkRefused(folder); }
 
 void tst_ImportOthers::storyComesBack_data()
 {
@@ -161,7 +157,8 @@ void tst_ImportOthers::storyComesBack()
                             QString(),
                             QStringLiteral("[two]\nlines {x} \\ |"),
                             QStringLiteral("a]]]b"),
-                            QStringLiteral("a][b")};
+                            QStringLiteral("a][b"),
+                            QStringLiteral("\uFEFFa\rb\u2029c\r\nd")};
     for (int i = 0; i < texts.size(); ++i) {
         tab.events[std::size_t(i)].title = texts[i];
         tab.events[std::size_t(i)].description = texts[i];

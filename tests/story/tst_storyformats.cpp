@@ -76,6 +76,7 @@ private slots:
     void emptyStoriesAreWritten_data();
     void emptyStoriesAreWritten();
     void bookmarksAreNested();
+    void bookmarksOfALongPdfLeadToTheirPages();
 };
 
 void tst_StoryFormats::formatsAreFoundByName_data()
@@ -376,6 +377,26 @@ void tst_StoryFormats::bookmarksAreNested()
     QVERIFY(pdf.contains(QLatin1String("/Count -10\n")));
     const QByteArray foreign("%PDF-1.4\nno such thing");
     QCOMPARE(withBookmarks(foreign, {{QStringLiteral("x"), 1, 0, 0}}, 800), foreign);
+}
+
+// The layout of a document counts in 25 bits before the point, which 11,000 pages of A4 fill. A longer one
+// had a single page.
+void tst_StoryFormats::bookmarksOfALongPdfLeadToTheirPages()
+{
+    constexpr int count = 12000;
+    const QString pdf = exported(QStringLiteral("pdf"), std::vector<StoryTab>(count));
+    static const QRegularExpression page(QStringLiteral("^(\\d+) 0 obj\\n<<\\n/Type /Page\\n"),
+                                         QRegularExpression::MultilineOption);
+    static const QRegularExpression target(QStringLiteral("/Dest \\[(\\d+) 0 R /XYZ"));
+    const auto numbers = [&pdf](const QRegularExpression &pattern) {
+        QStringList all;
+        for (auto found = pattern.globalMatch(pdf); found.hasNext();)
+            all << found.next().captured(1);
+        return all;
+    };
+    const QStringList pages = numbers(page);
+    QCOMPARE(pages.size(), count);
+    QCOMPARE(numbers(target), pages);
 }
 
 QTEST_MAIN(tst_StoryFormats)

@@ -14,6 +14,7 @@ private slots:
     void fileIsToldAsTheWindowHasIt_data();
     void fileIsToldAsTheWindowHasIt();
     void fileIsWrittenAsTheEditorWould();
+    void boxesAreMeasuredForWhoeverPaintsThem();
 
 private:
     StoryFolder folder;
@@ -51,6 +52,35 @@ void tst_StoryReader::fileIsWrittenAsTheEditorWould()
     QCOMPARE(reader.read(folder.put(QStringLiteral("sound.scene"), sound)), QString());
     QVERIFY(reader.damage().isNone());
     QCOMPARE(reader.bytes().toHex(), sound.toHex());
+}
+
+// Whoever wants the texts only is spared the time, and leaves nothing behind for the next one who wants the
+// boxes.
+void tst_StoryReader::boxesAreMeasuredForWhoeverPaintsThem()
+{
+    StoryTab tab;
+    tab.events.resize(150); // the first hundred are made at once, whoever reads them
+    for (std::size_t i = 0; i < tab.events.size(); ++i) {
+        tab.events[i].index = int(i);
+        tab.events[i].description = QString(500, QLatin1Char('w'));
+    }
+    const QString path = folder.put(QStringLiteral("many.scene"), sceneBytes({tab}));
+    MainWindow window;
+    window.loadFrom(path);
+    const auto heights = [](const NodegraphScene &scene) {
+        std::vector<double> all;
+        for (const Node *node : scene.nodes())
+            all.push_back(node->boundingRect().height());
+        return all;
+    };
+    StoryReader texts;
+    QCOMPARE(texts.read(path), QString());
+    StoryReader boxes(StoryReader::Boxes::measured);
+    QCOMPARE(boxes.read(path), QString());
+    QCOMPARE(texts.bytes(), boxes.bytes());
+    const std::vector<double> shown = heights(*window.views().front()->nodegraphScene());
+    QVERIFY(heights(*boxes.scenes().front()) == shown);
+    QVERIFY(heights(*texts.scenes().front()).back() < shown.back());
 }
 
 QTEST_MAIN(tst_StoryReader)

@@ -210,6 +210,12 @@ void tst_CanvasDetail::pictureForSomethingElseChangesNothing()
 {
     const FarCanvas canvas(1.0, 250);
     canvas.nodes.front()->nameItem()->setFocus();
+    for (Node *node : canvas.nodes) // all in view
+        node->setPos(canvas.nodes.front()->pos());
+    canvas.frame();
+    canvas.view->viewport()->setUpdatesEnabled(false); // no frame comes between
+    canvas.view->setTransform(QTransform::fromScale(0.02, 0.02));
+    canvas.view->centerOn(canvas.nodes.front());
     QImage picture(400, 300, QImage::Format_RGB32);
     QPainter painter(&picture);
     canvas.scene->render(&painter);

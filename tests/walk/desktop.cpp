@@ -1,5 +1,7 @@
 #include "walk/desktop.h"
 
+#include "walk/xscreen.h"
+
 #include <QFileInfo>
 #include <QTest>
 
@@ -24,12 +26,22 @@ void end(QProcess &process)
 
 QStringList coordinates(QPoint point) { return {QString::number(point.x()), QString::number(point.y())}; }
 
+/// By itself the tool would rest for a tenth of a second after each click.
+QStringList click(int button, int times = 1)
+{
+    return {QStringLiteral("click"),    QStringLiteral("--delay"), QStringLiteral("10"),
+            QStringLiteral("--repeat"), QString::number(times),    QString::number(button)};
+}
+
 } // namespace
 
 bool eventually(const std::function<bool()> &condition) { return QTest::qWaitFor(condition, patience); }
 
+Desktop::Desktop() = default;
+
 Desktop::~Desktop()
 {
+    screen.reset(); // a connection outlives no server
     end(windowManager);
     end(server);
 }
@@ -73,7 +85,8 @@ bool Desktop::startServer()
     if (!answered || !number.endsWith('\n'))
         return fail(QStringLiteral("Xvfb found no free display, see xvfb.log"));
     display = QLatin1Char(':') + QString::fromLatin1(number.trimmed());
-    return true;
+    screen = std::make_unique<XScreen>(display);
+    return screen->isConnected() || fail(QStringLiteral("Xvfb takes no connection, see xvfb.log"));
 }
 
 bool Desktop::startWindowManager()
@@ -85,13 +98,8 @@ bool Desktop::startWindowManager()
     windowManager.start(QStringLiteral("openbox"), {QStringLiteral("--sm-disable")});
     if (!windowManager.waitForStarted())
         return fail(QStringLiteral("openbox: ") + windowManager.errorString());
-    const bool managed = eventually([this] {
-        QByteArray answer;
-        return run(QStringLiteral("xprop"),
-                   {QStringLiteral("-root"), QStringLiteral("_NET_SUPPORTING_WM_CHECK")}, &answer) &&
-               answer.contains("window id");
-    });
-    return managed || fail(QStringLiteral("openbox does not manage the screen, see openbox.log"));
+    return eventually([this] { return screen->isManaged(); }) ||
+           fail(QStringLiteral("openbox does not manage the screen, see openbox.log"));
 }
 
 QProcessEnvironment Desktop::environment() const
@@ -130,7 +138,7 @@ QDir Desktop::artefacts()
     return QDir(QStringLiteral(WALK_ARTEFACTS "/") + QCoreApplication::applicationName());
 }
 
-bool Desktop::run(const QString &tool, const QStringList &arguments, QByteArray *output) const
+bool Desktop::run(const QString &tool, const QStringList &arguments) const
 {
     QProcess process;
     process.setProcessEnvironment(environment());
@@ -140,21 +148,10 @@ bool Desktop::run(const QString &tool, const QStringList &arguments, QByteArray 
         process.kill();
         process.waitForFinished(endingTime);
     }
-    if (output)
-        *output = process.readAllStandardOutput();
     return ended && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
 }
 
-QImage Desktop::screenshot() const
-{
-    QByteArray picture;
-    if (!run(QStringLiteral("import"),
-             {QStringLiteral("-silent"), QStringLiteral("-window"), QStringLiteral("root"),
-              QStringLiteral("ppm:-")},
-             &picture))
-        return {};
-    return QImage::fromData(picture, "PPM").convertToFormat(QImage::Format_RGB32);
-}
+QImage Desktop::screenshot() const { return screen->picture(); }
 
 bool Desktop::keepScreenshot(const QString &name, const QRect &part) const
 {
@@ -163,76 +160,52 @@ bool Desktop::keepScreenshot(const QString &name, const QRect &part) const
     return kept.save(artefacts().filePath(name));
 }
 
-QString Desktop::activeTitle() const
+QString Desktop::activeTitle() const { return screen->titleOf(screen->activeWindow()); }
+
+quint32 Desktop::windowWithTitle(const QString &title) const
 {
-    QByteArray title;
-    if (!run(QStringLiteral("xdotool"), {QStringLiteral("getactivewindow"), QStringLiteral("getwindowname")},
-             &title))
-        return {};
-    return QString::fromUtf8(title).trimmed();
+    return screen->shownWindows([&](quint32 window) { return screen->titleOf(window) == title; }).value(0);
 }
 
-int Desktop::windowWithTitle(const QString &title) const
+QList<quint32> Desktop::windowsOfClass(const QString &name) const
 {
-    QByteArray ids;
-    run(QStringLiteral("xdotool"),
-        {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"),
-         QLatin1Char('^') + QRegularExpression::escape(title) + QLatin1Char('$')},
-        &ids);
-    return ids.split('\n').constFirst().toInt();
+    return screen->shownWindows([&](quint32 window) { return screen->isOfClass(window, name); });
 }
 
-QList<int> Desktop::windowsOfClass(const QString &name) const
-{
-    QByteArray ids;
-    run(QStringLiteral("xdotool"),
-        {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--class"),
-         QLatin1Char('^') + name + QLatin1Char('$')},
-        &ids);
-    QList<int> windows;
-    const QList<QByteArray> lines = ids.split('\n');
-    for (const QByteArray &line : lines) {
-        if (const int id = line.toInt())
-            windows.append(id);
-    }
-    return windows;
-}
+QRect Desktop::geometry(quint32 window) const { return screen->geometry(window); }
 
-QRect Desktop::geometry(int window) const
-{
-    QByteArray text;
-    // Without a window the tool would wait for a click on one.
-    if (window == 0 ||
-        !run(QStringLiteral("xwininfo"), {QStringLiteral("-id"), QString::number(window)}, &text))
-        return {};
-    const auto number = [&text](const char *label) {
-        const QRegularExpression line(QLatin1String(label) + QStringLiteral(":\\s*(-?\\d+)"));
-        return line.match(QString::fromUtf8(text)).captured(1).toInt();
-    };
-    return {number("Absolute upper-left X"), number("Absolute upper-left Y"), number("Width"),
-            number("Height")};
-}
-
-bool Desktop::resize(int window, const QSize &size) const
+bool Desktop::resize(quint32 window, const QSize &size) const
 {
     return run(QStringLiteral("xdotool"),
                {QStringLiteral("windowsize"), QStringLiteral("--sync"), QString::number(window),
                 QString::number(size.width()), QString::number(size.height())});
 }
 
+/// A button that goes down belongs to the window manager first, and the server holds the mouse back until it
+/// has seen it. What is let go in that time is told with the place of any move that came after it: a click
+/// would look like a drag to there. And a program that is busy is told only the last of the moves that it has
+/// not taken, so that it would never know of a rest between two of them.
+bool Desktop::useMouse(const QStringList &steps) const
+{
+    if (!run(QStringLiteral("xdotool"), steps))
+        return false;
+    const quint32 asked = screen->askManager();
+    if (!eventually([&] { return screen->managerHasAnswered(asked); }))
+        return false;
+    const quint32 window = screen->activeWindow();
+    const quint32 ping = screen->ping(window);
+    return eventually([&] { return screen->hasAnswered(window, ping); });
+}
+
 bool Desktop::click(QPoint point) const
 {
-    return run(QStringLiteral("xdotool"), QStringList{QStringLiteral("mousemove")} + coordinates(point) +
-                                              QStringList{QStringLiteral("click"), QStringLiteral("1")});
+    return useMouse(QStringList{QStringLiteral("mousemove")} + coordinates(point) + ::click(1));
 }
 
 bool Desktop::scroll(QPoint point, int notches) const
 {
-    return run(QStringLiteral("xdotool"),
-               QStringList{QStringLiteral("mousemove")} + coordinates(point) +
-                   QStringList{QStringLiteral("click"), QStringLiteral("--repeat"),
-                               QString::number(qAbs(notches)),
-                               notches > 0 ? QStringLiteral("4") : QStringLiteral("5")});
+    return useMouse(QStringList{QStringLiteral("mousemove")} + coordinates(point) +
+                    ::click(notches > 0 ? 4 : 5, qAbs(notches)));
 }
 
 bool Desktop::drag(QPoint from, QPoint to) const
@@ -243,27 +216,25 @@ bool Desktop::drag(QPoint from, QPoint to) const
     for (int i = 1; i <= moves; ++i)
         steps += QStringList{QStringLiteral("mousemove")} + coordinates(from + (to - from) * i / moves);
     steps += QStringList{QStringLiteral("mouseup"), QStringLiteral("1")};
-    return run(QStringLiteral("xdotool"), steps);
+    return useMouse(steps);
 }
 
 bool Desktop::press(QPoint point, int button) const
 {
-    return run(QStringLiteral("xdotool"),
-               QStringList{QStringLiteral("mousemove")} + coordinates(point) +
-                   QStringList{QStringLiteral("mousedown"), QString::number(button)});
+    return useMouse(QStringList{QStringLiteral("mousemove")} + coordinates(point) +
+                    QStringList{QStringLiteral("mousedown"), QString::number(button)});
 }
 
 // In two steps, as a hand would: one jump alone can look like no move at all.
 bool Desktop::moveTo(QPoint point) const
 {
-    return run(QStringLiteral("xdotool"), QStringList{QStringLiteral("mousemove")} +
-                                              coordinates(point - QPoint(3, 3)) +
-                                              QStringList{QStringLiteral("mousemove")} + coordinates(point));
+    return useMouse(QStringList{QStringLiteral("mousemove")} + coordinates(point - QPoint(3, 3)) +
+                    QStringList{QStringLiteral("mousemove")} + coordinates(point));
 }
 
 bool Desktop::release(int button) const
 {
-    return run(QStringLiteral("xdotool"), {QStringLiteral("mouseup"), QString::number(button)});
+    return useMouse({QStringLiteral("mouseup"), QString::number(button)});
 }
 
 bool Desktop::key(const QString &keys) const

@@ -8,6 +8,9 @@
 #include <QTemporaryDir>
 
 #include <functional>
+#include <memory>
+
+class XScreen;
 
 /// A screen of its own: a virtual X server with a window manager, with a mouse and a keyboard to use it.
 ///
@@ -15,7 +18,7 @@
 class Desktop
 {
 public:
-    Desktop() = default;
+    Desktop();
     ~Desktop();
     Desktop(const Desktop &) = delete;
     Desktop &operator=(const Desktop &) = delete;
@@ -38,15 +41,16 @@ public:
     /// The title of the window that has the keyboard, empty if none has.
     QString activeTitle() const;
     /// The visible window with exactly that title; 0 if there is none.
-    int windowWithTitle(const QString &title) const;
+    quint32 windowWithTitle(const QString &title) const;
     /// The visible windows of that class, dialogs and menus among them.
-    QList<int> windowsOfClass(const QString &name) const;
+    QList<quint32> windowsOfClass(const QString &name) const;
     /// Where the contents of a window are on the screen; empty for 0.
-    QRect geometry(int window) const;
+    QRect geometry(quint32 window) const;
     /// Gives a window's contents another size than they have, and waits until they have it.
-    bool resize(int window, const QSize &size) const;
+    bool resize(quint32 window, const QSize &size) const;
 
-    /// Each returns whether the event could be sent. Points are those of the screen.
+    /// Each returns whether the event could be sent. Points are those of the screen. Those of the
+    /// mouse wait until the window manager and the program have taken it.
     bool click(QPoint point) const;
     /// Turns the wheel there, away from the user for notches above 0.
     bool scroll(QPoint point, int notches) const;
@@ -68,11 +72,13 @@ private:
     bool startWindowManager();
     bool fail(const QString &text);
     /// Runs a tool to its end; false if it could not run or reported an error.
-    bool run(const QString &tool, const QStringList &arguments, QByteArray *output = nullptr) const;
+    bool run(const QString &tool, const QStringList &arguments) const;
+    bool useMouse(const QStringList &steps) const;
 
     QTemporaryDir home;
     QProcess server;
     QProcess windowManager;
+    std::unique_ptr<XScreen> screen; // once the server runs
     QString display;
     QString problemText;
 };

@@ -20,7 +20,6 @@ constexpr double boxWidth = 455.0;
 constexpr double socketWidth = 10.0;
 constexpr double framingMargin = 50.0;
 constexpr double headerHeight = 34.0;
-constexpr int fileMenuEntries = 5;
 constexpr int menuEntries[] = {5, 8, 6, 3, 1}; // of each menu, without the separators
 constexpr int menuBarHeight = 24;
 
@@ -118,6 +117,16 @@ QList<EventBox> EditorWindow::events() const
     std::sort(boxes.begin(), boxes.end(),
               [](const EventBox &a, const EventBox &b) { return a.header.left() < b.header.left(); });
     return boxes;
+}
+
+QList<EventBox> EditorWindow::shownEvents(int count) const
+{
+    QList<EventBox> seen;
+    const bool shown = eventually([&] {
+        seen = events();
+        return seen.size() == count;
+    });
+    return shown ? seen : QList<EventBox>();
 }
 
 QList<EventBox> EditorWindow::framedEvents(int count) const
@@ -219,13 +228,23 @@ bool EditorWindow::dialogIsActive(const QString &title) const
 
 bool EditorWindow::key(const QString &keys) const { return hasKeyboard() && desktop.key(keys); }
 
+bool EditorWindow::clickEvent(int event, int count) const
+{
+    const QList<EventBox> seen = shownEvents(count);
+    return event < seen.size() && desktop.click(seen.at(event).body());
+}
+
 bool EditorWindow::clickEmptyCanvas() const { return desktop.click(canvas.topLeft() + QPoint(20, 20)); }
 
 bool EditorWindow::noticeHasGone() const
 {
-    const QRgb ground = qRgb(30, 70, 50); // of good news, which go by themselves
-    return eventually(
-        [&] { return desktop.screenshot().pixel(canvas.bottomLeft() + QPoint(4, -4)) != ground; });
+    return eventually([this] { return !isNotice(desktop.screenshot(), canvas); });
+}
+
+bool EditorWindow::isNotice(const QImage &picture, const QRect &canvas)
+{
+    constexpr QRgb ground = qRgb(30, 70, 50);
+    return picture.pixel(canvas.bottomLeft() + QPoint(4, -4)) == ground;
 }
 
 bool EditorWindow::replaceTitle(const EventBox &box, const QString &text) const
@@ -242,35 +261,18 @@ bool EditorWindow::pressTabButton() const { return desktop.click(canvas.topLeft(
 
 bool EditorWindow::chooseTab(int tab) const
 {
-    const QList<TabSign> seen = tabs();
-    return tab < seen.size() && desktop.click(seen.at(tab).label());
+    QList<TabSign> seen;
+    return eventually([&] { return tab < (seen = tabs()).size(); }) && desktop.click(seen.at(tab).label());
 }
 
 bool EditorWindow::pressCloseButton(int tab) const
 {
-    const QList<TabSign> seen = tabs();
-    return tab < seen.size() && desktop.click(seen.at(tab).closeButton.center());
+    QList<TabSign> seen;
+    return eventually([&] { return tab < (seen = tabs()).size(); }) &&
+           desktop.click(seen.at(tab).closeButton.center());
 }
 
 bool EditorWindow::pressAddButton() const { return desktop.click(canvas.topLeft() + QPoint(-22, 26)); }
-
-bool EditorWindow::chooseFromFileMenu(int entry) const
-{
-    if (!hasKeyboard() || !desktop.click(window.topLeft() + QPoint(50, 12)))
-        return false;
-    QRect menu;
-    const bool opened = eventually([&] {
-        const QList<int> windows = desktop.windowsOfClass(QStringLiteral("fablegrid"));
-        for (const int id : windows) {
-            menu = desktop.geometry(id);
-            if (menu.width() < window.width() / 2 && menu.height() > 60)
-                return true;
-        }
-        return false;
-    });
-    const double y = menu.top() + menu.height() * (entry + 0.5) / fileMenuEntries;
-    return opened && desktop.click(QPointF(menu.left() + 30, y).toPoint());
-}
 
 QList<QPoint> EditorWindow::menuTitles() const
 {
@@ -290,8 +292,8 @@ QList<QPoint> EditorWindow::menuTitles() const
 
 QRect EditorWindow::openedMenu() const
 {
-    const QList<int> windows = desktop.windowsOfClass(QStringLiteral("fablegrid"));
-    for (const int id : windows) {
+    const QList<quint32> windows = desktop.windowsOfClass(QStringLiteral("fablegrid"));
+    for (const quint32 id : windows) {
         const QRect menu = desktop.geometry(id);
         const int fall = menu.top() - window.top();
         if (menu.width() < window.width() / 2 && fall > 0 && fall < 2 * menuBarHeight && menu.height() > 10)
@@ -321,10 +323,15 @@ QList<QPoint> EditorWindow::entriesOf(const QRect &menu) const
 
 QList<QPoint> EditorWindow::openMenu(Menu menu) const
 {
-    const QList<QPoint> titles = menuTitles();
-    if (!hasKeyboard() || titles.size() != int(std::size(menuEntries)) ||
-        !desktop.click(titles.at(int(menu))))
+    QList<QPoint> titles;
+    const auto showsTitles = [&] { return (titles = menuTitles()).size() == int(std::size(menuEntries)); };
+    if (!hasKeyboard() || !eventually(showsTitles) || !desktop.click(titles.at(int(menu))))
         return {};
+    return shownEntries(menu);
+}
+
+QList<QPoint> EditorWindow::shownEntries(Menu menu) const
+{
     QList<QPoint> found;
     const bool opened = eventually([&] {
         const QRect shown = openedMenu();

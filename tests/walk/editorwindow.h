@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QImage>
 #include <QList>
 #include <QPoint>
 #include <QRect>
@@ -54,6 +55,9 @@ public:
 
     /// The events whose headers and sockets are in sight, from left to right.
     QList<EventBox> events() const;
+    /// Waits for that many events and returns them; an empty list if they never are in sight. What has been
+    /// clicked or closed just now may still cover some of them.
+    QList<EventBox> shownEvents(int count) const;
     /// Waits for that many events, all in sight and filling the canvas from side to side, and returns them;
     /// an empty list if that never happens.
     QList<EventBox> framedEvents(int count) const;
@@ -73,20 +77,24 @@ public:
 
     /// Each returns whether it could be done.
     bool key(const QString &keys) const;
+    /// Waits until so many events are in sight and clicks that one of them, counted from 0, on its body.
+    bool clickEvent(int event, int count) const;
     bool clickEmptyCanvas() const;
     /// What tells of a save at the lower edge of the canvas is not shown, or not any more.
     bool noticeHasGone() const;
+    /// Whether a picture with the canvas there has good news at the canvas's lower edge.
+    static bool isNotice(const QImage &picture, const QRect &canvas);
     bool replaceTitle(const EventBox &box, const QString &text) const;
     bool writeDescription(const EventBox &box, const QString &text) const;
     bool pressTabButton() const;
     bool chooseTab(int tab) const;
     bool pressCloseButton(int tab) const;
     bool pressAddButton() const;
-    /// Opens the File menu and clicks its entry at that place, counted from 0.
-    bool chooseFromFileMenu(int entry) const;
     /// Clicks the menu's title and waits until all its entries are shown; returns their middles from top to
     /// bottom, an empty list if that never happens.
     QList<QPoint> openMenu(Menu menu) const;
+    /// Waits until all entries of that menu, which is open or about to open, are shown, and returns them so.
+    QList<QPoint> shownEntries(Menu menu) const;
     /// Where the menu that is open is on the screen; empty if none is.
     QRect openedMenu() const;
     /// Choose the entry at that place, counted from 0 without the separators, and wait for the menu's end.

@@ -123,7 +123,7 @@ bool PictureTaker::drag()
     NEED(desktop.drag(boxes.at(1).input, boxes.at(1).at(-40, 300))); // takes the connection off
     NEED(window.comesToShowEntries(2));
     NEED(desktop.press(boxes.at(0).output));
-    NEED(desktop.moveTo(boxes.at(1).input + QPoint(-30, -40)));
+    NEED(desktop.moveTo(boxes.at(1).input + QPoint(-15, 110)));
     NEED(keep("dragging"));
     NEED(desktop.moveTo(boxes.at(1).input));
     NEED(desktop.release());

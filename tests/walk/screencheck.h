@@ -22,8 +22,10 @@ public:
 
 private:
     QImage picture() const;
+    bool showsNotice(const QImage &window) const;
+    void hideNotice(QImage &window) const;
     bool comesToRest(QImage &still) const;
-    bool isPaintedAnew(int window) const;
+    bool isPaintedAnew(quint32 window) const;
 
     const Desktop &desktop;
     const EditorWindow &editor;

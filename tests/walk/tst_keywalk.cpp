@@ -84,24 +84,18 @@ void tst_KeyWalk::startSaved(const QString &name)
 /// Where the first event's texts can be clicked; null if they are not in sight.
 QPoint tst_KeyWalk::placeOf(Text text) const
 {
-    QList<EventBox> boxes;
-    QList<QRect> entries;
-    const auto allAreShown = [&] { // not at once when a dialog has been over them
-        boxes = window.events();
-        entries = window.entries();
-        return boxes.size() == 3 && entries.size() == 3;
-    };
-    if (!eventually(allAreShown))
+    const QList<EventBox> boxes = window.shownEvents(3);
+    if (boxes.isEmpty() || !window.comesToShowEntries(3))
         return {};
     if (text == Text::entry)
-        return entries.at(0).center();
+        return window.entries().at(0).center();
     return text == Text::title ? boxes.at(0).title() : boxes.at(0).description();
 }
 
 void tst_KeyWalk::showsBodies(const QList<QColor> &colours)
 {
-    QVERIFY(eventually([&] { return window.events().size() == colours.size(); }));
-    const QList<EventBox> boxes = window.events();
+    const QList<EventBox> boxes = window.shownEvents(int(colours.size()));
+    QCOMPARE(boxes.size(), colours.size());
     for (int i = 0; i < colours.size(); ++i)
         QVERIFY2(window.comesToShowBodyColour(boxes.at(i), colours.at(i)), qPrintable(QString::number(i)));
 }
@@ -143,8 +137,8 @@ void tst_KeyWalk::keysEditTheTextThatHasTheFocus()
     }
     QCOMPARE(walk.logged(graphCommands), commands);
     STEP(walk.checkScreen());
-    QCOMPARE(window.events().size(), 3);
-    QCOMPARE(window.entries().size(), 3);
+    QCOMPARE(window.shownEvents(3).size(), 3);
+    QVERIFY(window.comesToShowEntries(3));
 
     // The graph's own history is as it was: its last command is the third event.
     QVERIFY(window.clickEmptyCanvas());
@@ -179,7 +173,7 @@ void tst_KeyWalk::keysActOnTheGraphOnceATextIsLeft()
     SavedEvent &edited = scene.tabs[0][0];
     (Text(text) == Text::title ? edited.title : edited.description) = QStringLiteral("dawn");
 
-    QVERIFY(ontoBody ? desktop.click(window.events().at(1).body()) : window.clickEmptyCanvas());
+    QVERIFY(ontoBody ? window.clickEvent(1, 3) : window.clickEmptyCanvas());
     STEP(selectEverything());
     STEP(deleteAndUndo());
     STEP(moveLastEvent(QStringLiteral("ctrl+c")));
@@ -203,7 +197,7 @@ void tst_KeyWalk::deleteAndUndo()
 {
     QVERIFY(window.key(QStringLiteral("Delete")));
     QVERIFY(window.comesToShowEntries(0));
-    QCOMPARE(window.events().size(), 0);
+    QVERIFY(eventually([this] { return window.events().isEmpty(); }));
     const SavedScene emptied = walk.savedAgain(path);
     QCOMPARE(emptied.problem, QString());
     QCOMPARE(emptied.tabs.size(), 1);
@@ -225,11 +219,14 @@ void tst_KeyWalk::moveLastEvent(const QString &takingKey)
     const bool cut = takingKey == QStringLiteral("ctrl+x");
     QVERIFY(window.clickEmptyCanvas());
     STEP(showsBodies({plainColour, plainColour, endColour}));
-    const EventBox box = window.events().at(2);
+    const QList<EventBox> boxes = window.shownEvents(3);
+    QCOMPARE(boxes.size(), 3);
+    const EventBox box = boxes.at(2);
     const QPoint target = box.at(-60, 220);
     QVERIFY(desktop.click(box.body()));
     QVERIFY(window.key(takingKey));
-    QVERIFY(eventually([&] { return window.events().size() == (cut ? 2 : 3); }));
+    const int left = cut ? 2 : 3;
+    QCOMPARE(window.shownEvents(left).size(), left);
     QCOMPARE(toText(walk.savedAgain(path)), toText(scene)); // cut events included
 
     QVERIFY(desktop.moveTo(target));

@@ -1,0 +1,18 @@
+#pragma once
+
+class QString;
+
+/// How names within one folder change hands: each at once, or not at all. All return 0, or what the system
+/// says of it.
+namespace FileMoves {
+
+/// Whatever stands under the new name is gone then.
+int over(const QString &from, const QString &to);
+/// EEXIST if somebody has the new name, be it a link.
+int toFreeName(const QString &from, const QString &to);
+/// Each gets the other's name. EINVAL or ENOSYS where the system or the disk does not know that.
+int exchange(const QString &one, const QString &other);
+/// Gives the file a second name, which nobody has.
+int addName(const QString &file, const QString &name);
+
+} // namespace FileMoves

@@ -1,0 +1,82 @@
+#include "app/guardedapplication.h"
+
+#include "app/steadylog.h"
+
+#include <QDebug>
+#include <QThread>
+
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <exception>
+#include <new>
+#include <thread>
+#include <utility>
+
+namespace {
+constexpr std::chrono::seconds longestLastWork(60);
+
+template <typename Work>
+void tryTo(const Work &work)
+{
+    try {
+        work();
+    } catch (const std::bad_alloc &) {
+        // Not even for that.
+    }
+}
+
+} // namespace
+
+GuardedApplication::GuardedApplication(int &argc, char **argv) : QApplication(argc, argv)
+{
+    std::set_terminate(endWhatNobodyCatches);
+}
+
+GuardedApplication::~GuardedApplication() { std::set_terminate(std::abort); }
+
+bool GuardedApplication::notify(QObject *receiver, QEvent *event)
+{
+    try {
+        return QApplication::notify(receiver, event);
+    } catch (const std::bad_alloc &) {
+        end();
+    }
+}
+
+/// A destructor lets nothing through, and some tell others what has changed.
+void GuardedApplication::endWhatNobodyCatches()
+{
+    try {
+        if (const std::exception_ptr thrown = std::current_exception())
+            std::rethrow_exception(thrown);
+    } catch (const std::bad_alloc &) {
+        if (auto *application = dynamic_cast<GuardedApplication *>(instance()))
+            application->end();
+    } catch (...) {
+        // A fault of the program's own ends it as ever.
+    }
+    std::abort();
+}
+
+void GuardedApplication::end()
+{
+    static std::atomic_flag isEnding;
+    const bool isOwnThread = QThread::currentThread() == thread();
+    if (isEnding.test_and_set()) {
+        // The last work itself may fail where nobody catches it; from another thread it is let be.
+        if (!isOwnThread)
+            std::this_thread::sleep_for(longestLastWork);
+        std::_Exit(EXIT_FAILURE);
+    }
+    spare.release();
+    // The work comes before the words, and each has a try of its own. Windows are for their own thread alone.
+    if (isOwnThread) {
+        if (const auto work = std::exchange(lastWork, {}))
+            tryTo(work);
+    }
+    tryTo([] { qCritical() << "Out of memory, the program ends."; });
+    SteadyLog::waitForTheReader();
+    // Whatever was being done is in no state to be taken down in order.
+    std::_Exit(EXIT_FAILURE);
+}

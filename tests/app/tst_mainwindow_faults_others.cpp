@@ -1,0 +1,185 @@
+#include "app/faultyfiles.h"
+#include "app/longruns.h"
+#include "app/noticestrip.h"
+#include "app/windowsupport.h"
+#include "faults/savedocuments.h"
+#include "support/testsupport.h"
+
+#include <cerrno>
+
+using Call = FaultyFiles::Call;
+using Fault = FaultyFiles::Fault;
+
+/// What somebody else has put into the file that a save is about to replace.
+class tst_MainWindowFaultsOthers : public QObject
+{
+    Q_OBJECT
+
+public:
+    static void initMain() { keepFilesInMemory(); }
+
+private slots:
+    void init()
+    {
+        failOnWarningsOfTheProgram();
+        home = std::make_unique<PrivateHome>();
+        QVERIFY(QDir().mkpath(folder()));
+        QVERIFY(writeFile(story(), smallDocument()));
+        window = std::make_unique<MainWindow>();
+        window->loadFrom(story());
+    }
+    void cleanup()
+    {
+        window.reset();
+        flushDeferredDeletes();
+        home.reset();
+    }
+
+    void fileIsReadOnlyIfSomebodyHasChangedIt_data();
+    void fileIsReadOnlyIfSomebodyHasChangedIt();
+    void nothingIsKeptIfTheSaveCannotBegin();
+    void whatCannotBeKeptInItsFolderStaysBesideTheFile();
+    void whatCannotBeKeptAtAllIsNotReplaced();
+    void whoSavesInBetweenLosesNothing_data();
+    void whoSavesInBetweenLosesNothing();
+    void saveWithoutAnExchangeOfNamesLeavesNothing();
+
+private:
+    QString folder() const { return home->filePath(QStringLiteral("stories")); }
+    QString story() const { return folder() + QStringLiteral("/story.scene"); }
+    QString kept() const { return home->filePath(QStringLiteral("Documents/Fablegrid/Kept")); }
+    QString notice() const { return window->findChild<NoticeStrip *>()->accessibleName(); }
+    void letNothingBeKept() const
+    {
+        QVERIFY(writeFile(home->filePath(QStringLiteral("Documents")), "no folder"));
+    }
+
+    const QByteArray others = documentBytes({{}, {}, {}});
+    std::unique_ptr<PrivateHome> home;
+    std::unique_ptr<MainWindow> window;
+};
+
+void tst_MainWindowFaultsOthers::fileIsReadOnlyIfSomebodyHasChangedIt_data()
+{
+    QTest::addColumn<bool>("saved");
+    QTest::addColumn<bool>("changed");
+    for (const bool saved : {false, true}) {
+        QTest::addRow("%s", saved ? "saved" : "opened") << saved << false;
+        QTest::addRow("%s, then changed", saved ? "saved" : "opened") << saved << true;
+    }
+}
+
+void tst_MainWindowFaultsOthers::fileIsReadOnlyIfSomebodyHasChangedIt()
+{
+    QFETCH(const bool, saved);
+    QFETCH(const bool, changed);
+    if (saved)
+        QVERIFY(window->saveTo(story()));
+    if (changed)
+        QVERIFY(writeFile(story(), others));
+    const FaultyFiles counting(folder(), {});
+    QVERIFY(window->saveTo(story()));
+    QCOMPARE(counting.calls(Call::read) > 0, changed);
+    QCOMPARE(filesBelow(kept()).size(), changed ? 1 : 0);
+}
+
+void tst_MainWindowFaultsOthers::nothingIsKeptIfTheSaveCannotBegin()
+{
+    QVERIFY(writeFile(story(), others));
+    QTest::ignoreMessage(QtWarningMsg, "Couldn't open file for writing.");
+    {
+        const FaultyFiles faulty(folder(), {{Call::createUnnamed, 1, EACCES, true},
+                                            {Call::create, 1, EACCES, true},
+                                            {Call::openForWriting, 1, EACCES, true}});
+        QVERIFY(!window->saveTo(story()));
+    }
+    QCOMPARE(filesBelow(kept()), QStringList());
+    QCOMPARE(readFile(story()), others);
+}
+
+void tst_MainWindowFaultsOthers::whatCannotBeKeptInItsFolderStaysBesideTheFile()
+{
+    letNothingBeKept();
+    QVERIFY(writeFile(story(), others));
+    const Warnings warnings;
+    QVERIFY(window->saveTo(story()));
+    QCOMPARE(warnings.lines().size(), 1);
+    QVERIFY(warnings.lines().front().startsWith(QStringLiteral("Failed to keep a copy:")));
+    QCOMPARE(readFile(story()), smallDocument());
+    QStringList files = filesBelow(folder());
+    files.removeAll(QStringLiteral("story.scene"));
+    QCOMPARE(files.size(), 1);
+    QCOMPARE(readFile(folder() + QLatin1Char('/') + files.front()), others);
+    QVERIFY2(notice().contains(files.front()), qPrintable(notice()));
+}
+
+void tst_MainWindowFaultsOthers::whatCannotBeKeptAtAllIsNotReplaced()
+{
+    letNothingBeKept();
+    QVERIFY(writeFile(story(), others));
+    const Warnings warnings;
+    {
+        // The first is that of the save itself.
+        const FaultyFiles faulty(folder(),
+                                 {{Call::createUnnamed, 2, ENOSPC, true}, {Call::create, 1, ENOSPC, true}});
+        QVERIFY(!window->saveTo(story()));
+    }
+    QCOMPARE(warnings.lines().size(), 2);
+    const QString why = QStringLiteral("what is in the file is not from this window and could not be kept: "
+                                       "Not a directory");
+    QCOMPARE(warnings.lines().back(),
+             QStringLiteral("Couldn't write the scene file: \"%1\" \"%2\"").arg(story(), why));
+    QCOMPARE(readFile(story()), others);
+    QCOMPARE(filesBelow(folder()), QStringList{QStringLiteral("story.scene")});
+    QVERIFY2(notice().contains(why), qPrintable(notice()));
+    // Another place takes the work all the same.
+    QVERIFY(window->saveTo(folder() + QStringLiteral("/mine.scene")));
+    QCOMPARE(readFile(folder() + QStringLiteral("/mine.scene")), smallDocument());
+}
+
+void tst_MainWindowFaultsOthers::whoSavesInBetweenLosesNothing_data()
+{
+    QTest::addColumn<bool>("isNew"); // for this window; the other one makes it
+    QTest::newRow("the document's own file") << false;
+    QTest::newRow("a file that was not there") << true;
+}
+
+// Between the look at what stands there and the moment at which it is replaced.
+void tst_MainWindowFaultsOthers::whoSavesInBetweenLosesNothing()
+{
+    QFETCH(const bool, isNew);
+    const QString file = isNew ? folder() + QStringLiteral("/new.scene") : story();
+    {
+        const auto save = [&] {
+            QFile::remove(file); // as by a rename over it
+            QVERIFY(writeFile(file, others));
+        };
+        const FaultyFiles faulty(folder(),
+                                 {{isNew ? Call::rename : Call::exchange, isNew ? 2 : 1, 0, false, save}});
+        QVERIFY(window->saveTo(file));
+        QCOMPARE(faulty.hits(), 1);
+    }
+    QCOMPARE(readFile(file), smallDocument());
+    const QStringList putBy = filesBelow(folder()).filter(QStringLiteral("_other.scene"));
+    QCOMPARE(putBy.size(), 1);
+    QCOMPARE(readFile(folder() + QLatin1Char('/') + putBy.front()), others);
+    QCOMPARE(filesBelow(folder()).size(), isNew ? 3 : 2);
+    QVERIFY2(notice().contains(putBy.front()), qPrintable(notice()));
+    // That was the last that is known of the file.
+    QVERIFY(window->saveTo(file));
+    QCOMPARE(filesBelow(folder()).size(), isNew ? 3 : 2);
+}
+
+// Nor does anything else, for who has nothing to fear.
+void tst_MainWindowFaultsOthers::saveWithoutAnExchangeOfNamesLeavesNothing()
+{
+    const FaultyFiles faulty(folder(), {{Call::exchange, 1, EINVAL, true}});
+    for (const QString &name : {QStringLiteral("/story.scene"), QStringLiteral("/new.scene")})
+        QVERIFY(window->saveTo(folder() + name));
+    QVERIFY(faulty.hits() > 0);
+    QCOMPARE(filesBelow(folder()).size(), 2);
+    QCOMPARE(readFile(folder() + QStringLiteral("/new.scene")), smallDocument());
+}
+
+QTEST_MAIN(tst_MainWindowFaultsOthers)
+#include "tst_mainwindow_faults_others.moc"
