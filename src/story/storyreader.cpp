@@ -16,7 +16,8 @@
 namespace {
 
 /// Takes the log of its lifetime. What a reader finds wrong with a file it says there, and nowhere else: so
-/// whoever listens tells just what the editor's log tells.
+/// whoever listens tells just what the editor's log tells. The libraries speak in the same place, of a font
+/// that lacks a script and the like: that is no fault of the file.
 class ReadingLog
 {
 public:
@@ -35,10 +36,10 @@ public:
 private:
     static void handle(QtMsgType type, const QMessageLogContext &context, const QString &text)
     {
-        const bool isOfTheProgram = qstrcmp(context.category, "default") == 0;
+        const bool isDamage = text.startsWith(QLatin1String("Damaged "));
         if (type == QtInfoMsg && text == QLatin1String("CouldntFind outNode"))
             ++active->noted.missingFeeders;
-        else if (type == QtWarningMsg && isOfTheProgram)
+        else if (type == QtWarningMsg && isDamage)
             active->noted.warnings << text;
         else if (type != QtInfoMsg && type != QtDebugMsg && active->previous)
             active->previous(type, context, text);

@@ -14,6 +14,7 @@ private slots:
     void fileIsToldAsTheWindowHasIt_data();
     void fileIsToldAsTheWindowHasIt();
     void fileIsWrittenAsTheEditorWould();
+    void whatALibrarySaysIsNoDamage();
     void boxesAreMeasuredForWhoeverPaintsThem();
 
 private:
@@ -52,6 +53,24 @@ void tst_StoryReader::fileIsWrittenAsTheEditorWould()
     QCOMPARE(reader.read(folder.put(QStringLiteral("sound.scene"), sound)), QString());
     QVERIFY(reader.damage().isNone());
     QCOMPARE(reader.bytes().toHex(), sound.toHex());
+}
+
+// A font without the script of a text is the machine's fault, not the file's.
+void tst_StoryReader::whatALibrarySaysIsNoDamage()
+{
+    const char *complaint = "OpenType support missing for \"Some Font\", script 10";
+    int complaints = 0;
+    const auto complain = [&](double) {
+        if (complaints++ > 0)
+            return;
+        QTest::ignoreMessage(QtWarningMsg, complaint);
+        qWarning("%s", complaint);
+    };
+    StoryReader reader;
+    QCOMPARE(reader.read(folder.put(QStringLiteral("sound.scene"), sceneBytes({branchedTab()})), complain),
+             QString());
+    QVERIFY(complaints > 0);
+    QCOMPARE(reader.damage().lines(), QStringList());
 }
 
 // Whoever wants the texts only is spared the time, and leaves nothing behind for the next one who wants the
