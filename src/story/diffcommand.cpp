@@ -1,4 +1,5 @@
 #include "story/console.h"
+#include "story/jsontext.h"
 #include "story/storycommand.h"
 #include "story/storydiff.h"
 #include "story/storyreader.h"
@@ -223,7 +224,7 @@ public:
                 print(tabs, i, before, after, changes, console);
         }
         if (parser.isSet(QStringLiteral("json")))
-            console.write(QJsonDocument(told).toJson());
+            console.write(JsonText::of(QJsonDocument(told)));
         return differ ? Differs : Done;
     }
 

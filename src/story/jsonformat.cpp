@@ -1,4 +1,5 @@
 #include "story/formats.h"
+#include "story/jsontext.h"
 #include "story/readings.h"
 #include "story/story.h"
 #include "story/storyformat.h"
@@ -74,7 +75,7 @@ public:
             {QStringLiteral("version"), 1},
             {QStringLiteral("tabs"), tabs},
         };
-        out.write(QJsonDocument(document).toJson());
+        out.write(JsonText::of(QJsonDocument(document)));
     }
 
     bool canRead() const override { return true; }

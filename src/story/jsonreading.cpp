@@ -1,5 +1,6 @@
 #include "story/eventrows.h"
 #include "story/jsonlines.h"
+#include "story/jsontext.h"
 #include "story/leftout.h"
 #include "story/readings.h"
 #include "story/story.h"
@@ -19,13 +20,11 @@ struct Texts
     Q_DECLARE_TR_FUNCTIONS(JsonReading)
 };
 
-/// The parser takes this sign away from the beginning of each text, unless it is spelled out.
 QByteArray withoutBareMarks(QByteArray json)
 {
-    constexpr auto mark = "\xEF\xBB\xBF";
-    if (json.startsWith(mark))
+    if (json.startsWith("\xEF\xBB\xBF")) // that of the whole text
         json.remove(0, 3);
-    return json.replace(mark, "\\uFEFF");
+    return JsonText::spelledOut(std::move(json));
 }
 
 /// A number is written as a text where JSON has no other way to keep it.

@@ -1,4 +1,5 @@
 #include "story/console.h"
+#include "story/jsontext.h"
 #include "story/storycommand.h"
 #include "story/storyreader.h"
 #include "story/summary.h"
@@ -76,7 +77,7 @@ public:
             }
         }
         if (isJson)
-            console.write(QJsonDocument(shown).toJson());
+            console.write(JsonText::of(QJsonDocument(shown)));
         return code;
     }
 

@@ -326,7 +326,9 @@ void tst_StoryFormats::jsonLosesNothing()
 {
     StoryTab tab = oddTab();
     const QString halves = QString(QChar(0xD800)) + QLatin1Char('x') + QChar(0xDC00) + QChar(u'\0');
+    const QString marked = QStringLiteral("\uFEFF\uFEFFa\uFEFF"); // readers may drop the first one of a text
     tab.events[0].title = halves;
+    tab.events[3].title = marked;
     tab.events[0].position = QPointF(-0.0, 5e-324);
     tab.events[1].position = QPointF(0.1 + 0.2, -1.7e308);
     tab.events[4].title = QString();
@@ -341,6 +343,7 @@ void tst_StoryFormats::jsonLosesNothing()
         return events.at(place).toObject()[QLatin1String(name)];
     };
     QCOMPARE(value(0, "title").toString(), halves);
+    QCOMPARE(value(3, "title").toString(), marked);
     QCOMPARE(value(0, "x"), QJsonValue(QStringLiteral("-0")));
     QCOMPARE(value(0, "y").toDouble(), 5e-324);
     QCOMPARE(value(1, "x").toDouble(), 0.1 + 0.2);
