@@ -6,10 +6,10 @@
 #include <QDateTime>
 #include <QDebug>
 #include <QDir>
-#include <QRegularExpression>
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 
 namespace {
@@ -41,18 +41,32 @@ QString fileNameOf(const QDateTime &moment, KeptCopies::Occasion occasion)
            QStringLiteral(".scene");
 }
 
-const QRegularExpression &nameOfACopy()
+/// By hand: when a copy is kept as the program exits, what Qt has for patterns may be gone.
+bool isOfACopy(const QString &name)
 {
-    static const QRegularExpression name(
-        QStringLiteral("^\\d{8}_\\d{6}_\\d{3}_(new|open|tab|close|end|other)\\.scene$"));
-    return name;
+    using Occasion = KeptCopies::Occasion;
+    static constexpr std::array<Occasion, 6> occasions{Occasion::anew,  Occasion::open, Occasion::tab,
+                                                       Occasion::close, Occasion::end,  Occasion::other};
+    const QLatin1String form("00000000_000000_000_"); // a nought for each digit
+    if (name.size() < form.size())
+        return false;
+    for (qsizetype i = 0; i < form.size(); ++i) {
+        const QChar sign = name.at(i);
+        const bool fits = form.at(i) == u'0' ? sign >= u'0' && sign <= u'9' : sign == form.at(i);
+        if (!fits)
+            return false;
+    }
+    const QStringView ending = QStringView(name).sliced(form.size());
+    return std::any_of(occasions.begin(), occasions.end(), [ending](Occasion occasion) {
+        return ending == QString(nameOf(occasion) + QStringLiteral(".scene"));
+    });
 }
 
 /// The copies in the folder, the oldest first; what the user has put there by himself is none.
 QFileInfoList copiesIn(const QString &folder)
 {
-    QFileInfoList copies = QDir(folder).entryInfoList({QStringLiteral("*.scene")}, QDir::Files, QDir::Name);
-    copies.removeIf([](const QFileInfo &file) { return !nameOfACopy().match(file.fileName()).hasMatch(); });
+    QFileInfoList copies = QDir(folder).entryInfoList(QDir::Files, QDir::Name);
+    copies.removeIf([](const QFileInfo &file) { return !isOfACopy(file.fileName()); });
     return copies;
 }
 
@@ -78,7 +92,6 @@ void KeptCopies::beReady()
 {
     // The calendars are what Qt would make late, and take away early.
     nameNow(Occasion::end);
-    nameOfACopy().optimize();
 }
 
 KeptCopies::Kept KeptCopies::keep(const QByteArray &content, Occasion occasion) const

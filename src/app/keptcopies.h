@@ -32,6 +32,7 @@ public:
     static void beReady();
 
     explicit KeptCopies(const QString &folderPath = usualFolder()) : folder(folderPath) {}
+    const QString &folderPath() const { return folder; }
 
     /// Writes those bytes into a new file beside that one, with a few more letters behind its name.
     static Kept keepBeside(const QString &path, const QByteArray &content);

@@ -16,25 +16,6 @@
 
 using Subject = Notices::Subject;
 
-namespace {
-
-/// It never got so far as to have a name.
-KeptCopies::Kept notKept(const QString &why) { return {KeptCopies::usualFolder() + QLatin1Char('/'), why}; }
-
-template <typename Keeping>
-KeptCopies::Kept asFarAsMemoryLasts(const Keeping &keeping)
-{
-    try {
-        return keeping();
-    } catch (const std::bad_alloc &) {
-        KeptCopies::Kept none = notKept(Storing::reason(ENOMEM));
-        qWarning() << "Failed to keep a copy:" << none.path << none.trouble;
-        return none;
-    }
-}
-
-} // namespace
-
 bool WorkKeeper::saveTo(const QString &path)
 {
     Others others;
@@ -109,6 +90,19 @@ void WorkKeeper::autosave()
         notices.fail(Subject::autosave, Wording::notAutosaved(copy.path, copy.trouble));
 }
 
+template <typename Keeping>
+KeptCopies::Kept WorkKeeper::asFarAsMemoryLasts(const Keeping &keeping) const
+{
+    try {
+        return keeping();
+    } catch (const std::bad_alloc &) {
+        // It never got so far as to have a name.
+        KeptCopies::Kept none{copies.folderPath() + QLatin1Char('/'), Storing::reason(ENOMEM)};
+        qWarning() << "Failed to keep a copy:" << none.path << none.trouble;
+        return none;
+    }
+}
+
 KeptCopies::Kept WorkKeeper::keepCopy(KeptCopies::Occasion occasion) const
 {
     return asFarAsMemoryLasts([this, occasion] { return copyUnsaved(occasion); });
@@ -117,7 +111,7 @@ KeptCopies::Kept WorkKeeper::keepCopy(KeptCopies::Occasion occasion) const
 KeptCopies::Kept WorkKeeper::copyUnsaved(KeptCopies::Occasion occasion) const
 {
     const QByteArray unsaved = document.unsavedBytes();
-    return unsaved.isEmpty() ? KeptCopies::Kept() : KeptCopies().keep(unsaved, occasion);
+    return unsaved.isEmpty() ? KeptCopies::Kept() : copies.keep(unsaved, occasion);
 }
 
 /// Another window or program may have saved into that file since this one has read it or written to it, or
@@ -138,7 +132,7 @@ WorkKeeper::Others WorkKeeper::keepWhatStandsThere(const QString &path) const
     if (there.content().isEmpty() || document.isOnDisk(there.content()))
         return others;
     others.kept = asFarAsMemoryLasts(
-        [&there] { return KeptCopies().keep(there.content(), KeptCopies::Occasion::other); });
+        [this, &there] { return copies.keep(there.content(), KeptCopies::Occasion::other); });
     if (!others.kept.trouble.isEmpty()) {
         // The folder of the copies may be on another disk, or may not be written to.
         const KeptCopies::Kept beside = KeptCopies::keepBeside(path, there.content());

@@ -37,6 +37,9 @@ private:
     /// Both without a path if there was nothing to keep; the second lets a lack of memory pass.
     KeptCopies::Kept keepCopy(KeptCopies::Occasion occasion) const;
     KeptCopies::Kept copyUnsaved(KeptCopies::Occasion occasion) const;
+    /// What comes of it, also if that is nothing.
+    template <typename Keeping>
+    KeptCopies::Kept asFarAsMemoryLasts(const Keeping &keeping) const;
     /// What stands in that file and is not of this window; without a path if there is nothing like that.
     struct Others
     {
@@ -49,6 +52,7 @@ private:
 
     SceneDocument &document;
     Notices &notices;
+    KeptCopies copies; // whose folder is asked for once: later may be as the program exits
     AutosaveFolder autosaves;
     QString failedPath; // of the last save that failed, until its work has left the window
     QString failedWhy;

@@ -31,10 +31,12 @@ int edit(const QString &file, const QByteArray &how)
     sceneOf(window, 0)->nodes().front()->setPos(7, 8);
     window.show();
     const DisplayLoss loss([&window] { window.keepWithoutWords(); });
-    QTimer::singleShot(0, &window, [&how] {
+    QTimer::singleShot(0, &window, [&window, &how] {
         std::puts("ready");
         std::fflush(stdout);
-        if (how == "exits")
+        if (how == "autosaved")
+            window.autosave(); // what that makes of static objects goes before the last work
+        if (how == "exits" || how == "autosaved")
             std::exit(1);
         if (how == "thread")
             std::thread([] { std::exit(1); }).join();
@@ -70,6 +72,7 @@ private slots:
     void workIsKeptWhenTheDisplayEnds();
     void onlyAnExitAmidTheWorkKeepsIt_data();
     void onlyAnExitAmidTheWorkKeepsIt();
+    void copyGoesWhereTheUserHasHisDocuments();
 
 private:
     QString path(const QString &name) const { return home->filePath(name); }
@@ -171,6 +174,32 @@ void tst_DisplayLoss::onlyAnExitAmidTheWorkKeepsIt()
     start(process, QProcessEnvironment::systemEnvironment(), how);
     QVERIFY(QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, patience));
     checkKept(copies);
+}
+
+// Where that is stands in a file, and an older copy is looked at: nothing may be needed for that which is
+// gone by then.
+void tst_DisplayLoss::copyGoesWhereTheUserHasHisDocuments()
+{
+    QVERIFY(QDir().mkpath(path(QStringLiteral("config"))));
+    QVERIFY(writeFile(path(QStringLiteral("config/user-dirs.dirs")), "XDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n"));
+    const QString folder = path(QStringLiteral("Papers/Fablegrid/Kept"));
+    QVERIFY(QDir().mkpath(folder));
+    const QString same = folder + QStringLiteral("/20200101_120000_000_tab.scene");
+    const QStringList others{QStringLiteral("20200102_120000_000_tab.scene"), QStringLiteral("mine.scene")};
+    QVERIFY(writeFile(same, story(true)));
+    for (const QString &name : others)
+        QVERIFY(writeFile(folder + QLatin1Char('/') + name, story(false)));
+    QProcess process;
+    start(process, QProcessEnvironment::systemEnvironment(), QStringLiteral("autosaved"));
+    QVERIFY(QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, patience));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QVERIFY(!QFile::exists(same)); // it has the newest name now
+    QStringList files = filesBelow(folder);
+    for (const QString &name : others)
+        QVERIFY(files.removeOne(name));
+    QCOMPARE(files.size(), 1);
+    QVERIFY2(files.front().endsWith(QStringLiteral("_end.scene")), qPrintable(files.front()));
+    QVERIFY(readFile(folder + QLatin1Char('/') + files.front()) == story(true));
 }
 
 int main(int argc, char *argv[])
