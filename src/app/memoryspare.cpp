@@ -1,8 +1,5 @@
 #include "app/memoryspare.h"
 
-#include <new>
-#include <utility>
-
 namespace {
 
 constexpr std::size_t least = std::size_t(32) << 20;
@@ -14,30 +11,54 @@ MemorySpare *present = nullptr;
 
 } // namespace
 
-MemorySpare::MemorySpare() : size(least), bytes(new char[least]) { present = this; }
+MemorySpare::MemorySpare() : wanted(least)
+{
+    resize();
+    present = this;
+}
 
 MemorySpare::~MemorySpare() { present = nullptr; }
 
 void MemorySpare::fit(qsizetype documentBytes)
 {
-    if (present)
-        present->resizeFor(documentBytes);
+    if (!present)
+        return;
+    present->wanted = least + timesTheDocument * std::size_t(documentBytes);
+    present->resize();
 }
 
 void MemorySpare::release()
 {
+    state = State::givenAway;
     bytes.reset();
     size = 0;
 }
 
-void MemorySpare::resizeFor(qsizetype documentBytes)
+void MemorySpare::resize()
 {
-    const std::size_t wanted = least + timesTheDocument * std::size_t(documentBytes);
-    if (size == 0 || (wanted <= size && wanted > size / 2))
+    if (state != State::held || (wanted <= size && wanted > size / 2))
         return;
-    std::unique_ptr<char[]> other(new (std::nothrow) char[wanted]);
-    if (!other)
-        return; // what there is is better than nothing
-    bytes = std::move(other);
-    size = wanted;
+    // Never the old and the new one at once, and where there is not so much the old one stays, which is
+    // better than nothing.
+    if (void *resized = std::realloc(bytes.get(), wanted)) {
+        static_cast<void>(bytes.release());
+        bytes.reset(resized);
+        size = wanted;
+    }
+}
+
+MemorySpare::Loan::Loan()
+{
+    if (!present || present->state != State::held)
+        return;
+    present->release();
+    present->state = State::lent;
+}
+
+MemorySpare::Loan::~Loan()
+{
+    if (!present || present->state != State::lent)
+        return;
+    present->state = State::held;
+    present->resize();
 }

@@ -1,5 +1,6 @@
 #include "app/workkeeper.h"
 
+#include "app/memoryspare.h"
 #include "app/notices.h"
 #include "app/scenedocument.h"
 #include "app/storing.h"
@@ -15,6 +16,22 @@
 #include <utility>
 
 using Subject = Notices::Subject;
+
+namespace {
+
+/// What leaves a window is a last copy, too.
+template <typename Keeping>
+KeptCopies::Kept withSpareMemory(const Keeping &keeping)
+{
+    try {
+        return keeping();
+    } catch (const std::bad_alloc &) {
+        const MemorySpare::Loan loan;
+        return keeping();
+    }
+}
+
+} // namespace
 
 bool WorkKeeper::saveTo(const QString &path)
 {
@@ -49,8 +66,9 @@ bool WorkKeeper::saveTo(const QString &path)
 void WorkKeeper::loadFrom(const QString &path)
 {
     KeptCopies::Kept kept;
-    const Opening opening =
-        document.loadFrom(path, [this, &kept] { kept = copyUnsaved(KeptCopies::Occasion::open); });
+    const Opening opening = document.loadFrom(path, [this, &kept] {
+        kept = withSpareMemory([this] { return copyUnsaved(KeptCopies::Occasion::open); });
+    });
     if (!opening.trouble.isEmpty()) {
         QString text = Wording::notOpened(path, opening.trouble);
         if (!kept.path.isEmpty())
@@ -94,7 +112,7 @@ template <typename Keeping>
 KeptCopies::Kept WorkKeeper::asFarAsMemoryLasts(const Keeping &keeping) const
 {
     try {
-        return keeping();
+        return withSpareMemory(keeping);
     } catch (const std::bad_alloc &) {
         // It never got so far as to have a name.
         KeptCopies::Kept none{copies.folderPath() + QLatin1Char('/'), Storing::reason(ENOMEM)};

@@ -1,6 +1,7 @@
 #include "app/documentformat.h"
 #include "app/failingmemory.h"
 #include "app/guardedapplication.h"
+#include "app/memoryspare.h"
 #include "app/noticestrip.h"
 #include "app/windowsupport.h"
 #include "faults/savedocuments.h"
@@ -10,6 +11,7 @@
 
 #include <QProcess>
 
+#include <new>
 #include <optional>
 
 namespace {
@@ -43,12 +45,25 @@ int edit(int &argc, char **argv, const QString &file, const QByteArray &where)
         refusing.reset(); // what was held back for that is there now
         window.keepWithoutWords();
     });
+    const auto takeAll = [&] {
+        // Until the end of the process, which takes no more of what others hold.
+        little.emplace(1 << 20);
+        for (;;)
+            hoard.push_back(std::make_unique<char[]>(1 << 16));
+    };
     QTimer::singleShot(0, &window, [&] {
-        if (where == "limit") {
-            // Until the end of the process, which takes no more of what others hold.
-            little.emplace(1 << 20);
-            for (;;)
-                hoard.push_back(std::make_unique<char[]>(1 << 16));
+        if (where == "limit")
+            takeAll();
+        if (where == "new") {
+            try {
+                takeAll();
+            } catch (const std::bad_alloc &) {
+                hoard.resize(hoard.size() - 4); // for the window's small things
+            }
+            window.clearTabs();
+            application.setLastWork({});
+            QCoreApplication::exit(tabsOf(window)->count());
+            return;
         }
         refusing.emplace(much, 0);
         if (where == "destructor")
@@ -92,6 +107,8 @@ private slots:
     void lackOfMemoryInAnEditEndsWithAKeptCopy_data();
     void lackOfMemoryInAnEditEndsWithAKeptCopy();
     void longTextIsKeptAsTheMemoryEnds();
+    void longTextIsKeptBeforeNewWithoutMemory();
+    void spareMemoryGrowsWithoutASecondOne();
 
 private:
     QString story() const { return home->filePath(QStringLiteral("story.scene")); }
@@ -269,6 +286,42 @@ void tst_MainWindowMemory::longTextIsKeptAsTheMemoryEnds()
     QCOMPARE(nodes.size(), std::size_t(1));
     QCOMPARE(nodes.front()->pos(), QPointF(7, 8));
     QVERIFY(nodes.front()->payload()->eventContent()->getDescription() == text);
+}
+
+// What is held back for the last copy is lent for it.
+void tst_MainWindowMemory::longTextIsKeptBeforeNewWithoutMemory()
+{
+    const QString text = QStringLiteral("and then ").repeated((16 << 20) / 9);
+    QVERIFY(writeFile(story(), storyOf(text)));
+    QProcess process;
+    process.start(QCoreApplication::applicationFilePath(),
+                  {QStringLiteral("--edit"), story(), QStringLiteral("new")});
+    QVERIFY(process.waitForFinished(60000));
+    const QByteArray log = process.readAllStandardError();
+    QVERIFY2(!log.contains("Failed to keep a copy"), log.right(300).constData());
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(copies().size(), 1);
+    QVERIFY2(copies().front().endsWith(QStringLiteral("_new.scene")), qPrintable(copies().front()));
+    window->loadFrom(home->filePath(QStringLiteral("Documents/")) + copies().front());
+    QVERIFY(sceneOf(*window, 0)->nodes().front()->payload()->eventContent()->getDescription() == text);
+}
+
+// While both were there the larger one would not fit just when it matters.
+void tst_MainWindowMemory::spareMemoryGrowsWithoutASecondOne()
+{
+    constexpr std::size_t megabyte = 1 << 20;
+    MemorySpare spare;
+    std::vector<std::unique_ptr<char[]>> hoard;
+    hoard.reserve(100);
+    const LittleMemory little(80 * megabyte);
+    MemorySpare::fit(10 * megabyte);
+    while (char *more = new (std::nothrow) char[megabyte])
+        hoard.emplace_back(more);
+    spare.release();
+    const std::unique_ptr<char[]> last(new (std::nothrow) char[6 * 10 * megabyte]);
+    hoard.clear();
+    QVERIFY(last);
 }
 
 int main(int argc, char *argv[])
