@@ -1,0 +1,189 @@
+#include "app/windowsupport.h"
+#include "faults/savedocuments.h"
+#include "support/testsupport.h"
+
+#include <QProcess>
+
+#include <array>
+#include <csignal>
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int patience = 60000; // milliseconds, for the slowest of machines
+
+/// A pipe that the program is to write its log to.
+class LogPipe
+{
+public:
+    LogPipe()
+    {
+        if (pipe2(ends.data(), O_CLOEXEC) != 0)
+            ends = {-1, -1};
+    }
+    ~LogPipe()
+    {
+        closeReader();
+        close(ends[1]);
+    }
+    LogPipe(const LogPipe &) = delete;
+    LogPipe &operator=(const LogPipe &) = delete;
+
+    int writer() const { return ends[1]; }
+    void closeReader()
+    {
+        if (ends[0] >= 0)
+            close(ends[0]);
+        ends[0] = -1;
+    }
+
+private:
+    std::array<int, 2> ends{-1, -1};
+};
+
+} // namespace
+
+/// What the program's main function ties together: each case starts the program itself, with an event that is
+/// not saved, and sees what only one of these objects gives.
+class tst_Program : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        failOnWarningsOfTheProgram();
+        home = std::make_unique<PrivateHome>();
+    }
+    void cleanup() { home.reset(); }
+
+    void signalKeepsTheWork();
+    void exitFromWithinKeepsTheWork();
+    void lackOfMemoryKeepsTheWork();
+    void usualEndKeepsNothing();
+    void logWhoseReaderIsGoneEndsNothing();
+    void logThatNobodyReadsHaltsNothing();
+    void fileThatMayNotGrowEndsNothing();
+
+private:
+    /// Starts it, and waits until it has done what it is told. What the new process does first comes last.
+    void start(
+        QProcess &process, const QString &what, const std::function<void()> &first = [] {}) const
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(FABLEGRID_HANDS));
+        environment.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("hand:") + what);
+        process.setProcessEnvironment(environment);
+        process.setChildProcessModifier([first] {
+            prctl(PR_SET_PDEATHSIG, SIGKILL);
+            for (const int number : {SIGTERM, SIGPIPE, SIGXFSZ})
+                std::signal(number, SIG_DFL); // whatever this test itself was started with
+            first();
+        });
+        process.start(QStringLiteral(FABLEGRID_PROGRAM), QStringList());
+        const bool isReady = QTest::qWaitFor(
+            [&process] { return process.canReadLine() || process.state() == QProcess::NotRunning; },
+            patience);
+        QVERIFY(isReady);
+        QCOMPARE(process.readLine(), QByteArray("ready\n"));
+    }
+    static bool hasEnded(QProcess &process)
+    {
+        return QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, patience);
+    }
+    void checkEndsByTheSignal(QProcess &process, int copies) const
+    {
+        process.terminate();
+        QVERIFY(hasEnded(process));
+        QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+        QCOMPARE(process.exitCode(), SIGTERM);
+        checkKept(copies);
+    }
+    void checkKept(int copies) const
+    {
+        const QStringList files = filesBelow(home->filePath(QStringLiteral("Documents/Fablegrid/Kept")));
+        QCOMPARE(files.size(), copies);
+        for (const QString &file : files)
+            QVERIFY2(file.endsWith(QStringLiteral("_end.scene")), qPrintable(file));
+    }
+
+    std::unique_ptr<PrivateHome> home;
+};
+
+void tst_Program::signalKeepsTheWork()
+{
+    QProcess process;
+    start(process, QStringLiteral("wait"));
+    if (!QTest::currentTestFailed())
+        checkEndsByTheSignal(process, 1);
+}
+
+// As Qt does when there is no display any more.
+void tst_Program::exitFromWithinKeepsTheWork()
+{
+    QProcess process;
+    start(process, QStringLiteral("exit"));
+    QVERIFY(hasEnded(process));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 3);
+    checkKept(1);
+}
+
+void tst_Program::lackOfMemoryKeepsTheWork()
+{
+    QProcess process;
+    start(process, QStringLiteral("memory"));
+    QVERIFY(hasEnded(process));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), EXIT_FAILURE);
+    QVERIFY(process.readAllStandardError().endsWith("Out of memory, the program ends.\n"));
+    checkKept(1);
+}
+
+// What is to be kept then has been, as the window was closed.
+void tst_Program::usualEndKeepsNothing()
+{
+    QProcess process;
+    start(process, QStringLiteral("quit"));
+    QVERIFY(hasEnded(process));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+    checkKept(0);
+}
+
+void tst_Program::logWhoseReaderIsGoneEndsNothing()
+{
+    LogPipe log;
+    log.closeReader();
+    QProcess process;
+    start(process, QStringLiteral("wait"), [&log] { dup2(log.writer(), STDERR_FILENO); });
+    if (!QTest::currentTestFailed())
+        checkEndsByTheSignal(process, 1);
+}
+
+void tst_Program::logThatNobodyReadsHaltsNothing()
+{
+    const LogPipe log;
+    QProcess process;
+    start(process, QStringLiteral("talk"), [&log] { dup2(log.writer(), STDERR_FILENO); });
+    if (!QTest::currentTestFailed())
+        checkEndsByTheSignal(process, 1);
+}
+
+void tst_Program::fileThatMayNotGrowEndsNothing()
+{
+    QProcess process;
+    start(process, QStringLiteral("wait"), [] {
+        constexpr rlimit none{16, 16};
+        setrlimit(RLIMIT_FSIZE, &none);
+    });
+    if (!QTest::currentTestFailed())
+        checkEndsByTheSignal(process, 0);
+}
+
+QTEST_GUILESS_MAIN(tst_Program)
+#include "tst_program.moc"
