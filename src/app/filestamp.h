@@ -19,6 +19,8 @@ public:
     static FileStamp of(const QString &path);
     static FileStamp of(const QFileDevice &openFile);
 
+    /// Whether the system has told of a file at all.
+    bool isKnown() const { return told.has_value(); }
     /// Whether it is the same file and has not been written to since. Unlike the comparison of all it does
     /// not look at when its properties were changed, as its name is by being moved.
     bool holdsTheSameAs(const FileStamp &other) const;

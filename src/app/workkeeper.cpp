@@ -139,8 +139,14 @@ WorkKeeper::Others WorkKeeper::keepWhatStandsThere(const QString &path) const
     const FileStamp stamp = FileStamp::of(path);
     Others others;
     others.former = {KeptCopies::nameNow(KeptCopies::Occasion::other), stamp};
-    if (document.isUntouched(stamp) || !QFileInfo(path).isFile())
+    if (document.isUntouched(stamp))
         return others;
+    if (!QFileInfo(path).isFile()) {
+        // Where something is the system does not always tell what.
+        if (stamp.isKnown())
+            others.former.known.reset();
+        return others;
+    }
     const WholeFile there(path);
     if (!there.trouble().isEmpty()) {
         others.former.known.reset();

@@ -3,8 +3,9 @@
 
     tests/faults/failing-calls.py [build folder]
 
-The file must hold the former work or the new one, whole, and the new one if the save was told to have worked;
-the program must end by itself. Calls that leave the file system alone are left out, as are those that cannot
+The file must hold the former work or the new one, whole, and the new one if the save was told to have worked.
+What it held before, which is another program's, must be kept where the new one stands, as a copy in the folder
+of the copies or beside the file, and no other file may be left. The program must end by itself. Calls that leave the file system alone are left out, as are those that cannot
 fail. Needs strace, and a system that lets a program be traced: without them it says so and ends with 77.
 """
 
@@ -34,6 +35,9 @@ HARMLESS = {"access", "brk", "mmap", "munmap", "mprotect", "madvise", "futex", "
             "geteuid", "getgid", "getegid", "gettid", "getpid", "poll", "ppoll", "clock_gettime", "rt_sigaction",
             "rt_sigprocmask", "rt_sigreturn", "restart_syscall", "sched_yield", "clock_nanosleep", "mremap",
             "getrandom", "eventfd2", "recvmsg", "sendmsg"}
+FOLDER = pathlib.Path("Fablegrid", "Kept")
+COPY = re.compile(r"\d{8}_\d{6}_\d{3}_other\.scene")
+BESIDE = re.compile(r"story\.scene\.\w{6}")
 CALL = re.compile(r"^(\d+) +(\w+)\(")
 LIMIT = 60  # seconds for one save
 
@@ -59,6 +63,23 @@ class Home:
         return subprocess.run(
             ["strace", "-f", "-qq", "-o", str(self.path / "trace"), *tracing, PROGRAM, source, self.target],
             env=environment, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, timeout=LIMIT, check=False)
+
+    def copies_and_leavings(self, old):
+        """The names of the copies of the former work, and of all other files beside the saved one.
+
+        With a few letters behind the file's name it is a copy where there is no other.
+        """
+        copies, besides, leavings = [], [], []
+        documents = self.target.parent
+        for file in sorted(path for path in documents.rglob("*") if not path.is_dir() and path != self.target):
+            name = file.relative_to(documents)
+            if file.read_bytes() == old and COPY.fullmatch(name.name) and name.parent in (FOLDER, pathlib.Path()):
+                copies.append(str(name))
+            elif file.read_bytes() == old and BESIDE.fullmatch(str(name)):
+                besides.append(str(name))
+            else:
+                leavings.append(str(name))
+        return (copies, besides + leavings) if copies else (besides, leavings)
 
     def remove(self):
         shutil.rmtree(self.path)
@@ -100,6 +121,11 @@ def outcome(source, old, new, call, number, error):
             return "the file is neither the former nor the new one", code
         if code == 0 and content != new:
             return "the save is said to have worked", code
+        copies, leavings = home.copies_and_leavings(old.read_bytes())
+        if leavings and call != "unlink":  # what cannot be removed stays
+            return "left over: " + ", ".join(leavings), code
+        if content == new and not copies:
+            return "no copy of the former work", code
         return None, code
     except subprocess.TimeoutExpired:
         return "the program never ends", None
@@ -123,6 +149,8 @@ def main():
         if ended.returncode != 0:
             sys.exit("The save fails by itself: " + ended.stderr.decode(errors="replace"))
         new = home.target.read_bytes()
+        if [len(names) for names in home.copies_and_leavings(old.read_bytes())] != [1, 0]:
+            sys.exit("The save leaves more or less than one copy by itself")
         calls = calls_of_a_save(home.path / "trace")
         home.remove()
         tries = [(*call, error) for call in calls for error in ERRORS.get(call[0], OTHERS)]
