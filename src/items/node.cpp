@@ -25,11 +25,14 @@ constexpr double endMarkGap = 3.0;
 constexpr double leastEndMark = 2.0; // pixels
 
 /// A place that no graph can have would make every line and rectangle that it touches meaningless.
-double finiteCoordinate(double stored, int index)
+double finiteCoordinate(double stored, int index, const std::function<void(int index)> &told)
 {
     if (std::isfinite(stored))
         return stored;
-    qWarning() << "Damaged node" << index << "has a coordinate that is not a finite number, read as 0";
+    if (told)
+        told(index);
+    else
+        Node::tellOfCoordinate(index);
     return 0;
 }
 
@@ -392,7 +395,12 @@ void Node::saveToStream(QDataStream &stream)
         parts->data()->save(stream);
 }
 
-void Node::openFromStream(QDataStream &stream)
+void Node::tellOfCoordinate(int index)
+{
+    qWarning() << "Damaged node" << index << "has a coordinate that is not a finite number, read as 0";
+}
+
+void Node::openFromStream(QDataStream &stream, const std::function<void(int index)> &told)
 {
     Record record;
     stream >> record;
@@ -402,8 +410,8 @@ void Node::openFromStream(QDataStream &stream)
         parts->data()->load(stream);
 
     takeTitle(record.title);
-    placeAt(QPointF(finiteCoordinate(record.position.x(), record.index),
-                    finiteCoordinate(record.position.y(), record.index)));
+    placeAt(QPointF(finiteCoordinate(record.position.x(), record.index, told),
+                    finiteCoordinate(record.position.y(), record.index, told)));
     setIndex(record.index);
     // Told once more, so that a record whose index is the node's own is announced as well.
     emit s_indexChanged(this, record.index);

@@ -11,6 +11,7 @@
 #include <QObject>
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -125,7 +126,10 @@ public:
 
     /// Write and read the node's record: title, position, index, upstream index, marks, payload.
     void saveToStream(QDataStream &stream);
-    void openFromStream(QDataStream &stream);
+    /// `told` is called for each coordinate that is no finite number, with the record's index; without it the
+    /// log is told.
+    void openFromStream(QDataStream &stream, const std::function<void(int index)> &told = {});
+    static void tellOfCoordinate(int index);
     /// Reads as much of the stream as openFromStream() would, and keeps nothing of it.
     static void skipRecord(QDataStream &stream);
 

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int mostNamedRefusals = 20;
+constexpr int mostNamed = 20;
 
 /// How an event is called in the log.
 QString shortTitle(const Node *node)
@@ -39,19 +39,28 @@ DamageLog::~DamageLog()
 
 void DamageLog::tellCounts() const
 {
+    if (misplacements > mostNamed)
+        qWarning() << "Damaged scene file:" << name << "has" << misplacements - mostNamed
+                   << "more coordinates that are not finite numbers, read as 0";
     if (numbered > 0)
         qWarning() << "Damaged scene file:" << name << "has" << numbered
                    << "events without an index of their own, given new ones";
-    if (refusals > mostNamedRefusals)
-        qWarning() << "Damaged scene file:" << name << "has" << refusals - mostNamedRefusals
+    if (refusals > mostNamed)
+        qWarning() << "Damaged scene file:" << name << "has" << refusals - mostNamed
                    << "more connections that close a cycle, left out";
 }
 
 void DamageLog::refused(const Node *downstream, const Node *upstream)
 {
-    if (++refusals > mostNamedRefusals)
+    if (++refusals > mostNamed)
         return;
     qWarning() << "Damaged scene file:" << name << "has a connection that closes a cycle, left out:"
                << "event" << downstream->getIndex() << shortTitle(downstream) << "fed by event"
                << upstream->getIndex() << shortTitle(upstream);
+}
+
+void DamageLog::misplaced(int index)
+{
+    if (++misplacements <= mostNamed)
+        Node::tellOfCoordinate(index);
 }

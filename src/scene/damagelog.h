@@ -21,6 +21,8 @@ public:
     const QString &fileName() const { return name; }
     /// Of a connection that would close a cycle: the first ones are named, the others counted.
     void refused(const Node *downstream, const Node *upstream);
+    /// Of a coordinate that is no finite number, in the record of that index: as above.
+    void misplaced(int index);
     /// Of so many events that had no index of their own.
     void numberedAnew(int count) { numbered += count; }
 
@@ -29,5 +31,6 @@ private:
 
     QString name;
     int refusals = 0;
+    int misplacements = 0;
     int numbered = 0;
 };

@@ -48,7 +48,7 @@ Damage SceneRecords::read(QDataStream &stream, DamageLog &log) const
     qInfo() << "Nodes to open" << count;
     Damage damage;
     if (count >= 1)
-        connectAll(readEvents(stream, count, damage, log.fileName()), damage, log);
+        connectAll(readEvents(stream, count, damage, log), damage, log);
     return damage;
 }
 
@@ -66,7 +66,7 @@ int SceneRecords::skip(QDataStream &stream)
 }
 
 SceneRecords::Loaded SceneRecords::readEvents(QDataStream &stream, int count, Damage &damage,
-                                              const QString &fileName) const
+                                              DamageLog &log) const
 {
     Loaded loaded;
     int blankNodes = 0;
@@ -74,8 +74,8 @@ SceneRecords::Loaded SceneRecords::readEvents(QDataStream &stream, int count, Da
         // Not for any bad status: one damaged text must not cut off the records behind it.
         const bool pastEnd = stream.status() == QDataStream::ReadPastEnd || stream.atEnd();
         if (pastEnd && ++blankNodes > mostBlankNodes) {
-            qWarning() << "Damaged scene file:" << fileName << "ended after" << i - mostBlankNodes << "of"
-                       << count << "nodes, opening" << i;
+            qWarning() << "Damaged scene file:" << log.fileName() << "ended after" << i - mostBlankNodes
+                       << "of" << count << "nodes, opening" << i;
             damage.incompleteEvents += count - i;
             break;
         }
@@ -84,7 +84,7 @@ SceneRecords::Loaded SceneRecords::readEvents(QDataStream &stream, int count, Da
         QString typeTag; // every node is an event, whatever the tag says
         stream >> typeTag;
         Node *node = makeNode(i < firstScreen ? TextMaking::atOnce : TextMaking::whenNeeded);
-        node->openFromStream(stream);
+        node->openFromStream(stream, [&log](int index) { log.misplaced(index); });
         // A damaged text stays noted in the stream while the records behind it are read well.
         if (stream.status() == QDataStream::ReadPastEnd || stream.status() != before)
             ++damage.incompleteEvents;

@@ -10,7 +10,6 @@ class DamageLog;
 class Node;
 class NodegraphScene;
 class QDataStream;
-class QString;
 
 /// One tab's block of a document: the records of the scene's events, written and read. Owned by the scene.
 ///
@@ -38,7 +37,7 @@ private:
         std::size_t whole = 0;     // so many come first whose records are there to the end
     };
 
-    Loaded readEvents(QDataStream &stream, int count, Damage &damage, const QString &fileName) const;
+    Loaded readEvents(QDataStream &stream, int count, Damage &damage, DamageLog &log) const;
     int numberAnew(int firstFree) const;
     void connectAll(const Loaded &loaded, Damage &damage, DamageLog &log) const;
 

@@ -221,6 +221,9 @@ private:
         if (renumbered > 0)
             expect(QStringLiteral("the new indices"),
                    {QStringLiteral("has %1 events without an index").arg(renumbered)});
+        if (notFinite > mostNamed)
+            expect(QStringLiteral("the other coordinates"),
+                   {QStringLiteral("has %1 more coordinates").arg(notFinite - mostNamed)});
         // One line may stand for several coordinates.
         static const QRegularExpression coordinate(QRegularExpression::anchoredPattern(
             QStringLiteral("Damaged node -?\\d+ has a coordinate that is not a finite number, read as 0")));

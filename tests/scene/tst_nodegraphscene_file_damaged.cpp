@@ -22,6 +22,8 @@ private slots:
     void dataThatEndsInARecord();
     void countWithoutDataIsLimited();
     void damagedTextCutsNothingOff();
+    void placesThatAreNoNumbersAreNamedAndTheOthersCounted_data();
+    void placesThatAreNoNumbersAreNamedAndTheOthersCounted();
 };
 
 void tst_NodegraphScene_File_Damaged::upstreamThatNamesNoNodeIsGone_data()
@@ -246,6 +248,42 @@ void tst_NodegraphScene_File_Damaged::damagedTextCutsNothingOff()
     SceneBytes::load(tab.scene, bytes);
     QCOMPARE(tab.scene.nodes().size(), std::size_t(count));
     QCOMPARE(tab.scene.nodes().back()->title(), QStringLiteral("Title %1").arg(2 * count - 1));
+}
+
+void tst_NodegraphScene_File_Damaged::placesThatAreNoNumbersAreNamedAndTheOthersCounted_data()
+{
+    QTest::addColumn<int>("coordinates");
+    QTest::addColumn<int>("others");
+    QTest::newRow("one") << 1 << 0;
+    QTest::newRow("twenty") << 20 << 0;
+    QTest::newRow("one more") << 21 << 1;
+    QTest::newRow("both of each event") << 100 << 80;
+}
+
+// A damaged file may have one in each of its events.
+void tst_NodegraphScene_File_Damaged::placesThatAreNoNumbersAreNamedAndTheOthersCounted()
+{
+    QFETCH(const int, coordinates);
+    QFETCH(const int, others);
+    Records records;
+    for (int i = 0; i < coordinates; i += 2) {
+        records << eventRecord(i / 2);
+        records.back().pos = QPointF(qQNaN(), i + 1 < coordinates ? qInf() : 0);
+    }
+    QStringList expected;
+    for (int i = 0; i < coordinates - others; ++i)
+        expected << QStringLiteral("Damaged node %1 has a coordinate that is not a finite number, read as 0")
+                        .arg(i / 2);
+    if (others > 0)
+        expected << QStringLiteral("Damaged scene file: \"\" has %1 more coordinates that are not finite "
+                                   "numbers, read as 0")
+                        .arg(others);
+    for (const QString &line : expected)
+        QTest::ignoreMessage(QtWarningMsg, qPrintable(line));
+    GraphTab tab;
+    const LogCapture log;
+    load(tab, records);
+    QCOMPARE(log.lines().filter(QStringLiteral("Damaged")), expected);
 }
 
 QTEST_MAIN(tst_NodegraphScene_File_Damaged)
