@@ -2,10 +2,10 @@
 
 #include "app/steadylog.h"
 
+#include <QAbstractEventDispatcher>
 #include <QDebug>
 #include <QThread>
 
-#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <exception>
@@ -31,6 +31,10 @@ void tryTo(const Work &work)
 GuardedApplication::GuardedApplication(int &argc, char **argv) : QApplication(argc, argv)
 {
     std::set_terminate(endWhatNobodyCatches);
+    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake, this, [this] {
+        if (isToEnd)
+            end();
+    });
 }
 
 GuardedApplication::~GuardedApplication() { std::set_terminate(std::abort); }
@@ -61,20 +65,31 @@ void GuardedApplication::endWhatNobodyCatches()
 
 void GuardedApplication::end()
 {
-    static std::atomic_flag isEnding;
-    const bool isOwnThread = QThread::currentThread() == thread();
-    if (isEnding.test_and_set()) {
-        // The last work itself may fail where nobody catches it; from another thread it is let be.
-        if (!isOwnThread)
-            std::this_thread::sleep_for(longestLastWork);
-        std::_Exit(EXIT_FAILURE);
-    }
+    if (QThread::currentThread() != thread())
+        endElsewhere();
+    static bool isEnding = false;
+    if (std::exchange(isEnding, true))
+        std::_Exit(EXIT_FAILURE); // the last work itself may fail where nobody catches it
     spare.release();
-    // The work comes before the words, and each has a try of its own. Windows are for their own thread alone.
-    if (isOwnThread) {
-        if (const auto work = std::exchange(lastWork, {}))
-            tryTo(work);
-    }
+    // The work comes before the words, and each has a try of its own.
+    if (const auto work = std::exchange(lastWork, {}))
+        tryTo(work);
+    leave();
+}
+
+/// Windows are for their own thread alone: it is asked to end, for which no memory is needed. It may never do
+/// so, for it may be waiting for this very thread.
+void GuardedApplication::endElsewhere()
+{
+    isToEnd = true;
+    if (QAbstractEventDispatcher *loop = QAbstractEventDispatcher::instance(thread()))
+        loop->wakeUp();
+    std::this_thread::sleep_for(longestLastWork);
+    leave();
+}
+
+void GuardedApplication::leave()
+{
     tryTo([] { qCritical() << "Out of memory, the program ends."; });
     SteadyLog::waitForTheReader();
     // Whatever was being done is in no state to be taken down in order.

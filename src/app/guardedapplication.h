@@ -4,6 +4,7 @@
 
 #include <QApplication>
 
+#include <atomic>
 #include <functional>
 
 /// The application, which ends with a reason, and does one last thing before, when there is no memory for
@@ -16,15 +17,19 @@ public:
     GuardedApplication(const GuardedApplication &) = delete;
     GuardedApplication &operator=(const GuardedApplication &) = delete;
 
-    /// Nothing if it is empty. It is done in this object's thread only.
+    /// Nothing if it is empty. It is done in this object's thread only, which another thread that finds no
+    /// memory has to wait for: those that Qt starts for its dialogs and for the desktop.
     void setLastWork(std::function<void()> work) { lastWork = std::move(work); }
 
     bool notify(QObject *receiver, QEvent *event) override;
 
 private:
     [[noreturn]] void end();
+    [[noreturn]] void endElsewhere();
+    [[noreturn]] static void leave();
     [[noreturn]] static void endWhatNobodyCatches();
 
     std::function<void()> lastWork;
-    MemorySpare spare; // for the last work
+    std::atomic<bool> isToEnd = false; // says another thread
+    MemorySpare spare;                 // for the last work
 };
