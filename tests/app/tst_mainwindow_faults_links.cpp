@@ -66,6 +66,7 @@ private slots:
 
     void linkStaysALink_data();
     void linkStaysALink();
+    void otherNameOfTheFileKeepsTheOldText();
     void linkThatEndsNowhereIsReported_data();
     void linkThatEndsNowhereIsReported();
     void permissionsStay_data();
@@ -131,6 +132,17 @@ void tst_MainWindowFaultsLinks::linkStaysALink()
         }
         QCOMPARE(after, others);
     }
+}
+
+void tst_MainWindowFaultsLinks::otherNameOfTheFileKeepsTheOldText()
+{
+    const QString story = path(QStringLiteral("here/story.scene"));
+    const QString other = path(QStringLiteral("there/other.scene"));
+    QVERIFY(writeFile(story, "old"));
+    QCOMPARE(link(qPrintable(story), qPrintable(other)), 0);
+    QVERIFY(window->saveTo(story));
+    QCOMPARE(readFile(story), smallDocument());
+    QCOMPARE(readFile(other), QByteArray("old"));
 }
 
 void tst_MainWindowFaultsLinks::linkThatEndsNowhereIsReported_data()
