@@ -1,15 +1,18 @@
 #include "story/storyreader.h"
 
 #include "app/documentformat.h"
+#include "app/documentstream.h"
 #include "app/wholefile.h"
 #include "items/node.h"
 #include "items/textmeasure.h"
 #include "scene/nodegraphscene.h"
+#include "story/samebytes.h"
 
 #include <QDataStream>
 #include <QHash>
 #include <QIODevice>
 #include <QUndoCommand>
+#include <QtEndian>
 
 #include <optional>
 
@@ -91,6 +94,29 @@ StoryTab tabOf(const NodegraphScene &graph)
     return tab;
 }
 
+bool isSavedAs(QByteArrayView block, NodegraphScene &graph)
+{
+    SameBytes same(block);
+    DocumentStream stream(&same);
+    graph.saveSceneToFile(stream);
+    return same.isSame();
+}
+
+/// Whether the graph holds what its block in a file says. A tab whose end was deleted is saved without one,
+/// and its first event is the end when it is opened: that is no damage.
+bool isTold(QByteArrayView block, NodegraphScene &graph)
+{
+    if (isSavedAs(block, graph))
+        return true;
+    Node *const end = graph.endOfStoryNode();
+    if (!end || end != graph.nodes().front())
+        return false;
+    end->setIsEndOfStory(false);
+    const bool isTold = isSavedAs(block, graph);
+    end->setIsEndOfStory(true);
+    return isTold;
+}
+
 } // namespace
 
 bool StoryDamage::isNone() const { return lines().isEmpty(); }
@@ -106,6 +132,10 @@ QStringList StoryDamage::lines() const
         all << tr("a text that ends in the middle of a letter reads as empty");
     if (bytesBehind > 0)
         all << tr("bytes behind the last tab, left out: %1").arg(bytesBehind);
+    if (hasOtherCount)
+        all << tr("the number of the tabs would be saved differently");
+    for (const QString &tab : changed)
+        all << tr("%1 is not read just as it stands in the file, and would be saved differently").arg(tab);
     return all;
 }
 
@@ -132,7 +162,9 @@ QString StoryReader::read(const QString &path, const PartTold &tell)
     };
     QDataStream::Status status = QDataStream::Ok;
     qint64 readTo = sizeof(qint32);
+    std::vector<qint64> begins; // of the tabs' blocks
     const auto fill = [&](NodegraphScene &graph, QDataStream &stream, DamageLog &lines) {
+        begins.push_back(stream.device()->pos());
         const Damage damage = graph.load(stream, lines);
         status = stream.status();
         readTo = stream.device()->pos();
@@ -143,7 +175,21 @@ QString StoryReader::read(const QString &path, const PartTold &tell)
     found.endedEarly = status == QDataStream::ReadPastEnd || size < qint64(sizeof(qint32));
     found.hasBrokenText = status == QDataStream::ReadCorruptData;
     found.bytesBehind = qMax<qint64>(0, size - readTo);
+    begins.push_back(readTo);
+    if (found.isNone())
+        compare(file.content(), begins);
     return {};
+}
+
+/// What of a file is damaged without anything that tells so: a field with a value that stands for none, two
+/// ends of the story, one record read over another, a sign that no text here has.
+void StoryReader::compare(QByteArrayView content, const std::vector<qint64> &begins)
+{
+    found.hasOtherCount = qFromBigEndian<qint32>(content.data()) != qint32(graphs.size());
+    for (std::size_t i = 0; i < graphs.size(); ++i) {
+        if (!isTold(content.sliced(begins[i], begins[i + 1] - begins[i]), *graphs[i]))
+            found.changed << Story::nameOfTab(int(i));
+    }
 }
 
 Story StoryReader::story() const

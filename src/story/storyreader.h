@@ -3,6 +3,7 @@
 #include "story/progress.h"
 #include "story/story.h"
 
+#include <QByteArrayView>
 #include <QCoreApplication>
 #include <QStringList>
 
@@ -21,6 +22,8 @@ public:
     bool endedEarly = false; // what was missing became zero and empty
     bool hasBrokenText = false;
     qint64 bytesBehind = 0; // after the last tab, read by nobody
+    QStringList changed; // the tabs, by their names, that are not what the file says, whatever of them it is
+    bool hasOtherCount = false; // of tabs than there are
 
     bool isNone() const;
     /// One line each: the warnings first, then what the editor does not speak of.
@@ -56,6 +59,8 @@ public:
     QByteArray bytes() const;
 
 private:
+    void compare(QByteArrayView content, const std::vector<qint64> &begins);
+
     Boxes boxes;
     std::vector<std::unique_ptr<NodegraphScene>> graphs;
     StoryDamage found;

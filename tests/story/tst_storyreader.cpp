@@ -1,4 +1,5 @@
 #include "app/badfiles.h"
+#include "items/stnodename.h"
 #include "story/storyagrees.h"
 #include "story/storyreader.h"
 
@@ -15,6 +16,9 @@ private slots:
     void fileIsToldAsTheWindowHasIt();
     void fileIsWrittenAsTheEditorWould();
     void whatALibrarySaysIsNoDamage();
+    void whatWouldBeSavedDifferentlyIsDamaged_data();
+    void whatWouldBeSavedDifferentlyIsDamaged();
+    void whatTheEditorSavedIsSound();
     void boxesAreMeasuredForWhoeverPaintsThem();
 
 private:
@@ -71,6 +75,63 @@ void tst_StoryReader::whatALibrarySaysIsNoDamage()
              QString());
     QVERIFY(complaints > 0);
     QCOMPARE(reader.damage().lines(), QStringList());
+}
+
+void tst_StoryReader::whatWouldBeSavedDifferentlyIsDamaged_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QStringList>("damages");
+    const QStringList second(
+        QStringLiteral("Story 2 is not read just as it stands in the file, and would be saved differently"));
+    const auto row = [](const char *name, const std::vector<Record> &records, const QStringList &damages) {
+        QTest::newRow(name) << documentBytes({{Record{}}, records}) << damages;
+    };
+    const Record first{QStringLiteral("first"), QPointF(), 0, -1};
+    row("two ends", {{{}, {}, 0, -1, true}, {{}, {}, 1, -1, true}}, second);
+    row("carriage return in a title", {{QStringLiteral("a\rb"), {}, 0, -1, true}}, second);
+    row("paragraph separator in a text", {{{}, {}, 0, -1, true, false, QStringLiteral("a\u2029b")}}, second);
+    row("line separator", {{QStringLiteral("a\u2028b"), {}, 0, -1, true}}, {});
+    row("an event without an index", {{{}, {}, 2, -1, true}, {{}, {}, 9, -1}}, second);
+    row("no event", {}, {});
+    QTest::newRow("without a tag")
+        << QByteArray(documentBytes({{Record{}}})).replace(8, 14, QByteArray(4, '\0'))
+        << QStringList(QStringLiteral(
+               "Story 1 is not read just as it stands in the file, and would be saved differently"));
+    QTest::newRow("less than no tabs")
+        << QByteArray(4, '\xFF')
+        << QStringList(QStringLiteral("the number of the tabs would be saved differently"));
+
+    // As the editor saves it when the end was deleted.
+    row("no end", {first, {QStringLiteral("next"), QPointF(), 1, 0}}, {});
+}
+
+void tst_StoryReader::whatWouldBeSavedDifferentlyIsDamaged()
+{
+    QFETCH(const QByteArray, bytes);
+    QFETCH(const QStringList, damages);
+    StoryReader reader;
+    QCOMPARE(reader.read(folder.put(QStringLiteral("odd.scene"), bytes)), QString());
+    QCOMPARE(reader.damage().lines(), damages);
+}
+
+void tst_StoryReader::whatTheEditorSavedIsSound()
+{
+    MainWindow window;
+    NodegraphScene &scene = *window.views().front()->nodegraphScene();
+    for (int i = 0; i < 4; ++i)
+        scene.addNodeAt(QPointF(300.0 * i, 0), 0, -1);
+    const std::vector<Node *> nodes = scene.nodes();
+    QCOMPARE(nodes.size(), std::size_t(4));
+    nodes[0]->nameItem()->setTitle(QStringLiteral("a\rb\u2028c\u2029d"));
+    nodes[0]->setDescription(QStringLiteral("a\rb\u2028c\u2029d\uFDD0"));
+    nodes[1]->nameItem()->setTitle({});
+    nodes[1]->setDescription({});
+    scene.deleteNode(scene.endOfStoryNode());
+    QVERIFY(!scene.endOfStoryNode());
+    const QString path = folder.path(QStringLiteral("saved.scene"));
+    QVERIFY(window.saveTo(path));
+    const CommandResult checked = runCommand({QStringLiteral("check"), path});
+    QCOMPARE(checked.outputLines(), QStringList(path + QStringLiteral(": sound")));
 }
 
 // Whoever wants the texts only is spared the time, and leaves nothing behind for the next one who wants the
