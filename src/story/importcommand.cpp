@@ -53,7 +53,7 @@ public:
              tr("NAME")},
             {QStringLiteral("into"),
              tr("Adds the tabs behind those of the story FILE, which is written anew, or with -o stays as it "
-                "is; to a damaged one only with --force."),
+                "is; a damaged one only with -o."),
              tr("FILE")},
         });
     }
@@ -65,8 +65,8 @@ public:
             return console.refuse({}, tr("one IN is to be imported, not %1").arg(files.size()));
         const QString into = parser.value(QStringLiteral("into"));
         const QString to = parser.value(QStringLiteral("output"));
-        const bool isForced = parser.isSet(QStringLiteral("force"));
-        const OutputFile output(to.isEmpty() ? into : to, isForced || to.isEmpty());
+        const OutputFile output(to.isEmpty() ? into : to,
+                                parser.isSet(QStringLiteral("force")) || to.isEmpty());
         if (output.path().isEmpty())
             return console.refuse({}, tr("where to? -o FILE or --into FILE is missing"));
         const QString formatName = parser.value(QStringLiteral("format"));
@@ -79,7 +79,7 @@ public:
 
         StoryReader before;
         if (!into.isEmpty()) {
-            if (const QString trouble = troubleWith(before, into, isForced, console); !trouble.isEmpty())
+            if (const QString trouble = troubleWith(before, into, output, console); !trouble.isEmpty())
                 return console.refuse(into, trouble);
         }
         return import(files.first(), *format, before, output, console);
@@ -93,15 +93,21 @@ private:
                               : tr("the format \"%1\" cannot be imported, only %2").arg(name, readable);
     }
 
-    /// What is damaged would be gone from the file when it is written anew.
-    static QString troubleWith(StoryReader &before, const QString &into, bool isForced, Console &console)
+    /// What is damaged would be gone from the file when it is written anew, so that only another one may hold
+    /// what can be read of it.
+    static QString troubleWith(StoryReader &before, const QString &into, const OutputFile &output,
+                               Console &console)
     {
         if (QString trouble = before.read(into, console.progress().between(0, beforeImport));
             !trouble.isEmpty())
             return trouble;
-        return before.damage().isNone() || isForced
-                   ? QString()
-                   : tr("is damaged, as fablegrid-story check tells; --force adds to what can be read of it");
+        const QStringList damages = before.damage().lines();
+        if (!damages.isEmpty() && output.isAt(into))
+            return tr(
+                "is damaged, as fablegrid-story check tells; with -o to another file it stays as it is");
+        for (const QString &damage : damages)
+            console.complain(into, tr("damaged: %1").arg(damage));
+        return {};
     }
 
     static int import(const QString &path, const StoryFormat &format, const StoryReader &before,

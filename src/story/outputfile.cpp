@@ -28,6 +28,13 @@ OutputFile::OutputFile(const QCommandLineParser &parser)
     : OutputFile(parser.value(QStringLiteral("output")), parser.isSet(QStringLiteral("force")))
 {}
 
+bool OutputFile::isAt(const QString &file) const
+{
+    const QFileInfo output(name);
+    return !isStandardOutput() && output.isFile() &&
+           output.canonicalFilePath() == QFileInfo(file).canonicalFilePath();
+}
+
 QString OutputFile::refusal(const QString &source) const
 {
     if (isStandardOutput())
@@ -37,8 +44,7 @@ QString OutputFile::refusal(const QString &source) const
         return tr("is a folder");
     if (file.exists() && !isDevice(file) && !mayReplace)
         return tr("is there already; --force replaces it");
-    if (!source.isEmpty() && file.isFile() &&
-        file.canonicalFilePath() == QFileInfo(source).canonicalFilePath())
+    if (!source.isEmpty() && isAt(source))
         return tr("is what is read, and would be lost");
     return {};
 }

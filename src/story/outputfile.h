@@ -23,6 +23,8 @@ public:
 
     bool isStandardOutput() const { return name == QLatin1String("-"); }
     const QString &path() const { return name; }
+    /// Whether it is that file, by whatever name, which is there.
+    bool isAt(const QString &file) const;
     /// Why nothing could be stored there, empty if nothing is known against it. To be asked before the work,
     /// with the file that the work reads: that one is not replaced by what is made of it, whatever was said.
     QString refusal(const QString &source = {}) const;

@@ -231,16 +231,28 @@ void tst_Import::damagedStoryIsNotWrittenAnew()
     const QByteArray damaged = sceneBytes({branchedTab()}) + "abc";
     const QString into = folder.put(QStringLiteral("damaged.scene"), damaged);
     const QStringList arguments{QStringLiteral("import"), text, QStringLiteral("--into"), into};
-    const CommandResult refused = runCommand(arguments);
-    QCOMPARE(refused.code, 2);
-    QCOMPARE(refused.errorLines(),
-             QStringList(QStringLiteral("fablegrid-story: %1: is damaged, as fablegrid-story check tells; "
-                                        "--force adds to what can be read of it")
-                             .arg(into)));
+    const QStringList line(QStringLiteral("fablegrid-story: %1: is damaged, as fablegrid-story check tells; "
+                                          "with -o to another file it stays as it is")
+                               .arg(into));
+    const QString force = QStringLiteral("--force");
+    const QString output = QStringLiteral("-o");
+    for (const QStringList &more : {QStringList(), QStringList(force), QStringList({output, into, force})}) {
+        const CommandResult refused = runCommand(arguments + more);
+        QCOMPARE(refused.code, 2);
+        QCOMPARE(refused.errorLines(), line);
+        QCOMPARE(readFile(into), damaged);
+    }
+
+    const QString other = folder.path(QStringLiteral("rescued.scene"));
+    const CommandResult added = runCommand(arguments + QStringList({output, other}));
+    QCOMPARE(added.code, 0);
+    QCOMPARE(
+        added.errorLines(),
+        QStringList(QStringLiteral("fablegrid-story: %1: damaged: bytes behind the last tab, left out: 3")
+                        .arg(into)));
     QCOMPARE(readFile(into), damaged);
-    QCOMPARE(runCommand(arguments + QStringList(QStringLiteral("--force"))).code, 0);
     StoryReader reader;
-    QCOMPARE(reader.read(into), QString());
+    QCOMPARE(reader.read(other), QString());
     QVERIFY(reader.damage().isNone());
     QCOMPARE(reader.story().tabs.size(), std::size_t(2));
 }
