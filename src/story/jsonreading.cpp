@@ -43,6 +43,20 @@ std::optional<int> wholeNumberOf(const QJsonValue &value)
     return isWhole ? std::optional(int(number)) : std::nullopt;
 }
 
+/// Whether any event says where it stands. A text written by hand may leave that to the layout.
+bool hasPlaces(const QJsonArray &tabs)
+{
+    for (const auto &tab : tabs) {
+        const QJsonArray events = tab.toObject()[QStringLiteral("events")].toArray();
+        for (const auto &event : events) {
+            const QJsonObject object = event.toObject();
+            if (object.contains(QStringLiteral("x")) || object.contains(QStringLiteral("y")))
+                return true;
+        }
+    }
+    return false;
+}
+
 /// Reads what docs/story.schema.json describes. What does not keep to it is left out with a note.
 class Reading
 {
@@ -53,8 +67,10 @@ public:
         lines = linesOfJsonObjects(json, depthOfEvents);
     }
 
-    QStringList readTabs(const QJsonArray &tabs)
+    ImportResult readTabs(const QJsonArray &tabs)
     {
+        arePlaced = hasPlaces(tabs);
+        bool hasEvents = false;
         for (const auto &tab : tabs) {
             if (!tab.isObject()) {
                 notes << Texts::tr("what is no object among the tabs is left out");
@@ -62,8 +78,13 @@ public:
             }
             read.tabs.emplace_back();
             readTab(tab.toObject(), read.tabs.back());
+            hasEvents = hasEvents || !read.tabs.back().events.empty();
         }
-        return notes;
+        ImportResult result;
+        result.notes = notes;
+        // Without any event there is nothing to lay out, and such a story is one.
+        result.places = arePlaced || !hasEvents ? ImportResult::Places::exact : ImportResult::Places::none;
+        return result;
     }
 
 private:
@@ -95,7 +116,7 @@ private:
         const std::optional<double> y = coordinateOf(object[QStringLiteral("y")]);
         if (x && y)
             row.event.position = QPointF(*x, *y);
-        else
+        else if (arePlaced)
             notes << noteOfLine(row.line,
                                 Texts::tr("x and y are not both numbers; the event stands at 0, 0"));
         row.event.isEnd = isMarked(object, QStringLiteral("endOfStory"), row.line);
@@ -129,6 +150,7 @@ private:
 
     Story &read;
     QStringList notes;
+    bool arePlaced = true;
     std::vector<qint64> lines; // of all events
     std::size_t nextEvent = 0;
 };
@@ -153,7 +175,6 @@ ImportResult readJson(const QByteArray &text, Story &story)
     else if (version != 1)
         result.trouble = Texts::tr("has the version %1; only 1 can be read").arg(version);
     else
-        result.notes = Reading(json, story).readTabs(tabs.toArray());
-    result.places = ImportResult::Places::exact;
+        result = Reading(json, story).readTabs(tabs.toArray());
     return result;
 }

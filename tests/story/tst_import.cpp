@@ -60,6 +60,12 @@ void tst_Import::textBecomesAStory_data()
         {QStringLiteral("0A. 0~B")},
         {QStringLiteral("line 2: \"A\" has no number of its own and becomes event 0"),
          QStringLiteral("line 3: \"B\" is fed by event -1, which is not there; that is left out")});
+    row("data without places", json,
+        "{\"format\": \"fablegrid-story\", \"version\": 1, \"tabs\": [{\"name\": \"T\", \"events\": [\n"
+        "{\"title\": \"A\", \"description\": \"\", \"index\": 0},\n"
+        "{\"title\": \"B\", \"description\": \"\", \"index\": 1, \"fedBy\": 0},\n"
+        "{\"title\": \"C\", \"description\": \"\", \"index\": 2, \"fedBy\": 0, \"endOfStory\": true}]}]}",
+        {QStringLiteral("0A 1/B 0C.")});
     row("what is no object", json,
         story("7, [], null,\n{\"events\": [7,\n{\"title\": \"A\", \"index\": 3, \"endOfStory\": 1, "
               "\"important\": null, " +
