@@ -50,6 +50,9 @@ void tst_Diff::changesAreTold_data()
         {QStringLiteral("  renamed: 1 \"B\" to \"New name\"")});
     row("rewritten", [](StoryTab &tab) { tab.events[1].description = QStringLiteral("text\nfor a B!"); },
         {QStringLiteral("  rewritten: 1 \"B\": text{+ for+} [-of-]{+a+} B{+!+}")});
+    const QString longText(5000, QLatin1Char('w'));
+    row("rewritten at length", [longText](StoryTab &tab) { tab.events[1].description = longText; },
+        {QStringLiteral("  rewritten: 1 \"B\": [-text of B-]{+%1+}").arg(longText)});
     row("moved", [](StoryTab &tab) { tab.events[2].position += QPointF(0.5, -7); },
         {QStringLiteral("  moved: 2 \"C\" from 1000, 100 to 1000.5, 93")});
     row("reconnected", [](StoryTab &tab) { tab.events[5].feeder = 4; },
