@@ -57,12 +57,18 @@ QString OutputFile::store(const QByteArray &content, Console &console) const
         console.write(content);
         return {};
     }
+    console.progress().hide(); // a device may be the terminal that shows it
     if (isDevice(QFileInfo(name))) {
         QFile device(name);
         const bool isWritten = device.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
                                device.write(content) == content.size();
-        return isWritten ? QString() : device.errorString();
+        return isWritten ? QString() : tr("cannot be written: %1").arg(device.errorString());
     }
     DurableFile file(name);
-    return file.open() ? file.replaceBy(content) : tr("cannot be written");
+    const QString trouble = file.open() ? file.replaceBy(content) : file.trouble();
+    if (trouble.isEmpty())
+        return {};
+    return file.rescue().isEmpty()
+               ? tr("cannot be written: %1").arg(trouble)
+               : tr("cannot be written: %1; the result is in %2").arg(trouble, file.rescue());
 }

@@ -22,6 +22,7 @@ private slots:
 
     void barIsShownOnATerminalOnly_data();
     void barIsShownOnATerminalOnly();
+    void resultOnTheTerminalIsBesideNoBar();
     void closedPipeEndsItQuietly();
     void standardInputIsImported();
     void noDisplayIsNeeded();
@@ -85,6 +86,34 @@ void tst_StoryProcess::barIsShownOnATerminalOnly()
     QCOMPARE(reader.read(folder.put(QStringLiteral("made.scene"), process.readAllStandardOutput())),
              QString());
     QCOMPARE(reader.story().tabs[0].events.size(), std::size_t(2));
+}
+
+void tst_StoryProcess::resultOnTheTerminalIsBesideNoBar()
+{
+    int ours = -1;
+    int theirs = -1;
+    QCOMPARE(openpty(&ours, &theirs, nullptr, nullptr, nullptr), 0);
+    const QString name = QString::fromLocal8Bit(ttyname(theirs));
+    QFile terminal;
+    QVERIFY(terminal.open(theirs, QIODevice::WriteOnly | QIODevice::Unbuffered));
+    QBuffer output;
+    QVERIFY(output.open(QIODevice::WriteOnly));
+    int code = -1;
+    {
+        Console console(output, terminal, true, 0);
+        code = StoryProgram::run({QStringLiteral("export"), scene, QStringLiteral("-o"), name,
+                                  QStringLiteral("--format"), QStringLiteral("md")},
+                                 console);
+    }
+    QByteArray seen(4096, '\0');
+    seen.truncate(read(ours, seen.data(), std::size_t(seen.size())));
+    close(theirs);
+    close(ours);
+    QCOMPARE(code, 0);
+    QVERIFY(seen.contains("## A"));
+    const QByteArray behindBar = seen.mid(seen.lastIndexOf('%') + 1);
+    QVERIFY2(behindBar.startsWith("\r     "), seen.toPercentEncoding(" []#%"));
+    QVERIFY2(behindBar.contains("## A"), seen.toPercentEncoding(" []#%"));
 }
 
 // Whoever starts it may have told it to ignore the signal, so the program sets that right.

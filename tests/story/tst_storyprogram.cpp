@@ -92,7 +92,7 @@ void tst_StoryProgram::wrongUseIsOneLine_data()
     row("export @ -o /", "/ does not say which format; --format NAME does: FORMATS");
     row("export @ -o - --format frob", "there is no format \"frob\", only FORMATS");
     row("export @ -o / --format md", "/: is a folder");
-    row("export @ -o /nowhere/a.md", "/nowhere/a.md: cannot be written");
+    row("export @ -o /nowhere/a.md", "/nowhere/a.md: cannot be written: No such file or directory");
     row("export /nowhere/x.scene -o - --format md", "/nowhere/x.scene: No such file or directory");
 }
 
@@ -290,7 +290,8 @@ void tst_StoryProgram::exportLeavesNothingWhenItFails()
                     QStringLiteral("--format"), QStringLiteral("md")});
     QCOMPARE(full.code, 2);
     QCOMPARE(full.errorLines(),
-             QStringList(QStringLiteral("fablegrid-story: /dev/full: No space left on device")));
+             QStringList(
+                 QStringLiteral("fablegrid-story: /dev/full: cannot be written: No space left on device")));
     const QString unread = folder.path(QStringLiteral("unread.md"));
     QCOMPARE(runCommand({QStringLiteral("export"), QStringLiteral("/x"), QStringLiteral("-o"), unread}).code,
              2);
