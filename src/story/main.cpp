@@ -8,6 +8,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <new>
 
 #ifdef Q_OS_UNIX
 #include <unistd.h>
@@ -55,5 +56,9 @@ int main(int argc, char *argv[])
     output.open(stdout, QIODevice::WriteOnly);
     errors.open(stderr, QIODevice::WriteOnly | QIODevice::Unbuffered);
     Console console(output, errors, isTerminal(stderr));
-    return StoryProgram::run(QApplication::arguments().mid(1), console);
+    try {
+        return StoryProgram::run(QApplication::arguments().mid(1), console);
+    } catch (const std::bad_alloc &) {
+        return console.refuse({}, QCoreApplication::translate("StoryProgram", "the memory does not suffice"));
+    }
 }
