@@ -3,12 +3,21 @@
 #include "items/node.h"
 #include "scene/nodegraphscene.h"
 
+namespace {
+
+/// No text is an empty one to whoever reads the file: written as such it stays as it is.
+QString written(const QString &text) { return text.isNull() ? QStringLiteral("") : text; }
+
+} // namespace
+
 StoryGraph::StoryGraph(const StoryTab &tab, const PartTold &tell) : graph(std::make_unique<NodegraphScene>())
 {
     for (const StoryEvent &event : tab.events) {
-        Node *node = graph->restoreNode(event.position, event.index, 0, &event.description, event.title,
-                                        TextMaking::whenNeeded);
-        node->setNodeName(event.title); // an empty one, too, instead of what a new event is called
+        const QString title = written(event.title);
+        const QString description = written(event.description);
+        Node *node =
+            graph->restoreNode(event.position, event.index, 0, &description, title, TextMaking::whenNeeded);
+        node->setNodeName(title); // an empty one, too, instead of what a new event is called
         node->setImportant(event.isImportant);
         if (tell)
             tell(double(graph->nodes().size()) / double(tab.events.size()));

@@ -15,6 +15,7 @@ private slots:
     void textWithoutAStoryIsRefused();
     void jsonGivesTheSameBytes_data();
     void jsonGivesTheSameBytes();
+    void missingTextIsWrittenAsAnEmptyOne();
     void markdownGivesBackWhatWasTold();
     void wrongUseIsOneLine_data();
     void wrongUseIsOneLine();
@@ -119,6 +120,18 @@ void tst_Import::jsonGivesTheSameBytes_data()
     for (int i = 10; i < 300; ++i)
         many.events[i].index = 1000 - i;
     QTest::newRow("late texts") << sceneBytes({many});
+}
+
+// Else the editor would change the file as soon as it is saved, and check would call it damaged.
+void tst_Import::missingTextIsWrittenAsAnEmptyOne()
+{
+    const QString text = folder.put(QStringLiteral("bare.md"), "- <!-- mark -->x\n  What\x9F happens.\n");
+    const QString made = folder.path(QStringLiteral("bare.scene"));
+    QCOMPARE(runCommand({QStringLiteral("import"), text, QStringLiteral("-o"), made}).code, 0);
+    StoryReader reader;
+    QCOMPARE(reader.read(made), QString());
+    QCOMPARE(reader.damage().lines(), QStringList());
+    QCOMPARE(reader.bytes().toHex(), readFile(made).toHex());
 }
 
 void tst_Import::jsonGivesTheSameBytes()
