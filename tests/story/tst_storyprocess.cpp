@@ -149,7 +149,7 @@ void tst_StoryProcess::closedPipeEndsItQuietly()
 
 void tst_StoryProcess::missingMemoryIsOneLine()
 {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef FABLEGRID_SANITIZED
     QSKIP("The sanitizer takes more addresses than the limit leaves.");
 #endif
     constexpr qint64 gigabyte = qint64(1) << 30;
