@@ -2,15 +2,16 @@
 
 #include "commands/addnodecommand.h"
 #include "items/eventdata.h"
-#include "scene/canvasdetail.h"
 #include "scene/clipboard.h"
 #include "scene/connectiondrag.h"
 #include "scene/connector.h"
 #include "scene/damage.h"
 #include "scene/damagelog.h"
-#include "scene/exposure.h"
 #include "scene/massremoval.h"
 #include "scene/nodedeletion.h"
+#include "scene/nodefactory.h"
+#include "scene/noderegister.h"
+#include "scene/nodeselection.h"
 #include "scene/pointing.h"
 #include "scene/rubberband.h"
 #include "scene/scenerecords.h"
@@ -20,21 +21,16 @@
 #include "scene/viewroom.h"
 
 #include <QDebug>
-#include <QFocusEvent>
 #include <QGraphicsSceneMouseEvent>
-#include <QGraphicsView>
 #include <QMetaMethod>
-#include <QPainter>
 
 #include <algorithm>
-#include <cmath>
 #include <optional>
 
 namespace {
 
 constexpr double canvasSize = 99999;
 constexpr int veilAlpha = 28;
-constexpr double attachGap = 100.0;
 
 QColor backgroundColour() { return QColor::fromString(QLatin1String("#606060")); }
 
@@ -52,13 +48,17 @@ struct NodegraphScene::Parts
 {
     Parts(NodegraphScene &scene, const SceneRecords::NodeMaking &makeForRecord, const HandOut &out,
           const std::function<void()> &tellStory)
-        : handOut(out), removal(scene), publishing(tellStory), drag(scene, out), band(scene, veilColour()),
-          clipboard(scene, removal), deletion(scene, removal, out), records(scene, makeForRecord, out),
-          exposure(scene)
+        : handOut(out), selection(scene), removal(scene),
+          factory(scene, all, selection, removal, scene.exposure()), publishing(tellStory), drag(scene, out),
+          band(scene, veilColour()), clipboard(scene, removal), deletion(scene, removal, out),
+          records(scene, makeForRecord, out)
     {}
 
     HandOut handOut;
+    NodeRegister all;
+    NodeSelection selection;
     MassRemoval removal;
+    NodeFactory factory;
     Connector connector{removal};
     StoryChain story;
     StoryPublishing publishing;
@@ -67,12 +67,10 @@ struct NodegraphScene::Parts
     Clipboard clipboard;
     NodeDeletion deletion;
     SceneRecords records;
-    CanvasDetail detail;
-    Exposure exposure;
     std::optional<QPointF> mouse; // not set until it has been here
 };
 
-NodegraphScene::NodegraphScene() : selection(*this)
+NodegraphScene::NodegraphScene()
 {
     // Without a listener a command is dropped, for nobody would free it.
     const HandOut handOut = [this](std::unique_ptr<QUndoCommand> command) {
@@ -82,8 +80,9 @@ NodegraphScene::NodegraphScene() : selection(*this)
     };
     // By the provisional index, not the new node itself: see recordOrder(), which writing relies on.
     const SceneRecords::NodeMaking makeForRecord = [this](TextMaking making) {
-        const int provisionalIndex = all.takeNextIndex();
-        attachToCurrentNode(buildNode(QPointF(0, 0), provisionalIndex, 0, QString(), making));
+        const int provisionalIndex = parts->all.takeNextIndex();
+        const NodeFactory &factory = parts->factory;
+        factory.attachToCurrent(factory.build(QPointF(0, 0), provisionalIndex, 0, QString(), making));
         updateStory();
         return findNodeByIndex(provisionalIndex);
     };
@@ -116,13 +115,19 @@ NodegraphScene::~NodegraphScene()
     qDeleteAll(items);
 }
 
+const std::vector<Node *> &NodegraphScene::nodes() const { return parts->all.nodes(); }
+
+const std::vector<Node *> &NodegraphScene::selectedNodes() const { return parts->selection.collected(); }
+
+Node *NodegraphScene::currentNode() const { return parts->selection.current(); }
+
 const std::vector<Node *> &NodegraphScene::story() const { return parts->story.nodes(); }
 
 Node *NodegraphScene::endOfStoryNode() const { return parts->story.end(); }
 
-bool NodegraphScene::isMember(const Node *node) const { return all.contains(node); }
+bool NodegraphScene::isMember(const Node *node) const { return parts->all.contains(node); }
 
-Node *NodegraphScene::findNodeByIndex(int index) const { return all.find(index); }
+Node *NodegraphScene::findNodeByIndex(int index) const { return parts->all.find(index); }
 
 // Making nodes
 
@@ -145,7 +150,7 @@ void NodegraphScene::addEvent()
 Node *NodegraphScene::addNodeAt(QPointF pos, int type, int index, int markFrom)
 {
     const std::size_t before = nodes().size();
-    const int wanted = index == -1 ? all.nextIndex() : index;
+    const int wanted = index == -1 ? parts->all.nextIndex() : index;
     auto command = std::make_unique<AddNodeCommand>(this, pos, wanted, type, QString());
     if (markFrom != -1)
         command->willTakeMarkFrom(markFrom);
@@ -156,61 +161,24 @@ Node *NodegraphScene::addNodeAt(QPointF pos, int type, int index, int markFrom)
 void NodegraphScene::createNode(QPointF pos, int index, int type, const NodeData *data, const QString &name)
 {
     leaveTextsBut(*this, nullptr); // the keys that follow are not meant for what was written before
-    attachToCurrentNode(buildNode(pos, index, type, name, TextMaking::atOnce, [data](Node &node) {
+    const auto fill = [data](Node &node) {
         if (data)
             node.copyDataFrom(data);
-    }));
+    };
+    const NodeFactory &factory = parts->factory;
+    factory.attachToCurrent(factory.build(pos, index, type, name, TextMaking::atOnce, fill));
     updateStory();
 }
 
 Node *NodegraphScene::restoreNode(QPointF pos, int index, int type, const QString *description,
                                   const QString &name, TextMaking making)
 {
-    Node *node = buildNode(pos, index, type, name, making, [description](Node &built) {
+    Node *node = parts->factory.build(pos, index, type, name, making, [description](Node &built) {
         if (description)
             built.setDescription(*description);
     });
     updateStory();
     return node;
-}
-
-// What it holds is there before its index is told.
-Node *NodegraphScene::buildNode(QPointF pos, int index, int type, const QString &name, TextMaking making,
-                                const NodeFilling &fill)
-{
-    auto *node = new Node(type, making);
-    parts->removal.bringIn(node);
-    connect(node, SIGNAL(s_selected(Node*)), this, SLOT(sl_selectCurrentNode(Node*)));
-    connect(node, SIGNAL(s_moving(Node*)), this, SLOT(sl_nodeMove(Node*)));
-    connect(node, SIGNAL(s_socketClick(int,QPointF)), this, SLOT(sl_socketClick(int,QPointF)));
-    connect(node, SIGNAL(s_socketClickDrag()), this, SLOT(sl_socketClickDrag()));
-    connect(node, SIGNAL(s_changed(Node*)), this, SLOT(sl_nodeChanged(Node*)));
-    connect(node, SIGNAL(s_indexChanged(Node*,int)), this, SLOT(sl_nodeIndexChanged(Node*,int)));
-    connect(node, SIGNAL(s_importanceChanged(Node*,bool)), this, SLOT(sl_importanceChanged(Node*,bool)));
-    all.add(node);
-    node->placeAt(pos);
-    if (!name.isEmpty())
-        node->setNodeName(name);
-    if (fill)
-        fill(*node);
-    node->setIndex(all.freeIndex(index, node));
-    parts->exposure.noteNew(*node);
-    return node;
-}
-
-void NodegraphScene::attachToCurrentNode(Node *newNode)
-{
-    if (Node *current = currentNode(); current && newNode) {
-        const double x = current->scenePos().x() + current->boundingRect().width() + attachGap;
-        newNode->setPos(std::trunc(x), std::trunc(current->scenePos().y()));
-        connectNodes(newNode, current);
-        if (current == endOfStoryNode())
-            setEndOfStory(newNode);
-        selection.moveCurrentTo(newNode);
-    }
-    Node *only = newNode ? newNode : currentNode();
-    if (nodes().size() == 1 && only)
-        setEndOfStory(only);
 }
 
 // Connecting
@@ -274,33 +242,28 @@ void NodegraphScene::deleteNode(Node *node)
     if (node->hasInput())
         disconnectNode(node);
     qInfo() << "Deleted node " << node->getIndex();
-    forgetNode(node);
+    // Here, and nowhere else, a dying node leaves everything that the scene remembers.
+    parts->all.remove(node);
+    parts->selection.forget(node);
+    parts->clipboard.forget(node);
+    parts->story.forget(node);
+    parts->drag.forget(node);
     node->disconnect(this);
     parts->removal.takeOut(node);
     node->deleteLater(); // its own press or key may have led here
     updateStory();
 }
 
-/// The one place where a dying node leaves everything that the scene remembers.
-void NodegraphScene::forgetNode(Node *node)
-{
-    all.remove(node);
-    selection.forget(node);
-    parts->clipboard.forget(node);
-    parts->story.forget(node);
-    parts->drag.forget(node);
-}
-
 void NodegraphScene::clear()
 {
     const StoryPublishing::Step step(parts->publishing);
     parts->deletion.deleteAll();
-    selection.clear();
+    parts->selection.clear();
     parts->band.end();
     parts->drag.end();
-    all.restart();
+    parts->all.restart();
     setCurrentNode(nullptr);
-    parts->detail = {};
+    forgetDetail();
     QGraphicsScene::clear();
     parts->band.renew();
 }
@@ -353,7 +316,7 @@ void NodegraphScene::sl_nodeChanged(Node *node)
 // Comes before the node stores its new index, so nothing finds it under a number that it no longer has.
 void NodegraphScene::sl_nodeIndexChanged(Node *node, int index)
 {
-    all.reindex(node, index);
+    parts->all.reindex(node, index);
     emit s_nodeIndexChanged(node, index);
 }
 
@@ -404,19 +367,19 @@ void NodegraphScene::sl_selectCurrentNode(Node *node) { setCurrentNode(node); }
 
 void NodegraphScene::sl_deselectCurrentNode() { setCurrentNode(nullptr); }
 
-void NodegraphScene::setCurrentNode(Node *node) { selection.setCurrent(node); }
+void NodegraphScene::setCurrentNode(Node *node) { parts->selection.setCurrent(node); }
 
-void NodegraphScene::selectAll() { selection.selectAll(nodes()); }
+void NodegraphScene::selectAll() { parts->selection.selectAll(nodes()); }
 
-void NodegraphScene::deselectAll() { selection.deselectAll(nodes()); }
+void NodegraphScene::deselectAll() { parts->selection.deselectAll(nodes()); }
 
 void NodegraphScene::frameSelectedNodes()
 {
-    emit s_frameView(selection.bounds(nodes()));
+    emit s_frameView(parts->selection.bounds(nodes()));
     qInfo() << "Calculating bounds";
 }
 
-// Mouse, keyboard and screen
+// The mouse
 
 void NodegraphScene::sl_lastMousePos(QPointF pos) { parts->mouse = pos; }
 
@@ -431,7 +394,7 @@ void NodegraphScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
         if (itemUnder(*this, *event)) {
             parts->band.stop();
         } else {
-            selection.clear();
+            parts->selection.clear();
             parts->band.begin(event->scenePos());
         }
     }
@@ -448,7 +411,7 @@ void NodegraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
         parts->band.stretchTo(event->scenePos());
         std::vector<Node *> caught = selectedNodes();
         parts->band.catchFrom(nodes(), caught);
-        selection.collect(caught);
+        parts->selection.collect(caught);
     }
     // The framework repaints for a band or line only where it is and was in the view, and reckons that in
     // whole numbers: at the scale of a damaged file's places it reckons wrongly.
@@ -473,45 +436,4 @@ void NodegraphScene::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
     for (Node *node : nodes())
         node->updateLines();
     QGraphicsScene::mouseReleaseEvent(event);
-}
-
-// By Tab the framework would go back to the text that was edited last, whatever has become of its event, and
-// the next Tab would be written into it.
-void NodegraphScene::focusInEvent(QFocusEvent *event)
-{
-    const bool isByTab = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
-    QFocusEvent entered(event->type(), isByTab ? Qt::OtherFocusReason : event->reason());
-    QGraphicsScene::focusInEvent(&entered);
-    if (isByTab)
-        setFocusItem(nullptr);
-}
-
-// The texts are nobody's stops on the way through the window: a Tab would land in the one that was written in
-// last, or in any, and each further one would be written there.
-bool NodegraphScene::focusNextPrevChild(bool) { return false; }
-
-// The framework looks for whoever is under the mouse after this.
-bool NodegraphScene::event(QEvent *event)
-{
-    parts->exposure.aboutToHandle(*event);
-    return PromptScene::event(event);
-}
-
-// The items to paint are looked up after this. Only the frames of the view count for the detail: a picture
-// that is painted for something else changes nothing on the screen.
-void NodegraphScene::drawBackground(QPainter *painter, const QRectF &rect)
-{
-    const QList<QGraphicsView *> shown = views();
-    if (!shown.isEmpty() && painter->device() == shown.first()->viewport())
-        adaptDetail();
-    if (parts->detail.isWhole())
-        parts->exposure.aboutToPaint(rect);
-    QGraphicsScene::drawBackground(painter, rect);
-}
-
-void NodegraphScene::adaptDetail()
-{
-    const QList<QGraphicsView *> shown = views();
-    if (!shown.isEmpty())
-        parts->detail.apply(*shown.first(), nodes());
 }

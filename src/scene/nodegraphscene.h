@@ -2,12 +2,9 @@
 
 #include "items/connectionline.h"
 #include "items/node.h"
-#include "items/promptscene.h"
 #include "items/socket.h"
-#include "scene/noderegister.h"
-#include "scene/nodeselection.h"
+#include "scene/canvasscene.h"
 
-#include <functional>
 #include <memory>
 #include <vector>
 
@@ -26,7 +23,7 @@ Q_MOC_INCLUDE(<QDataStream>)
 /// The user's edits are handed out as undo commands by s_UndoCommandAdded(), never carried out directly:
 /// pushed on an undo stack they call back into the primitive operations below. All positions are scene
 /// coordinates. Created without a parent; whoever makes the tab ties its life to the tab's view.
-class NodegraphScene : public PromptScene
+class NodegraphScene : public CanvasScene
 {
     Q_OBJECT
 
@@ -34,13 +31,12 @@ public:
     NodegraphScene();
     ~NodegraphScene() override;
 
-    /// All nodes in the order of their creation; owned by this scene.
-    const std::vector<Node *> &nodes() const { return all.nodes(); }
+    const std::vector<Node *> &nodes() const override;
     /// What select all and the rubber band have collected; not the items' own selected state.
-    const std::vector<Node *> &selectedNodes() const { return selection.collected(); }
+    const std::vector<Node *> &selectedNodes() const;
     const std::vector<Node *> &story() const; // from the first event to the end
     /// The node that last reported itself pressed, null when there is none.
-    Node *currentNode() const { return selection.current(); }
+    Node *currentNode() const;
     /// The only one to say which node is current; null makes none so.
     void setCurrentNode(Node *node);
     /// The node that carries the mark, null when there is none.
@@ -85,8 +81,6 @@ public:
     void setEndOfStory(Node *node);
     /// Flips the importance of `node`, or of the current node if that is null.
     void toggleImportance(Node *node);
-    /// Shows as much of the events as suits its view now, which else happens with the next frame.
-    void adaptDetail();
 
 signals:
     /// A new edit: the receiver owns the command and runs it. Without any receiver there is no edit.
@@ -125,23 +119,11 @@ public slots:
     void frameSelectedNodes();
 
 protected:
-    bool event(QEvent *event) override;
-    void drawBackground(QPainter *painter, const QRectF &rect) override;
-    bool focusNextPrevChild(bool next) override;
-    void focusInEvent(QFocusEvent *event) override;
     void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;
 
 private:
-    using NodeFilling = std::function<void(Node &node)>;
-    Node *buildNode(QPointF pos, int index, int type, const QString &name, TextMaking making,
-                    const NodeFilling &fill = {});
-    void attachToCurrentNode(Node *newNode);
-    void forgetNode(Node *node);
-
-    NodeRegister all;
-    NodeSelection selection;
     struct Parts; // each with a state of its own
     std::unique_ptr<Parts> parts;
 };

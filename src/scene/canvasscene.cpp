@@ -1,0 +1,46 @@
+#include "scene/canvasscene.h"
+
+#include <QFocusEvent>
+#include <QGraphicsView>
+#include <QPainter>
+
+// By Tab the framework would go back to the text that was edited last, whatever has become of its event, and
+// the next Tab would be written into it.
+void CanvasScene::focusInEvent(QFocusEvent *event)
+{
+    const bool isByTab = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    QFocusEvent entered(event->type(), isByTab ? Qt::OtherFocusReason : event->reason());
+    QGraphicsScene::focusInEvent(&entered);
+    if (isByTab)
+        setFocusItem(nullptr);
+}
+
+// The texts are nobody's stops on the way through the window: a Tab would land in the one that was written in
+// last, or in any, and each further one would be written there.
+bool CanvasScene::focusNextPrevChild(bool) { return false; }
+
+// The framework looks for whoever is under the mouse after this.
+bool CanvasScene::event(QEvent *event)
+{
+    exposure_.aboutToHandle(*event);
+    return PromptScene::event(event);
+}
+
+// The items to paint are looked up after this. Only the frames of the view count for the detail: a picture
+// that is painted for something else changes nothing on the screen.
+void CanvasScene::drawBackground(QPainter *painter, const QRectF &rect)
+{
+    const QList<QGraphicsView *> shown = views();
+    if (!shown.isEmpty() && painter->device() == shown.first()->viewport())
+        adaptDetail();
+    if (detail.isWhole())
+        exposure_.aboutToPaint(rect);
+    QGraphicsScene::drawBackground(painter, rect);
+}
+
+void CanvasScene::adaptDetail()
+{
+    const QList<QGraphicsView *> shown = views();
+    if (!shown.isEmpty())
+        detail.apply(*shown.first(), nodes());
+}
