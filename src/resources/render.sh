@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Renders the PNG and ICO files of this folder from the SVG files beside them.
 # The results are kept in the tree, so building the application needs neither rsvg-convert nor icotool;
-# run this after a drawing has changed (Debian packages: librsvg2-bin, icoutils, icnsutils).
+# run this after a drawing has changed (Debian packages: librsvg2-bin, imagemagick, icoutils, icnsutils).
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/Assets"
 
@@ -13,6 +13,8 @@ render() {
 render "Logo/logo - Square (Fill) - App 1.svg" 1024 1024 "Logo/logo - Square (Fill) - App 1.png"
 render "Logo/logo - Fill Clipped 4.svg" 646 696 "Logo/logo - Fill Clipped 4.png"
 render "Icons/Add Node.svg" 1024 1024 "Icons/Add Node.png"
+# Each window reads these, some of them twice.
+../topalette.py "Logo/logo - Square (Fill) - App 1.png" "Logo/logo - Fill Clipped 4.png" "Icons/Add Node.png"
 
 # The sizes that Theme/index.theme names.
 for size in 32 48 64 72 96 144; do
