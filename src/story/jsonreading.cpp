@@ -61,23 +61,21 @@ bool hasPlaces(const QJsonArray &tabs)
 class Reading
 {
 public:
-    Reading(const QByteArray &json, Story &story) : read(story)
-    {
-        constexpr int depthOfEvents = 4; // in the document, its tabs, a tab and its events
-        lines = linesOfJsonObjects(json, depthOfEvents);
-    }
+    Reading(const QByteArray &json, Story &story) : lines(json), read(story) {}
 
     ImportResult readTabs(const QJsonArray &tabs)
     {
         arePlaced = hasPlaces(tabs);
         bool hasEvents = false;
-        for (const auto &tab : tabs) {
-            if (!tab.isObject()) {
-                notes << Texts::tr("what is no object among the tabs is left out");
+        const std::vector<JsonPlace> places = lines.items(placeOf(QStringLiteral("tabs"), lines.document()));
+        for (qsizetype i = 0; i < tabs.size(); ++i) {
+            const JsonPlace &place = places[std::size_t(i)];
+            if (!tabs[i].isObject()) {
+                note(place, Texts::tr("what is no object among the tabs is left out"));
                 continue;
             }
             read.tabs.emplace_back();
-            readTab(tab.toObject(), read.tabs.back());
+            readTab(tabs[i].toObject(), place, read.tabs.back());
             hasEvents = hasEvents || !read.tabs.back().events.empty();
         }
         ImportResult result;
@@ -88,71 +86,81 @@ public:
     }
 
 private:
-    void readTab(const QJsonObject &object, StoryTab &tab)
+    /// Of a member of an object; of the object itself if it has none of that name.
+    JsonPlace placeOf(const QString &name, const JsonPlace &object) const
+    {
+        return lines.members(object).value(name, object);
+    }
+
+    void note(const JsonPlace &place, const QString &text) { notes << noteOfLine(place.line, text); }
+
+    void readTab(const QJsonObject &object, const JsonPlace &place, StoryTab &tab)
     {
         tab.name = object[QStringLiteral("name")].toString();
         EventRows rows(notes);
+        const JsonPlace listPlace = placeOf(QStringLiteral("events"), place);
         const QJsonValue list = object[QStringLiteral("events")];
         if (!list.isArray())
-            notes << Texts::tr("a tab without a list of its events is left empty");
+            note(listPlace, Texts::tr("a tab without a list of its events is left empty"));
         const QJsonArray events = list.toArray();
-        for (const auto &event : events) {
-            if (event.isObject())
-                rows.add(rowOf(event.toObject()));
+        const std::vector<JsonPlace> places = lines.items(listPlace);
+        for (qsizetype i = 0; i < events.size(); ++i) {
+            const JsonPlace &eventPlace = places[std::size_t(i)];
+            if (events[i].isObject())
+                rows.add(rowOf(events[i].toObject(), eventPlace));
             else
-                notes << Texts::tr("what is no object among the events is left out");
+                note(eventPlace, Texts::tr("what is no object among the events is left out"));
         }
         rows.fill(tab);
     }
 
-    EventRow rowOf(const QJsonObject &object)
+    EventRow rowOf(const QJsonObject &object, const JsonPlace &place)
     {
         EventRow row;
-        row.line = nextEvent < lines.size() ? lines[nextEvent] : 0;
-        ++nextEvent;
-        row.event.title = textOf(object, QStringLiteral("title"), row.line);
-        row.event.description = textOf(object, QStringLiteral("description"), row.line);
+        row.line = place.line;
+        row.event.title = textOf(object, QStringLiteral("title"), place);
+        row.event.description = textOf(object, QStringLiteral("description"), place);
         const std::optional<double> x = coordinateOf(object[QStringLiteral("x")]);
         const std::optional<double> y = coordinateOf(object[QStringLiteral("y")]);
         if (x && y)
             row.event.position = QPointF(*x, *y);
         else if (arePlaced)
-            notes << noteOfLine(row.line,
-                                Texts::tr("x and y are not both numbers; the event stands at 0, 0"));
-        row.event.isEnd = isMarked(object, QStringLiteral("endOfStory"), row.line);
-        row.event.isImportant = isMarked(object, QStringLiteral("important"), row.line);
+            note(placeOf(x ? QStringLiteral("y") : QStringLiteral("x"), place),
+                 Texts::tr("x and y are not both numbers; the event stands at 0, 0"));
+        row.event.isEnd = isMarked(object, QStringLiteral("endOfStory"), place);
+        row.event.isImportant = isMarked(object, QStringLiteral("important"), place);
         row.index = wholeNumberOf(object[QStringLiteral("index")]);
         const QJsonValue feeder = object[QStringLiteral("fedBy")];
         row.fedBy = wholeNumberOf(feeder);
         if (!row.fedBy && !feeder.isNull() && !feeder.isUndefined())
-            notes << noteOfLine(row.line, Texts::tr("fedBy is no whole number and is left out"));
+            note(placeOf(QStringLiteral("fedBy"), place),
+                 Texts::tr("fedBy is no whole number and is left out"));
         return row;
     }
 
     /// What does not stand there at all is no fault of a text written by hand.
-    bool isMarked(const QJsonObject &object, const QString &name, qint64 line)
+    bool isMarked(const QJsonObject &object, const QString &name, const JsonPlace &event)
     {
         const QJsonValue value = object[name];
         if (!value.isBool() && !value.isUndefined())
-            notes << noteOfLine(line, Texts::tr("%1 is neither true nor false and is left out").arg(name));
+            note(placeOf(name, event), Texts::tr("%1 is neither true nor false and is left out").arg(name));
         return value.toBool();
     }
 
     /// A text of the editor's may be null, which is not the same in its files as an empty one.
-    QString textOf(const QJsonObject &object, const QString &name, qint64 line)
+    QString textOf(const QJsonObject &object, const QString &name, const JsonPlace &event)
     {
         const QJsonValue value = object[name];
         if (!value.isString() && !value.isNull())
-            notes << noteOfLine(line, Texts::tr("%1 is no text and is left out").arg(name));
+            note(placeOf(name, event), Texts::tr("%1 is no text and is left out").arg(name));
         const QString text = value.toString();
         return value.isString() && text.isNull() ? QStringLiteral("") : text;
     }
 
+    JsonLines lines;
     Story &read;
     QStringList notes;
     bool arePlaced = true;
-    std::vector<qint64> lines; // of all events
-    std::size_t nextEvent = 0;
 };
 
 } // namespace

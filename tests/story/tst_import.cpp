@@ -72,13 +72,35 @@ void tst_Import::textBecomesAStory_data()
               "\"important\": null, " +
               texts + "0}]}, {\"events\": {}}"),
         {QStringLiteral("0A."), QString()},
-        {QStringLiteral("what is no object among the tabs is left out"),
-         QStringLiteral("what is no object among the tabs is left out"),
-         QStringLiteral("what is no object among the tabs is left out"),
-         QStringLiteral("what is no object among the events is left out"),
+        {QStringLiteral("line 2: what is no object among the tabs is left out"),
+         QStringLiteral("line 2: what is no object among the tabs is left out"),
+         QStringLiteral("line 2: what is no object among the tabs is left out"),
+         QStringLiteral("line 3: what is no object among the events is left out"),
          QStringLiteral("line 4: endOfStory is neither true nor false and is left out"),
          QStringLiteral("line 4: important is neither true nor false and is left out"),
-         QStringLiteral("a tab without a list of its events is left empty")});
+         QStringLiteral("line 4: a tab without a list of its events is left empty")});
+    const QByteArray place = "\"x\": 0, \"y\": 0";
+    const QByteArray bare = "\"description\": \"\", " + place;
+    row("objects beside the events", json,
+        story("{\"notes\": [{}, {\"a\":\n{}}],\n\"\\u0065vents\": [{\"title\": 7, " + bare +
+              "}],\n"
+              "\"more\": {\"a\": [[{}]]}},\n{\"events\": [{\"title\": 8, " +
+              bare + "}]}"),
+        {QStringLiteral("0."), QStringLiteral("0.")},
+        {QStringLiteral("line 4: title is no text and is left out"),
+         QStringLiteral("line 4: \"\" has no number of its own and becomes event 0"),
+         QStringLiteral("line 6: title is no text and is left out"),
+         QStringLiteral("line 6: \"\" has no number of its own and becomes event 0")});
+    row("names that are said twice", json,
+        story("{\"events\": [\n{}\n],\n\"events\": [\n{\"title\": 7, \"title\":\n8, \"index\": 0, " + bare +
+              "}]}"),
+        {QStringLiteral("0.")}, {QStringLiteral("line 7: title is no text and is left out")});
+    row("texts that look like objects", json,
+        "\xEF\xBB\xBF" + story("{\"events\": [{\"title\": \"\\\"[{\\\\\", \"index\": 0, " + bare +
+                               "},\r\n{\"title\": \"]\\\n}\", \"index\": 1,\r\n\"x\": 0, \"y\": 900"
+                               ",\r\n\"description\":\r\n7}]}"),
+        {QStringLiteral("0\"[{\\. 0~]\n}")},
+        {QStringLiteral("line 7: description is no text and is left out")});
     row("front matter", md, "---\ntitle: x\n---\n# A\n<div>\n", {QStringLiteral("0A.")},
         {QStringLiteral("line 1: the front matter is left out"), QStringLiteral("line 5: HTML is left out")});
     row("letters", md, "\xEF\xBB\xBF# \xF0\x9F\x98\x80 \xD7\xA9\n\xFFz\n",
