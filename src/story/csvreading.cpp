@@ -128,7 +128,7 @@ private:
         made.event.isEnd = isMarked(row, "end");
         made.event.isImportant = isMarked(row, "important");
         made.event.position = QPointF(coordinate(row, "x"), coordinate(row, "y"));
-        std::vector<EventRow> &rows = rowsOf(columns.field(row, "tab"));
+        std::vector<EventRow> &rows = rowsOf(columns.field(row, "tab"), row.line);
         if (columns.has("index"))
             made.index = wholeNumber(row, "index", made.name);
         else
@@ -142,7 +142,7 @@ private:
         rows.push_back(std::move(made));
     }
 
-    std::vector<EventRow> &rowsOf(const QString &tab)
+    std::vector<EventRow> &rowsOf(const QString &tab, qint64 line)
     {
         auto found = placesOfTabs.find(tab);
         if (found == placesOfTabs.end()) {
@@ -150,6 +150,7 @@ private:
             tabs.emplace_back();
             read.tabs.emplace_back();
             read.tabs.back().name = tab;
+            leftOut.addTabName(tab, line);
         }
         return tabs[*found];
     }

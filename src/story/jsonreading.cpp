@@ -10,7 +10,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <limits>
 
 namespace {
@@ -63,8 +65,10 @@ class Reading
 public:
     Reading(const QByteArray &json, Story &story) : lines(json), read(story) {}
 
-    ImportResult readTabs(const QJsonArray &tabs)
+    ImportResult readAll(const QJsonObject &document)
     {
+        leaveOut(document, {"format", "version", "tabs"}, lines.document());
+        const QJsonArray tabs = document[QStringLiteral("tabs")].toArray();
         arePlaced = hasPlaces(tabs);
         bool hasEvents = false;
         const std::vector<JsonPlace> places = lines.items(placeOf(QStringLiteral("tabs"), lines.document()));
@@ -79,7 +83,7 @@ public:
             hasEvents = hasEvents || !read.tabs.back().events.empty();
         }
         ImportResult result;
-        result.notes = notes;
+        result.notes = leftOut.notes() + notes;
         // Without any event there is nothing to lay out, and such a story is one.
         result.places = arePlaced || !hasEvents ? ImportResult::Places::exact : ImportResult::Places::none;
         return result;
@@ -94,9 +98,32 @@ private:
 
     void note(const JsonPlace &place, const QString &text) { notes << noteOfLine(place.line, text); }
 
+    /// What else an object has than these.
+    void leaveOut(const QJsonObject &object, std::initializer_list<const char *> known,
+                  const JsonPlace &place)
+    {
+        QStringList unknown;
+        for (auto member = object.begin(); member != object.end(); ++member) {
+            const auto isIt = [&member](const char *name) { return member.key() == QLatin1String(name); };
+            if (std::none_of(known.begin(), known.end(), isIt))
+                unknown << member.key();
+        }
+        if (unknown.isEmpty())
+            return;
+        const QHash<QString, JsonPlace> places = lines.members(place);
+        for (const QString &key : std::as_const(unknown))
+            leftOut.addOneOf(Texts::tr("more keys are left out"),
+                             Texts::tr("the key %1 is left out").arg(quotedTitle(key)),
+                             places.value(key, place).line);
+    }
+
     void readTab(const QJsonObject &object, const JsonPlace &place, StoryTab &tab)
     {
-        tab.name = object[QStringLiteral("name")].toString();
+        leaveOut(object, {"name", "story", "events"}, place);
+        if (object.contains(QStringLiteral("name"))) {
+            tab.name = textOf(object, QStringLiteral("name"), place);
+            leftOut.addTabName(tab.name, placeOf(QStringLiteral("name"), place).line);
+        }
         EventRows rows(notes);
         const JsonPlace listPlace = placeOf(QStringLiteral("events"), place);
         const QJsonValue list = object[QStringLiteral("events")];
@@ -112,10 +139,25 @@ private:
                 note(eventPlace, Texts::tr("what is no object among the events is left out"));
         }
         rows.fill(tab);
+        compareStory(object, place, tab);
+    }
+
+    /// The chain of a tab stands in the text for whoever reads it; the connections and the end say it, too.
+    void compareStory(const QJsonObject &object, const JsonPlace &place, const StoryTab &tab)
+    {
+        const QJsonValue told = object[QStringLiteral("story")];
+        QJsonArray chain;
+        for (const int at : tab.chain)
+            chain.append(tab.events[at].index);
+        if (!told.isUndefined() && told != chain)
+            leftOut.add(Texts::tr("the story is not what the connections and the end say, and is left out"),
+                        placeOf(QStringLiteral("story"), place).line);
     }
 
     EventRow rowOf(const QJsonObject &object, const JsonPlace &place)
     {
+        leaveOut(object, {"index", "title", "description", "x", "y", "fedBy", "endOfStory", "important"},
+                 place);
         EventRow row;
         row.line = place.line;
         row.event.title = textOf(object, QStringLiteral("title"), place);
@@ -159,6 +201,7 @@ private:
 
     JsonLines lines;
     Story &read;
+    LeftOut leftOut;
     QStringList notes;
     bool arePlaced = true;
 };
@@ -183,6 +226,6 @@ ImportResult readJson(const QByteArray &text, Story &story)
     else if (version != 1)
         result.trouble = Texts::tr("has the version %1; only 1 can be read").arg(version);
     else
-        result = Reading(json, story).readTabs(tabs.toArray());
+        result = Reading(json, story).readAll(object);
     return result;
 }

@@ -116,6 +116,8 @@ QString MarkdownBlocks::textOfLine(cmark_node *block)
                 links.push_back(text.size());
             } else {
                 const QString url = fromC(cmark_node_get_url(node));
+                if (*cmark_node_get_title(node) != '\0')
+                    left.add(tr("the title of a link is left out"), line);
                 if (!url.isEmpty() && QStringView(text).mid(links.back()) != url)
                     text += QStringLiteral(" (%1)").arg(url);
                 links.pop_back();
@@ -150,6 +152,8 @@ QString MarkdownBlocks::textOfBlock(cmark_node *block)
                 lines << prefixes.before(textOfLine(node));
             break;
         case CMARK_NODE_CODE_BLOCK: {
+            if (*cmark_node_get_fence_info(node) != '\0')
+                left.add(tr("the language of code is left out"), cmark_node_get_start_line(node));
             const QString code = fromC(cmark_node_get_literal(node));
             lines << prefixes.before(code.endsWith(QLatin1Char('\n')) ? code.chopped(1) : code);
             break;

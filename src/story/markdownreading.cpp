@@ -104,6 +104,7 @@ private:
             endTab();
             beginTab();
             read.tabs.back().name = blocks.textOfLine(heading);
+            blocks.leftOut().addTabName(read.tabs.back().name, cmark_node_get_start_line(heading));
             return;
         }
         addEvent(blocks.textOfLine(heading), level.value_or(written), step);

@@ -40,6 +40,12 @@ void tst_Import::textBecomesAStory_data()
         {QStringLiteral("0A=one\n\ntwo 1/B 2/C 1D 0E 0F.")});
     row("lists below headings", md, "# A\n- one\n  - two\n\n    > three\n1. four\n2. five\n",
         {QStringLiteral("0A=- one\n  - two\n    > three\n\n1. four\n2. five.")});
+    row("names of tabs and other signs", md,
+        "<!-- fablegrid-story: x -->\n# Story 3\n## A\n```cpp\none\n```\n# Prologue\n## B [c](d \"e\")\n",
+        {QStringLiteral("0A=one."), QStringLiteral("0B c (d).")},
+        {QStringLiteral("line 4: the language of code is left out"),
+         QStringLiteral("line 7: the name of the tab \"Prologue\" is left out, for tabs have numbers only"),
+         QStringLiteral("line 8: the title of a link is left out")});
     row("other blocks", md, "# A\n```\none\n two\n```\n***\n> three\n\n<br>\n\nfour\n",
         {QStringLiteral("0A=one\n two\n\n* * *\n\n> three\n\n\nfour.")});
     row("text within lines", md, "# *A* [b](u) `c`\none<br>two \\* &amp; ![p](q) <http://r>\\\nthree **s**\n",
@@ -62,7 +68,7 @@ void tst_Import::textBecomesAStory_data()
         {QStringLiteral("line 2: \"A\" has no number of its own and becomes event 0"),
          QStringLiteral("line 3: \"B\" is fed by event -1, which is not there; that is left out")});
     row("data without places", json,
-        "{\"format\": \"fablegrid-story\", \"version\": 1, \"tabs\": [{\"name\": \"T\", \"events\": [\n"
+        "{\"format\": \"fablegrid-story\", \"version\": 1, \"tabs\": [{\"name\": \"Story 2\", \"events\": [\n"
         "{\"title\": \"A\", \"description\": \"\", \"index\": 0},\n"
         "{\"title\": \"B\", \"description\": \"\", \"index\": 1, \"fedBy\": 0},\n"
         "{\"title\": \"C\", \"description\": \"\", \"index\": 2, \"fedBy\": 0, \"endOfStory\": true}]}]}",
@@ -87,10 +93,36 @@ void tst_Import::textBecomesAStory_data()
               "\"more\": {\"a\": [[{}]]}},\n{\"events\": [{\"title\": 8, " +
               bare + "}]}"),
         {QStringLiteral("0."), QStringLiteral("0.")},
-        {QStringLiteral("line 4: title is no text and is left out"),
+        {QStringLiteral("line 5: the key \"more\" is left out"),
+         QStringLiteral("line 2: the key \"notes\" is left out"),
+         QStringLiteral("line 4: title is no text and is left out"),
          QStringLiteral("line 4: \"\" has no number of its own and becomes event 0"),
          QStringLiteral("line 6: title is no text and is left out"),
          QStringLiteral("line 6: \"\" has no number of its own and becomes event 0")});
+    const QByteArray event = "{\"title\": \"A\", \"index\": 5, \"endOfStory\": true, " + bare;
+    row("stories that the events tell otherwise", json,
+        story("{\"story\": [5], \"events\": [" + event + "}]},\n{\"events\": [" + event +
+              "}],\n\"story\": [5, 6]},\n{\"events\": [" + event + "}],\n\"story\": null}"),
+        {QStringLiteral("0A."), QStringLiteral("0A."), QStringLiteral("0A.")},
+        {QStringLiteral("line 4: the story is not what the connections and the end say, and is left out; "
+                        "so in 2 places")});
+    row("names of tabs", json,
+        story("{\"name\": \"Story 12\", \"events\": []},\n{\"name\": \"Story 0\", \"events\": []},\n"
+              "{\"events\": [],\n\"name\": \"The 1\"},\n{\"events\": [], \"name\": null}"),
+        {QString(), QString(), QString(), QString()},
+        {QStringLiteral("line 3: the name of the tab \"Story 0\" is left out, for tabs have numbers only"),
+         QStringLiteral("line 5: the name of the tab \"The 1\" is left out, for tabs have numbers only")});
+    QByteArray keys;
+    for (char key = 'a'; key < 'n'; ++key)
+        keys += QByteArray(",\n\"") + key + "\": 1";
+    QStringList notesOfKeys(QStringLiteral("line 13: more keys are left out; so in 3 places"));
+    for (int i = 0; i < 10; ++i)
+        notesOfKeys << QStringLiteral("line %1: the key \"%2\" is left out%3")
+                           .arg(i == 1 ? 1 : i + 3)
+                           .arg(QChar(u'a' + i))
+                           .arg(i == 1 ? QStringLiteral("; so in 2 places") : QString());
+    row("many keys", json, "{\"b\": 1, " + story("{\"events\": [" + event + keys + "}]}").mid(1),
+        {QStringLiteral("0A.")}, notesOfKeys);
     row("names that are said twice", json,
         story("{\"events\": [\n{}\n],\n\"events\": [\n{\"title\": 7, \"title\":\n8, \"index\": 0, " + bare +
               "}]}"),
