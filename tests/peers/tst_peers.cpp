@@ -2,6 +2,7 @@
 
 #include <QProcess>
 #include <QStandardPaths>
+#include <QXmlStreamReader>
 
 #include <algorithm>
 
@@ -120,14 +121,18 @@ private slots:
     void pandocReadsTitlesOfOutlines();
     void popplerReadsPdf();
     void popplerFindsHeadingsWhereTheirBookmarksLead();
+    void popplerFindsNumbersOfPages_data();
+    void popplerFindsNumbersOfPages();
     void xmllintReadsXml_data();
     void xmllintReadsXml();
     void xmllintReadsTextsOfOutlines();
+    void xmllintReadsTextsOfPictures();
     void rsvgPaintsPictures();
     void graphvizReadsDot();
     void validatorTakesJson();
     void validatorRefusesOtherJson();
     void sqliteReadsCsv();
+    void gitShowsWhatChanged();
 
 private:
     QString exported(const QString &suffix)
@@ -150,6 +155,8 @@ private:
             return "FAILED: " + process.readAllStandardError();
         return process.readAllStandardOutput();
     }
+
+    static StoryTab tabOfManyPages();
 
     StoryFolder folder;
     QString scene = folder.put(QStringLiteral("care.scene"), sceneBytes({careTab()}));
@@ -233,15 +240,18 @@ void tst_Peers::popplerReadsPdf()
     QCOMPARE(rest, QString());
     const QByteArray xml = said(QStringLiteral("pdftohtml"), {QStringLiteral("-xml"), QStringLiteral("-i"),
                                                               QStringLiteral("-stdout"), path});
-    const qsizetype outline = xml.indexOf("<outline>");
-    QVERIFY(outline != -1);
-    QCOMPARE(xml.mid(outline).count("<item "), 1 + titles().size());
+    QStringList bookmarks;
+    QXmlStreamReader items(xml.mid(xml.indexOf("<outline>")));
+    while (!items.atEnd()) {
+        if (items.readNextStartElement() && items.name() == QLatin1String("item"))
+            bookmarks << items.readElementText();
+    }
+    QCOMPARE(bookmarks, QStringList(QStringLiteral("Story 1")) + titles());
 }
 
 // Texts of every length before them, so that some headings just miss the end of a page.
-void tst_Peers::popplerFindsHeadingsWhereTheirBookmarksLead()
+StoryTab tst_Peers::tabOfManyPages()
 {
-    NEEDS("pdftohtml");
     StoryTab tab;
     for (int i = 0; i < 150; ++i) {
         StoryEvent event;
@@ -255,7 +265,13 @@ void tst_Peers::popplerFindsHeadingsWhereTheirBookmarksLead()
         event.isEnd = i == 149;
         tab.events.push_back(event);
     }
-    const QString headings = folder.put(QStringLiteral("headings.scene"), sceneBytes({tab}));
+    return tab;
+}
+
+void tst_Peers::popplerFindsHeadingsWhereTheirBookmarksLead()
+{
+    NEEDS("pdftohtml");
+    const QString headings = folder.put(QStringLiteral("headings.scene"), sceneBytes({tabOfManyPages()}));
     const QString pdf = folder.path(QStringLiteral("headings.pdf"));
     QCOMPARE(runCommand({QStringLiteral("export"), headings, QStringLiteral("-o"), pdf}).code, 0);
     const QString xml =
@@ -272,6 +288,41 @@ void tst_Peers::popplerFindsHeadingsWhereTheirBookmarksLead()
                  qPrintable(one.captured()));
     }
     QCOMPARE(found, 150);
+}
+
+void tst_Peers::popplerFindsNumbersOfPages_data()
+{
+    QTest::addColumn<QString>("paper");
+    QTest::addColumn<QByteArray>("size");
+    QTest::newRow("A4") << QStringLiteral("A4") << QByteArray("595 x 842 pts (A4)");
+    QTest::newRow("letter") << QStringLiteral("letter") << QByteArray("612 x 792 pts (letter)");
+}
+
+void tst_Peers::popplerFindsNumbersOfPages()
+{
+    NEEDS("pdftotext");
+    QFETCH(const QString, paper);
+    QFETCH(const QByteArray, size);
+    const QString pages = folder.put(QStringLiteral("pages.scene"), sceneBytes({tabOfManyPages()}));
+    const QString pdf = folder.path(QStringLiteral("pages-%1.pdf").arg(paper));
+    QCOMPARE(runCommand({QStringLiteral("export"), pages, QStringLiteral("-o"), pdf,
+                         QStringLiteral("--paper"), paper})
+                 .code,
+             0);
+    const QByteArray info = said(QStringLiteral("pdfinfo"), {pdf});
+    QVERIFY2(info.contains(size), info.constData());
+    const QByteArray text =
+        said(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
+    QStringList last;
+    for (const QByteArray &page : text.split('\f'))
+        last << QString::fromUtf8(page.trimmed().split('\n').last().trimmed());
+    QCOMPARE(last.takeLast(), QString()); // behind the end of the last page
+    QVERIFY(last.size() > 10);
+    QStringList numbers;
+    for (int i = 1; i <= last.size(); ++i)
+        numbers << QString::number(i);
+    QCOMPARE(last, numbers);
+    QVERIFY(info.contains("Pages:") && info.contains(' ' + QByteArray::number(last.size()) + '\n'));
 }
 
 void tst_Peers::xmllintReadsXml_data()
@@ -314,6 +365,24 @@ void tst_Peers::xmllintReadsTextsOfOutlines()
             text.chop(1); // the end of the line
             QCOMPARE(QString::fromUtf8(text), expected);
         }
+    }
+}
+
+// A title is cut at the end of its line and of its box, and words that are read from the right stand the
+// other way round.
+void tst_Peers::xmllintReadsTextsOfPictures()
+{
+    NEEDS("xmllint");
+    const QString path = folder.path(QStringLiteral("texts.svg"));
+    QCOMPARE(runCommand({QStringLiteral("picture"), scene, QStringLiteral("-o"), path}).code, 0);
+    const QString all = lettersOnPaper(QString::fromUtf8(
+        said(QStringLiteral("xmllint"),
+             {QStringLiteral("--xpath"), QStringLiteral("string(/*[local-name()='svg'])"), path})));
+    for (const StoryEvent &event : careTab().events) {
+        const QString title = event.title.section(QLatin1Char('\n'), 0, 0).left(20);
+        const QStringList words = title.split(u' ') + event.text().split(u' ');
+        for (const QString &word : words)
+            QVERIFY2(all.contains(lettersOnPaper(word)), qPrintable(word + QLatin1Char('|') + all));
     }
 }
 
@@ -439,6 +508,35 @@ void tst_Peers::sqliteReadsCsv()
         texts << event.text();
     QCOMPARE(QJsonDocument::fromJson(lists.value(0)).array(), QJsonArray::fromStringList(titles(false)));
     QCOMPARE(QJsonDocument::fromJson(lists.value(1)).array(), QJsonArray::fromStringList(texts));
+}
+
+// By the two lines of the guide.
+void tst_Peers::gitShowsWhatChanged()
+{
+    NEEDS("git");
+    const QString guide = QString::fromUtf8(readFile(QStringLiteral(FABLEGRID_GUIDE)));
+    static const QRegularExpression lines(
+        QStringLiteral("\n    (\\*\\.scene diff=.*)\n    (git config .*)\n"));
+    const QRegularExpressionMatch found = lines.match(guide);
+    QVERIFY(found.hasMatch());
+    const StoryFolder place;
+    place.put(QStringLiteral(".gitattributes"), found.captured(1).toUtf8() + '\n');
+    StoryTab tab = branchedTab();
+    place.put(QStringLiteral("a novel.scene"), sceneBytes({tab}));
+    tab.events[2].title = QStringLiteral("renamed");
+    tab.events[9].description = QStringLiteral("rewritten");
+    const StoryFolder other;
+    const QString changed = other.put(QStringLiteral("new.scene"), sceneBytes({tab}));
+    const QString script =
+        QStringLiteral("cd \"$1\" && export HOME=$PWD GIT_CONFIG_NOSYSTEM=1 PATH=\"$2\":$PATH &&\n"
+                       "git init -q && git add . &&\n"
+                       "git -c user.name=x -c user.email=x@x commit -qm x &&\n") +
+        found.captured(2) + QStringLiteral(" &&\ncp \"$3\" 'a novel.scene' && git --no-pager diff -U0\n");
+    const QString programs = QFileInfo(QStringLiteral(FABLEGRID_STORY_PROGRAM)).path();
+    const QByteArray diff = said(QStringLiteral("sh"), {QStringLiteral("-c"), script, QStringLiteral("sh"),
+                                                        place.path({}), programs, changed});
+    QVERIFY2(diff.contains("\n-C\n+renamed\n") && diff.contains("\n-    text of J\n+    rewritten\n"),
+             diff.constData());
 }
 
 QTEST_MAIN(tst_Peers)
