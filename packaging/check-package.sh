@@ -28,6 +28,7 @@ inside dpkg --listfiles fablegrid
 
 # The manual is found, and shells find what they offer where they look for it.
 share=$debian_root/usr/share
+# shellcheck disable=SC2016 # expanded by the inner shell
 if ! [[ -s $share/zsh/vendor-completions/_fablegrid-story &&
     -s $share/fish/vendor_completions.d/fablegrid-story.fish ]] ||
     ! inside zgrep -q 'fablegrid.*story export' /usr/share/man/man1/fablegrid-story.1.gz ||
