@@ -87,9 +87,12 @@ private:
 class Reading
 {
 public:
-    Reading(const CsvTable &rowsOfAll, Story &story)
+    /// `text` is what the table was read from.
+    Reading(const CsvTable &rowsOfAll, const QByteArray &text, Story &story)
         : table(rowsOfAll), columns(rowsOfAll.rows().front(), leftOut), read(story)
-    {}
+    {
+        leftOut.addBrokenLetters(text);
+    }
 
     ImportResult readAll()
     {
@@ -221,6 +224,6 @@ ImportResult readCsv(const QByteArray &text, Story &story)
     else if (table.rows().empty())
         result.trouble = Texts::tr("has no line that says what the columns are");
     else
-        result = Reading(table, story).readAll();
+        result = Reading(table, text, story).readAll();
     return result;
 }

@@ -35,7 +35,12 @@ bool readPosition(const TweePassage &passage, QPointF &position)
 class Reading
 {
 public:
-    Reading(const QString &text, Story &story) : read(story), passages(tweePassages(text, lineOfLoose)) {}
+    /// `text` is `bytes` as UTF-8.
+    Reading(const QString &text, const QByteArray &bytes, Story &story)
+        : read(story), passages(tweePassages(text, lineOfLoose))
+    {
+        leftOut.addBrokenLetters(bytes);
+    }
 
     ImportResult readAll()
     {
@@ -262,5 +267,5 @@ ImportResult readTwee(const QByteArray &text, Story &story)
     QString all = QString::fromUtf8(text);
     if (all.startsWith(QChar(QChar::ByteOrderMark)))
         all.remove(0, 1);
-    return Reading(all, story).readAll();
+    return Reading(all, text, story).readAll();
 }

@@ -136,7 +136,8 @@ void tst_Import::textBecomesAStory_data()
     row("front matter", md, "---\ntitle: x\n---\n# A\n<div>\n", {QStringLiteral("0A.")},
         {QStringLiteral("line 1: the front matter is left out"), QStringLiteral("line 5: HTML is left out")});
     row("letters", md, "\xEF\xBB\xBF# \xF0\x9F\x98\x80 \xD7\xA9\n\xFFz\n",
-        {QStringLiteral("0\U0001F600 \u05E9=\uFFFDz.")});
+        {QStringLiteral("0\U0001F600 \u05E9=\uFFFDz.")},
+        {QStringLiteral("line 2: letters that are no UTF-8 are left out")});
 }
 
 void tst_Import::textBecomesAStory() { checkImported(folder); }

@@ -62,6 +62,9 @@ void tst_ImportOthers::textBecomesAStory_data()
     const QString csv = QStringLiteral("csv");
     row("rows", csv, "Title,Text\r\nA,\"one\r\n\"\"two\"\"\"\r\n\r\nB\r\n",
         {QStringLiteral("0A=one\n\"two\" 0B.")});
+    row("rows in another encoding", csv, "title\nCaf\xE9\nB\n\xFC\xC3\n",
+        {QStringLiteral("0Caf\uFFFD 0B 0\uFFFD\uFFFD.")},
+        {QStringLiteral("line 2: letters that are no UTF-8 are left out; so in 2 places")});
     row("rows with names", csv, "id,title\np-1,A\np-2,B\np-2,C\n", {QStringLiteral("0A 0B 0C.")},
         {QStringLiteral("line 2: index is no whole number; the event gets one; so in 3 places")});
     row("rows that are fed by names", csv, "id,title,fed_by\nb,B,a\na,A,\n7,C,b\n,D,7\n,E,nobody\na,F,a\n",
@@ -133,6 +136,8 @@ void tst_ImportOthers::textBecomesAStory_data()
     row("brackets that are no links", twee, ":: A\n[[]] [[\n]] [[[B]]] [[B]]\n:: B\n" + QByteArray(8, '['),
         {QStringLiteral("0A=[[]] [[\n]] [B] B 0B=[[[[[[[[.")},
         {QStringLiteral("line 3: a link to \"[B]\", which is no passage here, is left out")});
+    row("passages in another encoding", twee, ":: Caf\xE9\n", {QStringLiteral("0Caf\uFFFD.")},
+        {QStringLiteral("line 1: letters that are no UTF-8 are left out")});
     row("passages without data", twee, ":: C\n:: Start\n[[B]]\n:: B\n[[Start]]\n",
         {QStringLiteral("0Start 0B. 0~C")},
         {QStringLiteral("line 5: the way from \"B\" to \"Start\" closes a circle and is left out")});
