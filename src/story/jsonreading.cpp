@@ -73,7 +73,7 @@ public:
         bool hasEvents = false;
         const std::vector<JsonPlace> places = lines.items(placeOf(QStringLiteral("tabs"), lines.document()));
         for (qsizetype i = 0; i < tabs.size(); ++i) {
-            const JsonPlace &place = places[std::size_t(i)];
+            const JsonPlace place = itemOf(places, i, lines.document());
             if (!tabs[i].isObject()) {
                 note(place, Texts::tr("what is no object among the tabs is left out"));
                 continue;
@@ -94,6 +94,12 @@ private:
     JsonPlace placeOf(const QString &name, const JsonPlace &object) const
     {
         return lines.members(object).value(name, object);
+    }
+
+    /// Of an item of a list; of the list itself should the parser see more of them.
+    static JsonPlace itemOf(const std::vector<JsonPlace> &places, qsizetype item, const JsonPlace &list)
+    {
+        return item < qsizetype(places.size()) ? places[std::size_t(item)] : list;
     }
 
     void note(const JsonPlace &place, const QString &text) { notes << noteOfLine(place.line, text); }
@@ -132,7 +138,7 @@ private:
         const QJsonArray events = list.toArray();
         const std::vector<JsonPlace> places = lines.items(listPlace);
         for (qsizetype i = 0; i < events.size(); ++i) {
-            const JsonPlace &eventPlace = places[std::size_t(i)];
+            const JsonPlace eventPlace = itemOf(places, i, listPlace);
             if (events[i].isObject())
                 rows.add(rowOf(events[i].toObject(), eventPlace));
             else
