@@ -29,6 +29,7 @@ int main(int argc, char *argv[])
     // Whoever started this program may have it ignored, and then nothing would end it when its reader goes.
     std::signal(SIGPIPE, SIG_DFL);
 #endif
+    Terminal::keepPlacesOfClosed();
     Interruption::listen();
     qInstallMessageHandler(&keepLibrariesQuiet);
     // What is damaged is told in the log of the reading, which nobody's rules are to thin out.

@@ -29,6 +29,7 @@ private slots:
     void signalLeavesTheResultWhole();
     void resultOnTheTerminalIsBesideNoBar();
     void closedPipeEndsItQuietly();
+    void closedOutputIsTold();
     void missingMemoryIsOneLine();
     void standardInputIsImported();
     void noDisplayIsNeeded();
@@ -226,6 +227,18 @@ void tst_StoryProcess::closedPipeEndsItQuietly()
     QCOMPARE(process.exitStatus(), QProcess::CrashExit); // by the signal, as other filters end
     QCOMPARE(process.exitCode(), SIGPIPE);
     QCOMPARE(process.readAllStandardError(), QByteArray());
+}
+
+// What the program opens first must not get the number of the stream, and with it what is written there.
+void tst_StoryProcess::closedOutputIsTold()
+{
+    QProcess process;
+    process.setChildProcessModifier([] { close(STDOUT_FILENO); });
+    start(process, {QStringLiteral("show"), scene});
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.readAllStandardError(),
+             QByteArray("fablegrid-story: cannot write to the standard output: Bad file descriptor\n"));
+    QCOMPARE(process.exitCode(), 2);
 }
 
 void tst_StoryProcess::missingMemoryIsOneLine()
