@@ -123,6 +123,8 @@ private slots:
     void popplerFindsHeadingsWhereTheirBookmarksLead();
     void popplerFindsNumbersOfPages_data();
     void popplerFindsNumbersOfPages();
+    void pythonFindsSheetsOfDocuments_data();
+    void pythonFindsSheetsOfDocuments();
     void xmllintReadsXml_data();
     void xmllintReadsXml();
     void xmllintReadsTextsOfOutlines();
@@ -323,6 +325,36 @@ void tst_Peers::popplerFindsNumbersOfPages()
         numbers << QString::number(i);
     QCOMPARE(last, numbers);
     QVERIFY(info.contains("Pages:") && info.contains(' ' + QByteArray::number(last.size()) + '\n'));
+}
+
+void tst_Peers::pythonFindsSheetsOfDocuments_data()
+{
+    QTest::addColumn<QString>("paper");
+    QTest::addColumn<QByteArray>("size");
+    QTest::newRow("A4") << QStringLiteral("A4") << QByteArray("595pt 842pt 1\n");
+    QTest::newRow("letter") << QStringLiteral("letter") << QByteArray("612pt 792pt 1\n");
+}
+
+// The last number says how often a page shows its own.
+void tst_Peers::pythonFindsSheetsOfDocuments()
+{
+    NEEDS("python3");
+    QFETCH(const QString, paper);
+    QFETCH(const QByteArray, size);
+    const QString odt = folder.path(QStringLiteral("sheet-%1.odt").arg(paper));
+    QCOMPARE(runCommand({QStringLiteral("export"), scene, QStringLiteral("-o"), odt,
+                         QStringLiteral("--paper"), paper})
+                 .code,
+             0);
+    const QString look = QStringLiteral(
+        "import sys, zipfile, xml.etree.ElementTree as tree\n"
+        "name = '{urn:oasis:names:tc:opendocument:xmlns:%s:1.0}%s'\n"
+        "styles = tree.fromstring(zipfile.ZipFile(sys.argv[1]).read('styles.xml'))\n"
+        "sheet = next(styles.iter(name % ('style', 'page-layout-properties')))\n"
+        "numbers = list(styles.iter(name % ('text', 'page-number')))\n"
+        "fo = 'xsl-fo-compatible'\n"
+        "print(sheet.get(name % (fo, 'page-width')), sheet.get(name % (fo, 'page-height')), len(numbers))\n");
+    QCOMPARE(said(QStringLiteral("python3"), {QStringLiteral("-c"), look, odt}), size);
 }
 
 void tst_Peers::xmllintReadsXml_data()
