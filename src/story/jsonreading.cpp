@@ -75,7 +75,7 @@ public:
         for (qsizetype i = 0; i < tabs.size(); ++i) {
             const JsonPlace place = itemOf(places, i, lines.document());
             if (!tabs[i].isObject()) {
-                note(place, Texts::tr("what is no object among the tabs is left out"));
+                leftOut.add(Texts::tr("what is no object among the tabs is left out"), place.line);
                 continue;
             }
             read.tabs.emplace_back();
@@ -101,8 +101,6 @@ private:
     {
         return item < qsizetype(places.size()) ? places[std::size_t(item)] : list;
     }
-
-    void note(const JsonPlace &place, const QString &text) { notes << noteOfLine(place.line, text); }
 
     /// What else an object has than these.
     void leaveOut(const QJsonObject &object, std::initializer_list<const char *> known,
@@ -134,7 +132,7 @@ private:
         const JsonPlace listPlace = placeOf(QStringLiteral("events"), place);
         const QJsonValue list = object[QStringLiteral("events")];
         if (!list.isArray())
-            note(listPlace, Texts::tr("a tab without a list of its events is left empty"));
+            leftOut.add(Texts::tr("a tab without a list of its events is left empty"), listPlace.line);
         const QJsonArray events = list.toArray();
         const std::vector<JsonPlace> places = lines.items(listPlace);
         for (qsizetype i = 0; i < events.size(); ++i) {
@@ -142,7 +140,7 @@ private:
             if (events[i].isObject())
                 rows.add(rowOf(events[i].toObject(), eventPlace));
             else
-                note(eventPlace, Texts::tr("what is no object among the events is left out"));
+                leftOut.add(Texts::tr("what is no object among the events is left out"), eventPlace.line);
         }
         rows.fill(tab);
         compareStory(object, place, tab);
@@ -173,16 +171,16 @@ private:
         if (x && y)
             row.event.position = QPointF(*x, *y);
         else if (arePlaced)
-            note(placeOf(x ? QStringLiteral("y") : QStringLiteral("x"), place),
-                 Texts::tr("x and y are not both numbers; the event stands at 0, 0"));
+            leftOut.add(Texts::tr("x and y are not both numbers; the event stands at 0, 0"),
+                        placeOf(x ? QStringLiteral("y") : QStringLiteral("x"), place).line);
         row.event.isEnd = isMarked(object, QStringLiteral("endOfStory"), place);
         row.event.isImportant = isMarked(object, QStringLiteral("important"), place);
         row.index = wholeNumberOf(object[QStringLiteral("index")]);
         const QJsonValue feeder = object[QStringLiteral("fedBy")];
         row.fedBy = wholeNumberOf(feeder);
         if (!row.fedBy && !feeder.isNull() && !feeder.isUndefined())
-            note(placeOf(QStringLiteral("fedBy"), place),
-                 Texts::tr("fedBy is no whole number and is left out"));
+            leftOut.add(Texts::tr("fedBy is no whole number and is left out"),
+                        placeOf(QStringLiteral("fedBy"), place).line);
         return row;
     }
 
@@ -191,7 +189,8 @@ private:
     {
         const QJsonValue value = object[name];
         if (!value.isBool() && !value.isUndefined())
-            note(placeOf(name, event), Texts::tr("%1 is neither true nor false and is left out").arg(name));
+            leftOut.add(Texts::tr("%1 is neither true nor false and is left out").arg(name),
+                        placeOf(name, event).line);
         return value.toBool();
     }
 
@@ -200,7 +199,7 @@ private:
     {
         const QJsonValue value = object[name];
         if (!value.isString() && !value.isNull())
-            note(placeOf(name, event), Texts::tr("%1 is no text and is left out").arg(name));
+            leftOut.add(Texts::tr("%1 is no text and is left out").arg(name), placeOf(name, event).line);
         const QString text = value.toString();
         return value.isString() && text.isNull() ? QStringLiteral("") : text;
     }

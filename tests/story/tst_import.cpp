@@ -78,13 +78,11 @@ void tst_Import::textBecomesAStory_data()
               "\"important\": null, " +
               texts + "0}]}, {\"events\": {}}"),
         {QStringLiteral("0A."), QString()},
-        {QStringLiteral("line 2: what is no object among the tabs is left out"),
-         QStringLiteral("line 2: what is no object among the tabs is left out"),
-         QStringLiteral("line 2: what is no object among the tabs is left out"),
-         QStringLiteral("line 3: what is no object among the events is left out"),
+        {QStringLiteral("line 4: a tab without a list of its events is left empty"),
          QStringLiteral("line 4: endOfStory is neither true nor false and is left out"),
          QStringLiteral("line 4: important is neither true nor false and is left out"),
-         QStringLiteral("line 4: a tab without a list of its events is left empty")});
+         QStringLiteral("line 3: what is no object among the events is left out"),
+         QStringLiteral("line 2: what is no object among the tabs is left out; so in 3 places")});
     const QByteArray place = "\"x\": 0, \"y\": 0";
     const QByteArray bare = "\"description\": \"\", " + place;
     row("objects beside the events", json,
@@ -95,9 +93,8 @@ void tst_Import::textBecomesAStory_data()
         {QStringLiteral("0."), QStringLiteral("0.")},
         {QStringLiteral("line 5: the key \"more\" is left out"),
          QStringLiteral("line 2: the key \"notes\" is left out"),
-         QStringLiteral("line 4: title is no text and is left out"),
+         QStringLiteral("line 4: title is no text and is left out; so in 2 places"),
          QStringLiteral("line 4: \"\" has no number of its own and becomes event 0"),
-         QStringLiteral("line 6: title is no text and is left out"),
          QStringLiteral("line 6: \"\" has no number of its own and becomes event 0")});
     const QByteArray event = "{\"title\": \"A\", \"index\": 5, \"endOfStory\": true, " + bare;
     row("stories that the events tell otherwise", json,
