@@ -26,6 +26,7 @@ public:
     ImportResult readAll()
     {
         while (!xml.atEnd()) {
+            line = xml.lineNumber(); // before the token, which may go over many
             const QXmlStreamReader::TokenType token = xml.readNext();
             if (token == QXmlStreamReader::StartElement)
                 enter();
@@ -71,25 +72,23 @@ private:
             isInHead = false;
     }
 
-    /// The first that is no space; the reader stands behind it.
+    /// Of the first sign that is no space.
     qint64 lineOfText() const
     {
         const QStringView text = xml.text();
-        const qsizetype first = text.indexOf(text.trimmed());
-        return xml.lineNumber() - text.mid(first).count(QLatin1Char('\n'));
+        return line + text.first(text.indexOf(text.trimmed())).count(QLatin1Char('\n'));
     }
 
     /// One element of the head: of an empty one nothing is lost.
     void passOverHead()
     {
         const QString name = xml.name().toString();
-        const qint64 line = xml.lineNumber();
         if (xml.readElementText(QXmlStreamReader::IncludeChildElements).trimmed().isEmpty())
             return;
         if (name == QLatin1String("title"))
             lineOfTitle = line;
         else
-            leaveOut(Texts::tr("the element %1 is left out"), name, line);
+            leaveOut(Texts::tr("the element %1 is left out"), name);
     }
 
     void enterOutline()
@@ -114,12 +113,11 @@ private:
             else if (attribute.name() != QLatin1String("type"))
                 leaveOut(Texts::tr("the attribute %1 is left out"), attribute.name());
         }
-        leftOut.addTabName(read.tabs.back().name, xml.lineNumber());
+        leftOut.addTabName(read.tabs.back().name, line);
     }
 
     /// Of an element or an attribute of that name; `sentence` says so with a place for it.
-    void leaveOut(const QString &sentence, QStringView name) { leaveOut(sentence, name, xml.lineNumber()); }
-    void leaveOut(const QString &sentence, QStringView name, qint64 line)
+    void leaveOut(const QString &sentence, QStringView name)
     {
         leftOut.addOneOf(Texts::tr("more elements and attributes are left out"),
                          sentence.arg(inOneLine(name.toString())), line);
@@ -172,7 +170,7 @@ private:
         if (!builder)
             beginTab();
         if (event.isEnd && hasEnd)
-            leftOut.add(Texts::tr("a second end of the story is left out"), xml.lineNumber());
+            leftOut.add(Texts::tr("a second end of the story is left out"), line);
         StoryEvent &added = read.tabs.back().events[builder->add(event.title, depth, step)];
         added.isImportant = event.isImportant;
         added.isEnd = event.isEnd && !hasEnd;
@@ -200,6 +198,7 @@ private:
     Story &read;
     LeftOut leftOut;
     std::optional<OutlineBuilder> builder; // of the last tab
+    qint64 line = 1;                       // where what is being read begins
     qint64 lineOfTitle = 0;
     bool isOpml = false;
     bool isOfOurs = false; // written by this program
