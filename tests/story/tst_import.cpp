@@ -51,6 +51,11 @@ void tst_Import::textBecomesAStory_data()
     row("text within lines", md, "# *A* [b](u) `c`\none<br>two \\* &amp; ![p](q) <http://r>\\\nthree **s**\n",
         {QStringLiteral("0A b (u) c=one\ntwo * & p (q) http://r\nthree s.")},
         {QStringLiteral("line 1: emphasis is left out, its words are kept; so in 2 places")});
+    row("lines within a paragraph", md, "# A\none\ntwo *x*\n[three](u\n\"t\") <i>\n\n> four\n> <b>\n",
+        {QStringLiteral("0A=one two x three (u) \n\n> four .")},
+        {QStringLiteral("line 4: HTML is left out; so in 2 places"),
+         QStringLiteral("line 3: emphasis is left out, its words are kept"),
+         QStringLiteral("line 4: the title of a link is left out")});
     row("what no event can hold", md, "zero\n\n# A\n<div>\n\n<!-- branch -->\n# B\n<i>x</i>\n",
         {QStringLiteral("0A 0B=x.")},
         {QStringLiteral("line 4: HTML is left out; so in 4 places"),
