@@ -145,6 +145,7 @@ void tst_StoryProcess::signalEndsTheLineOfTheBar()
     const int writing = open(qPrintable(pipe), O_WRONLY | O_CLOEXEC);
     QVERIFY(writing != -1);
     QTRY_VERIFY_WITH_TIMEOUT(terminal.seen().contains("]   0%"), 20000);
+    QVERIFY(process.processId() > 0);
     QCOMPARE(kill(pid_t(process.processId()), signal), 0);
     QVERIFY(process.waitForFinished());
     close(writing);
@@ -165,21 +166,27 @@ void tst_StoryProcess::signalLeavesTheResultWhole()
     const StoryFolder place;
     const QString name = QString(longestName - 4, QLatin1Char('n')) + QStringLiteral(".txt");
     const QString path = place.path(name);
-    QProcess process;
-    process.setChildProcessModifier([] { std::signal(SIGTERM, SIG_DFL); });
-    start(process, {QStringLiteral("export"), large, QStringLiteral("-o"), path});
-    while (!QFile::exists(path) && process.state() == QProcess::Running && !process.waitForFinished(0)) {
-    }
-    kill(pid_t(process.processId()), SIGTERM);
-    QVERIFY(process.waitForFinished());
-    QCOMPARE(process.exitStatus(), QProcess::CrashExit);
-    QCOMPARE(process.exitCode(), SIGTERM);
-    QCOMPARE(place.names(), QStringList(name));
     const CommandResult whole =
         runCommand({QStringLiteral("export"), large, QStringLiteral("-o"), QStringLiteral("-"),
                     QStringLiteral("--format"), QStringLiteral("txt")});
-    QCOMPARE(QFileInfo(path).size(), whole.output.size());
-    QVERIFY(readFile(path) == whole.output);
+    bool isEndedBySignal = false;
+    for (int attempt = 0; attempt < 10 && !isEndedBySignal; ++attempt) { // or this test was the slower one
+        QProcess process;
+        process.setChildProcessModifier([] { std::signal(SIGTERM, SIG_DFL); });
+        start(process,
+              {QStringLiteral("export"), large, QStringLiteral("-o"), path, QStringLiteral("--force")});
+        while (!QFile::exists(path) && !process.waitForFinished(0)) {
+        }
+        process.terminate();
+        QVERIFY(process.state() == QProcess::NotRunning || process.waitForFinished());
+        isEndedBySignal = process.exitStatus() == QProcess::CrashExit && process.exitCode() == SIGTERM;
+        QVERIFY(isEndedBySignal || process.exitCode() == 0);
+        QCOMPARE(place.names(), QStringList(name));
+        QCOMPARE(QFileInfo(path).size(), whole.output.size());
+        QVERIFY(readFile(path) == whole.output);
+        QVERIFY(QFile::remove(path));
+    }
+    QVERIFY(isEndedBySignal);
 }
 
 void tst_StoryProcess::resultOnTheTerminalIsBesideNoBar()
