@@ -26,6 +26,20 @@ cp "$package" "$debian_root/tmp/fablegrid.deb"
 inside apt-get -qq install -y --no-install-recommends /tmp/fablegrid.deb >/dev/null 2>&1
 inside dpkg --listfiles fablegrid
 
+# The manual is found, and shells find what they offer where they look for it.
+share=$debian_root/usr/share
+# shellcheck disable=SC2016 # expanded by the inner shell
+if ! [[ -s $share/zsh/vendor-completions/_fablegrid-story &&
+    -s $share/fish/vendor_completions.d/fablegrid-story.fish ]] ||
+    ! inside zgrep -q 'fablegrid.*story export' /usr/share/man/man1/fablegrid-story.1.gz ||
+    ! inside bash -c 'source /usr/share/bash-completion/completions/fablegrid-story
+        COMP_WORDS=(fablegrid-story ex) COMP_CWORD=1
+        "$(complete -p fablegrid-story | cut -d " " -f 3)"
+        [[ ${COMPREPLY[*]} == export ]]'; then
+    echo "The manual or the completions of the command are not installed, or do not work." >&2
+    exit 1
+fi
+
 # The command needs no display, and what it links has to have come along.
 cp docs/examples/the-lighthouse.scene "$debian_root/tmp/"
 inside su writer -c "fablegrid-story export /tmp/the-lighthouse.scene -o - --format md | grep -q 'The light returns' &&

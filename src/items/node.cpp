@@ -5,6 +5,7 @@
 #include "items/eventdata.h"
 #include "items/lateevent.h"
 #include "items/nodedata.h"
+#include "items/noderecord.h"
 #include "items/nodeshape.h"
 #include "items/socket.h"
 #include "items/stnodename.h"
@@ -36,21 +37,11 @@ double finiteCoordinate(double stored, int index, const std::function<void(int i
     return 0;
 }
 
-/// What stands in a node's record before its payload.
-struct Record
+/// All but its payload.
+void readHead(QDataStream &stream, NodeRecord &record)
 {
-    QString title;
-    QPointF position;
-    qint32 index = 0;
-    qint32 prevIndex = 0;
-    qint32 endOfStory = 0;
-    qint32 important = 0;
-};
-
-QDataStream &operator>>(QDataStream &stream, Record &record)
-{
-    return stream >> record.title >> record.position >> record.index >> record.prevIndex >>
-           record.endOfStory >> record.important;
+    stream >> record.title >> record.position >> record.index >> record.prevIndex >> record.endOfStory >>
+        record.important;
 }
 
 } // namespace
@@ -402,8 +393,8 @@ void Node::tellOfCoordinate(int index)
 
 void Node::openFromStream(QDataStream &stream, const std::function<void(int index)> &told)
 {
-    Record record;
-    stream >> record;
+    NodeRecord record;
+    readHead(stream, record);
     if (late)
         EventData::readRecord(stream, [this](const QString &text) { takeLoaded(text); });
     else
@@ -423,9 +414,10 @@ void Node::openFromStream(QDataStream &stream, const std::function<void(int inde
     update();
 }
 
-void Node::skipRecord(QDataStream &stream)
+NodeRecord Node::readRecord(QDataStream &stream)
 {
-    Record record;
-    QString payload;
-    stream >> record >> payload;
+    NodeRecord record;
+    readHead(stream, record);
+    stream >> record.text;
+    return record;
 }

@@ -21,6 +21,7 @@ class NodeData;
 class QDataStream;
 class STNodeName;
 class Socket;
+struct NodeRecord;
 
 /// The box that stands for one event of a story. Owned by its scene; owns its header, texts and sockets.
 ///
@@ -130,8 +131,8 @@ public:
     /// log is told.
     void openFromStream(QDataStream &stream, const std::function<void(int index)> &told = {});
     static void tellOfCoordinate(int index);
-    /// Reads as much of the stream as openFromStream() would, and keeps nothing of it.
-    static void skipRecord(QDataStream &stream);
+    /// Reads as much of the stream as openFromStream() would, as it stands there.
+    static NodeRecord readRecord(QDataStream &stream);
 
     QRectF boundingRect() const override { return rect; }
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;

@@ -1,6 +1,7 @@
 #include "scene/scenerecords.h"
 
 #include "commands/connectnodescommand.h"
+#include "items/noderecord.h"
 #include "scene/connector.h"
 #include "scene/damagelog.h"
 #include "scene/nodegraphscene.h"
@@ -52,7 +53,7 @@ Damage SceneRecords::read(QDataStream &stream, DamageLog &log) const
     return damage;
 }
 
-int SceneRecords::skip(QDataStream &stream)
+int SceneRecords::skip(QDataStream &stream, const RecordTold &tell)
 {
     qint32 count = 0;
     stream >> count;
@@ -60,7 +61,9 @@ int SceneRecords::skip(QDataStream &stream)
     for (; records < count && !stream.atEnd(); ++records) {
         QString typeTag;
         stream >> typeTag;
-        Node::skipRecord(stream);
+        const NodeRecord record = Node::readRecord(stream);
+        if (tell)
+            tell(typeTag, record);
     }
     return records;
 }

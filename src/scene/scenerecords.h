@@ -9,6 +9,7 @@
 class DamageLog;
 class Node;
 class NodegraphScene;
+struct NodeRecord;
 class QDataStream;
 
 /// One tab's block of a document: the records of the scene's events, written and read. Owned by the scene.
@@ -27,8 +28,10 @@ public:
     void write(QDataStream &stream) const;
     /// Expects an empty scene. Connections are handed out as commands.
     Damage read(QDataStream &stream, DamageLog &log) const;
-    /// Passes over what read() would read, and tells nothing. Returns how many records there are.
-    static int skip(QDataStream &stream);
+    /// Told of a record as it stands in the file, with the tag before it.
+    using RecordTold = std::function<void(const QString &tag, const NodeRecord &record)>;
+    /// Passes over what read() would read, and tells of each record only. Returns how many there are.
+    static int skip(QDataStream &stream, const RecordTold &tell = {});
 
 private:
     struct Loaded

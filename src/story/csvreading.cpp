@@ -87,9 +87,12 @@ private:
 class Reading
 {
 public:
-    Reading(const CsvTable &rowsOfAll, Story &story)
+    /// `text` is what the table was read from.
+    Reading(const CsvTable &rowsOfAll, const QByteArray &text, Story &story)
         : table(rowsOfAll), columns(rowsOfAll.rows().front(), leftOut), read(story)
-    {}
+    {
+        leftOut.addBrokenLetters(text);
+    }
 
     ImportResult readAll()
     {
@@ -128,7 +131,7 @@ private:
         made.event.isEnd = isMarked(row, "end");
         made.event.isImportant = isMarked(row, "important");
         made.event.position = QPointF(coordinate(row, "x"), coordinate(row, "y"));
-        std::vector<EventRow> &rows = rowsOf(columns.field(row, "tab"));
+        std::vector<EventRow> &rows = rowsOf(columns.field(row, "tab"), row.line);
         if (columns.has("index"))
             made.index = wholeNumber(row, "index", made.name);
         else
@@ -142,7 +145,7 @@ private:
         rows.push_back(std::move(made));
     }
 
-    std::vector<EventRow> &rowsOf(const QString &tab)
+    std::vector<EventRow> &rowsOf(const QString &tab, qint64 line)
     {
         auto found = placesOfTabs.find(tab);
         if (found == placesOfTabs.end()) {
@@ -150,6 +153,7 @@ private:
             tabs.emplace_back();
             read.tabs.emplace_back();
             read.tabs.back().name = tab;
+            leftOut.addTabName(tab, line);
         }
         return tabs[*found];
     }
@@ -220,6 +224,6 @@ ImportResult readCsv(const QByteArray &text, Story &story)
     else if (table.rows().empty())
         result.trouble = Texts::tr("has no line that says what the columns are");
     else
-        result = Reading(table, story).readAll();
+        result = Reading(table, text, story).readAll();
     return result;
 }

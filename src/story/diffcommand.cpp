@@ -86,6 +86,16 @@ QString marksChanged(const StoryEvent &then, const StoryEvent &now)
 
 QString placeText(const QPointF &place) { return QStringLiteral("%1, %2").arg(place.x()).arg(place.y()); }
 
+/// Titles that differ only where a line is too short for them are told word by word.
+QString renamedLine(const StoryEvent &then, const StoryEvent &now)
+{
+    const QString title = inOneLine(now.title);
+    if (title == inOneLine(then.title))
+        return Texts::tr("renamed: %1: %2")
+            .arg(called(then), wordsInOneLine(wordsChanged(then.title, now.title)));
+    return Texts::tr("renamed: %1 to \"%2\"").arg(called(then), title);
+}
+
 QString lineOf(const TabPair &tabs, const EventChange &change)
 {
     switch (change.kind) {
@@ -94,8 +104,7 @@ QString lineOf(const TabPair &tabs, const EventChange &change)
     case EventChange::added:
         return Texts::tr("added: %1").arg(called(tabs.now(change)));
     case EventChange::renamed:
-        return Texts::tr("renamed: %1 to \"%2\"")
-            .arg(called(tabs.then(change)), inOneLine(tabs.now(change).title));
+        return renamedLine(tabs.then(change), tabs.now(change));
     case EventChange::rewritten:
         return Texts::tr("rewritten: %1: %2")
             .arg(called(tabs.now(change)),

@@ -7,6 +7,7 @@
 #include "story/storygraph.h"
 #include "story/storylayout.h"
 #include "story/storyreader.h"
+#include "story/terminal.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -120,7 +121,12 @@ private:
                                                        : file.open(QIODevice::ReadOnly);
         if (!isOpen)
             return console.refuse(path, file.errorString());
+        const bool isTyped = Terminal::isAt(file.handle());
+        if (isTyped)
+            console.progress().hide();
         const QByteArray text = file.readAll();
+        if (isTyped)
+            console.progress().beginAnew();
         if (file.error() != QFileDevice::NoError)
             return console.refuse(path, file.errorString());
         Story story;

@@ -10,7 +10,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <limits>
 
 namespace {
@@ -61,98 +63,152 @@ bool hasPlaces(const QJsonArray &tabs)
 class Reading
 {
 public:
-    Reading(const QByteArray &json, Story &story) : read(story)
-    {
-        constexpr int depthOfEvents = 4; // in the document, its tabs, a tab and its events
-        lines = linesOfJsonObjects(json, depthOfEvents);
-    }
+    Reading(const QByteArray &json, Story &story) : lines(json), read(story) {}
 
-    ImportResult readTabs(const QJsonArray &tabs)
+    ImportResult readAll(const QJsonObject &document)
     {
+        leaveOut(document, {"format", "version", "tabs"}, lines.document());
+        const QJsonArray tabs = document[QStringLiteral("tabs")].toArray();
         arePlaced = hasPlaces(tabs);
         bool hasEvents = false;
-        for (const auto &tab : tabs) {
-            if (!tab.isObject()) {
-                notes << Texts::tr("what is no object among the tabs is left out");
+        const std::vector<JsonPlace> places = lines.items(placeOf(QStringLiteral("tabs"), lines.document()));
+        for (qsizetype i = 0; i < tabs.size(); ++i) {
+            const JsonPlace place = itemOf(places, i, lines.document());
+            if (!tabs[i].isObject()) {
+                leftOut.add(Texts::tr("what is no object among the tabs is left out"), place.line);
                 continue;
             }
             read.tabs.emplace_back();
-            readTab(tab.toObject(), read.tabs.back());
+            readTab(tabs[i].toObject(), place, read.tabs.back());
             hasEvents = hasEvents || !read.tabs.back().events.empty();
         }
         ImportResult result;
-        result.notes = notes;
+        result.notes = leftOut.notes() + notes;
         // Without any event there is nothing to lay out, and such a story is one.
         result.places = arePlaced || !hasEvents ? ImportResult::Places::exact : ImportResult::Places::none;
         return result;
     }
 
 private:
-    void readTab(const QJsonObject &object, StoryTab &tab)
+    /// Of a member of an object; of the object itself if it has none of that name.
+    JsonPlace placeOf(const QString &name, const JsonPlace &object) const
     {
-        tab.name = object[QStringLiteral("name")].toString();
-        EventRows rows(notes);
-        const QJsonValue list = object[QStringLiteral("events")];
-        if (!list.isArray())
-            notes << Texts::tr("a tab without a list of its events is left empty");
-        const QJsonArray events = list.toArray();
-        for (const auto &event : events) {
-            if (event.isObject())
-                rows.add(rowOf(event.toObject()));
-            else
-                notes << Texts::tr("what is no object among the events is left out");
-        }
-        rows.fill(tab);
+        return lines.members(object).value(name, object);
     }
 
-    EventRow rowOf(const QJsonObject &object)
+    /// Of an item of a list; of the list itself should the parser see more of them.
+    static JsonPlace itemOf(const std::vector<JsonPlace> &places, qsizetype item, const JsonPlace &list)
     {
+        return item < qsizetype(places.size()) ? places[std::size_t(item)] : list;
+    }
+
+    /// What else an object has than these.
+    void leaveOut(const QJsonObject &object, std::initializer_list<const char *> known,
+                  const JsonPlace &place)
+    {
+        QStringList unknown;
+        for (auto member = object.begin(); member != object.end(); ++member) {
+            const auto isIt = [&member](const char *name) { return member.key() == QLatin1String(name); };
+            if (std::none_of(known.begin(), known.end(), isIt))
+                unknown << member.key();
+        }
+        if (unknown.isEmpty())
+            return;
+        const QHash<QString, JsonPlace> places = lines.members(place);
+        for (const QString &key : std::as_const(unknown))
+            leftOut.addOneOf(Texts::tr("more keys are left out"),
+                             Texts::tr("the key %1 is left out").arg(quotedTitle(key)),
+                             places.value(key, place).line);
+    }
+
+    void readTab(const QJsonObject &object, const JsonPlace &place, StoryTab &tab)
+    {
+        leaveOut(object, {"name", "story", "events"}, place);
+        if (object.contains(QStringLiteral("name"))) {
+            tab.name = textOf(object, QStringLiteral("name"), place);
+            leftOut.addTabName(tab.name, placeOf(QStringLiteral("name"), place).line);
+        }
+        EventRows rows(notes);
+        const JsonPlace listPlace = placeOf(QStringLiteral("events"), place);
+        const QJsonValue list = object[QStringLiteral("events")];
+        if (!list.isArray())
+            leftOut.add(Texts::tr("a tab without a list of its events is left empty"), listPlace.line);
+        const QJsonArray events = list.toArray();
+        const std::vector<JsonPlace> places = lines.items(listPlace);
+        for (qsizetype i = 0; i < events.size(); ++i) {
+            const JsonPlace eventPlace = itemOf(places, i, listPlace);
+            if (events[i].isObject())
+                rows.add(rowOf(events[i].toObject(), eventPlace));
+            else
+                leftOut.add(Texts::tr("what is no object among the events is left out"), eventPlace.line);
+        }
+        rows.fill(tab);
+        compareStory(object, place, tab);
+    }
+
+    /// The chain of a tab stands in the text for whoever reads it; the connections and the end say it, too.
+    void compareStory(const QJsonObject &object, const JsonPlace &place, const StoryTab &tab)
+    {
+        const QJsonValue told = object[QStringLiteral("story")];
+        QJsonArray chain;
+        for (const int at : tab.chain)
+            chain.append(tab.events[at].index);
+        if (!told.isUndefined() && told != chain)
+            leftOut.add(Texts::tr("the story is not what the connections and the end say, and is left out"),
+                        placeOf(QStringLiteral("story"), place).line);
+    }
+
+    EventRow rowOf(const QJsonObject &object, const JsonPlace &place)
+    {
+        leaveOut(object, {"index", "title", "description", "x", "y", "fedBy", "endOfStory", "important"},
+                 place);
         EventRow row;
-        row.line = nextEvent < lines.size() ? lines[nextEvent] : 0;
-        ++nextEvent;
-        row.event.title = textOf(object, QStringLiteral("title"), row.line);
-        row.event.description = textOf(object, QStringLiteral("description"), row.line);
+        row.line = place.line;
+        row.event.title = textOf(object, QStringLiteral("title"), place);
+        row.event.description = textOf(object, QStringLiteral("description"), place);
         const std::optional<double> x = coordinateOf(object[QStringLiteral("x")]);
         const std::optional<double> y = coordinateOf(object[QStringLiteral("y")]);
         if (x && y)
             row.event.position = QPointF(*x, *y);
         else if (arePlaced)
-            notes << noteOfLine(row.line,
-                                Texts::tr("x and y are not both numbers; the event stands at 0, 0"));
-        row.event.isEnd = isMarked(object, QStringLiteral("endOfStory"), row.line);
-        row.event.isImportant = isMarked(object, QStringLiteral("important"), row.line);
+            leftOut.add(Texts::tr("x and y are not both numbers; the event stands at 0, 0"),
+                        placeOf(x ? QStringLiteral("y") : QStringLiteral("x"), place).line);
+        row.event.isEnd = isMarked(object, QStringLiteral("endOfStory"), place);
+        row.event.isImportant = isMarked(object, QStringLiteral("important"), place);
         row.index = wholeNumberOf(object[QStringLiteral("index")]);
         const QJsonValue feeder = object[QStringLiteral("fedBy")];
         row.fedBy = wholeNumberOf(feeder);
         if (!row.fedBy && !feeder.isNull() && !feeder.isUndefined())
-            notes << noteOfLine(row.line, Texts::tr("fedBy is no whole number and is left out"));
+            leftOut.add(Texts::tr("fedBy is no whole number and is left out"),
+                        placeOf(QStringLiteral("fedBy"), place).line);
         return row;
     }
 
     /// What does not stand there at all is no fault of a text written by hand.
-    bool isMarked(const QJsonObject &object, const QString &name, qint64 line)
+    bool isMarked(const QJsonObject &object, const QString &name, const JsonPlace &event)
     {
         const QJsonValue value = object[name];
         if (!value.isBool() && !value.isUndefined())
-            notes << noteOfLine(line, Texts::tr("%1 is neither true nor false and is left out").arg(name));
+            leftOut.add(Texts::tr("%1 is neither true nor false and is left out").arg(name),
+                        placeOf(name, event).line);
         return value.toBool();
     }
 
     /// A text of the editor's may be null, which is not the same in its files as an empty one.
-    QString textOf(const QJsonObject &object, const QString &name, qint64 line)
+    QString textOf(const QJsonObject &object, const QString &name, const JsonPlace &event)
     {
         const QJsonValue value = object[name];
         if (!value.isString() && !value.isNull())
-            notes << noteOfLine(line, Texts::tr("%1 is no text and is left out").arg(name));
+            leftOut.add(Texts::tr("%1 is no text and is left out").arg(name), placeOf(name, event).line);
         const QString text = value.toString();
         return value.isString() && text.isNull() ? QStringLiteral("") : text;
     }
 
+    JsonLines lines;
     Story &read;
+    LeftOut leftOut;
     QStringList notes;
     bool arePlaced = true;
-    std::vector<qint64> lines; // of all events
-    std::size_t nextEvent = 0;
 };
 
 } // namespace
@@ -175,6 +231,6 @@ ImportResult readJson(const QByteArray &text, Story &story)
     else if (version != 1)
         result.trouble = Texts::tr("has the version %1; only 1 can be read").arg(version);
     else
-        result = Reading(json, story).readTabs(tabs.toArray());
+        result = Reading(json, story).readAll(object);
     return result;
 }

@@ -1,11 +1,49 @@
 #include "story/leftout.h"
 
 #include "story/console.h"
+#include "story/story.h"
+
+#include <QStringDecoder>
 
 void LeftOut::add(const QString &kind, qint64 line)
 {
     Places &places = kinds.try_emplace(kind, Places{line}).first->second;
     ++places.count;
+}
+
+void LeftOut::addOneOf(const QString &others, const QString &kind, qint64 line)
+{
+    constexpr int mostTold = 10;
+    int &told = countOf[others];
+    const bool isTold = kinds.contains(kind);
+    add(isTold || told < mostTold ? kind : others, line);
+    told += isTold || told == mostTold ? 0 : 1;
+}
+
+void LeftOut::addBrokenLetters(const QByteArray &text)
+{
+    const auto isBroken = [](QByteArrayView part) {
+        QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+        const QString decoded = decoder(part);
+        return decoder.hasError();
+    };
+    if (!isBroken(text))
+        return;
+    qint64 line = 0;
+    for (qsizetype at = 0, end = 0; end != -1; at = end + 1) {
+        ++line;
+        end = text.indexOf('\n', at);
+        if (isBroken(QByteArrayView(text).sliced(at, (end == -1 ? text.size() : end) - at)))
+            add(tr("letters that are no UTF-8 are left out"), line);
+    }
+}
+
+void LeftOut::addTabName(const QString &name, qint64 line)
+{
+    if (!name.isEmpty() && !Story::isNameOfAnyTab(name))
+        addOneOf(tr("more names of tabs are left out"),
+                 tr("the name of the tab %1 is left out, for tabs have numbers only").arg(quotedTitle(name)),
+                 line);
 }
 
 QStringList LeftOut::notes() const

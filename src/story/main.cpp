@@ -1,6 +1,8 @@
 #include "app/applicationpalette.h"
 #include "story/console.h"
+#include "story/interruption.h"
 #include "story/storyprogram.h"
+#include "story/terminal.h"
 
 #include <QApplication>
 #include <QFile>
@@ -10,20 +12,7 @@
 #include <cstdio>
 #include <new>
 
-#ifdef Q_OS_UNIX
-#include <unistd.h>
-#endif
-
 namespace {
-
-bool isTerminal(std::FILE *stream)
-{
-#ifdef Q_OS_UNIX
-    return isatty(fileno(stream)) == 1;
-#else
-    return false;
-#endif
-}
 
 /// What the libraries say of the machine (no runtime folder, no font for a sign) is no error of this command.
 void keepLibrariesQuiet(QtMsgType type, const QMessageLogContext &, const QString &text)
@@ -40,6 +29,8 @@ int main(int argc, char *argv[])
     // Whoever started this program may have it ignored, and then nothing would end it when its reader goes.
     std::signal(SIGPIPE, SIG_DFL);
 #endif
+    Terminal::keepPlacesOfClosed();
+    Interruption::listen();
     qInstallMessageHandler(&keepLibrariesQuiet);
     // What is damaged is told in the log of the reading, which nobody's rules are to thin out.
     qunsetenv("QT_LOGGING_CONF");
@@ -55,7 +46,9 @@ int main(int argc, char *argv[])
     QFile errors;
     output.open(stdout, QIODevice::WriteOnly);
     errors.open(stderr, QIODevice::WriteOnly | QIODevice::Unbuffered);
-    Console console(output, errors, isTerminal(stderr));
+    // A program that pages what comes out has the terminal for itself.
+    Console console(output, errors,
+                    Terminal::isAt(errors.handle()) && !Terminal::isProgramAt(output.handle()));
     try {
         return StoryProgram::run(QApplication::arguments().mid(1), console);
     } catch (const std::bad_alloc &) {

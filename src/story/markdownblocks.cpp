@@ -27,6 +27,13 @@ QString fromC(const char *text)
     return decoder(text);
 }
 
+/// Of what stands in a block; that of the block if the library does not know it.
+int lineOf(cmark_node *node, cmark_node *block)
+{
+    const int line = cmark_node_get_start_line(node);
+    return line > 0 ? line : cmark_node_get_start_line(block);
+}
+
 bool isBreak(const QString &html)
 {
     const QString tag = html.trimmed().toLower();
@@ -81,7 +88,6 @@ private:
 
 QString MarkdownBlocks::textOfLine(cmark_node *block)
 {
-    const int line = cmark_node_get_start_line(block);
     QString text;
     std::vector<qsizetype> links; // where the texts of the open ones begin
     const Iterator iterator(cmark_iter_new(block));
@@ -103,12 +109,12 @@ QString MarkdownBlocks::textOfLine(cmark_node *block)
             if (isBreak(fromC(cmark_node_get_literal(node))))
                 text += QLatin1Char('\n');
             else
-                left.add(tr("HTML is left out"), line);
+                left.add(tr("HTML is left out"), lineOf(node, block));
             break;
         case CMARK_NODE_EMPH:
         case CMARK_NODE_STRONG:
             if (isEntered)
-                left.add(tr("emphasis is left out, its words are kept"), line);
+                left.add(tr("emphasis is left out, its words are kept"), lineOf(node, block));
             break;
         case CMARK_NODE_LINK:
         case CMARK_NODE_IMAGE:
@@ -116,6 +122,8 @@ QString MarkdownBlocks::textOfLine(cmark_node *block)
                 links.push_back(text.size());
             } else {
                 const QString url = fromC(cmark_node_get_url(node));
+                if (*cmark_node_get_title(node) != '\0')
+                    left.add(tr("the title of a link is left out"), lineOf(node, block));
                 if (!url.isEmpty() && QStringView(text).mid(links.back()) != url)
                     text += QStringLiteral(" (%1)").arg(url);
                 links.pop_back();
@@ -150,6 +158,8 @@ QString MarkdownBlocks::textOfBlock(cmark_node *block)
                 lines << prefixes.before(textOfLine(node));
             break;
         case CMARK_NODE_CODE_BLOCK: {
+            if (*cmark_node_get_fence_info(node) != '\0')
+                left.add(tr("the language of code is left out"), cmark_node_get_start_line(node));
             const QString code = fromC(cmark_node_get_literal(node));
             lines << prefixes.before(code.endsWith(QLatin1Char('\n')) ? code.chopped(1) : code);
             break;

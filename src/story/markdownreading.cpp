@@ -53,7 +53,11 @@ QByteArray withoutFrontMatter(const QByteArray &text, bool &had)
 class Reading
 {
 public:
-    Reading(cmark_node *document, Story &story) : root(document), read(story) {}
+    /// `text` is what the document was read from.
+    Reading(cmark_node *document, const QByteArray &text, Story &story) : root(document), read(story)
+    {
+        blocks.leftOut().addBrokenLetters(text);
+    }
 
     ImportResult readAll()
     {
@@ -104,6 +108,7 @@ private:
             endTab();
             beginTab();
             read.tabs.back().name = blocks.textOfLine(heading);
+            blocks.leftOut().addTabName(read.tabs.back().name, cmark_node_get_start_line(heading));
             return;
         }
         addEvent(blocks.textOfLine(heading), level.value_or(written), step);
@@ -224,7 +229,7 @@ ImportResult readMarkdown(const QByteArray &text, Story &story)
     const QByteArray content = withoutFrontMatter(text, hadFrontMatter);
     const Document document(
         cmark_parse_document(content.constData(), std::size_t(content.size()), CMARK_OPT_VALIDATE_UTF8));
-    ImportResult result = Reading(document.get(), story).readAll();
+    ImportResult result = Reading(document.get(), content, story).readAll();
     if (hadFrontMatter)
         result.notes.prepend(noteOfLine(1, Texts::tr("the front matter is left out")));
     return result;

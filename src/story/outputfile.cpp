@@ -2,6 +2,7 @@
 
 #include "app/durablefile.h"
 #include "story/console.h"
+#include "story/interruption.h"
 
 #include <QCommandLineParser>
 #include <QFile>
@@ -64,6 +65,7 @@ QString OutputFile::store(const QByteArray &content, Console &console) const
                                device.write(content) == content.size();
         return isWritten ? QString() : tr("cannot be written: %1").arg(device.errorString());
     }
+    const Interruption::Delay delay;
     DurableFile file(name);
     const QString trouble = file.open() ? file.replaceBy(content) : file.trouble();
     if (trouble.isEmpty())

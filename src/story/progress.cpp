@@ -1,5 +1,7 @@
 #include "story/progress.h"
 
+#include "story/interruption.h"
+
 #include <QIODevice>
 
 #include <algorithm>
@@ -15,17 +17,23 @@ constexpr int width = 40;
 Progress::Progress(QIODevice &errors, bool errorsAreSeen, qint64 milliseconds)
     : device(errors), isSeen(errorsAreSeen), patience(milliseconds)
 {
+    beginAnew();
+}
+
+Progress::~Progress() { hide(); }
+
+void Progress::beginAnew()
+{
     since.start();
     if (!isSeen)
         return;
+    isOver = false;
     try {
         waiting = std::thread([this] { showUnasked(); });
     } catch (const std::system_error &) {
         // There can be no more threads: the bar comes when something is heard.
     }
 }
-
-Progress::~Progress() { hide(); }
 
 void Progress::reached(double part)
 {
@@ -56,6 +64,7 @@ void Progress::hide()
     if (shownPercent != -1)
         device.write('\r' + QByteArray(width + 7, ' ') + '\r');
     shownPercent = -1;
+    Interruption::setBarShown(false);
 }
 
 void Progress::show(int percent)
@@ -64,6 +73,7 @@ void Progress::show(int percent)
     const int filled = percent * width / 100;
     device.write("\r[" + QByteArray(filled, '#') + QByteArray(width - filled, ' ') + "] " +
                  QByteArray::number(percent).rightJustified(3) + '%');
+    Interruption::setBarShown(true);
 }
 
 /// Once only: when the patience is over, whatever is reached is shown at once.

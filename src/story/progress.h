@@ -33,6 +33,8 @@ public:
     /// Takes the bar away, so that something else can be written there, until more is reached. From now on
     /// nothing comes of itself: nobody writes while whoever called this does.
     void hide();
+    /// The work begins only now: until here somebody was waited for. After hide().
+    void beginAnew();
 
 private:
     void show(int percent);

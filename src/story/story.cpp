@@ -3,6 +3,7 @@
 #include "items/eventdata.h"
 
 #include <QCoreApplication>
+#include <QRegularExpression>
 #include <QTextBoundaryFinder>
 
 #include <algorithm>
@@ -47,6 +48,13 @@ void StoryTab::joinFed()
 QString Story::nameOfTab(int place)
 {
     return QCoreApplication::translate("MainWindow", "Story %1").arg(place + 1);
+}
+
+bool Story::isNameOfAnyTab(const QString &name)
+{
+    static const QRegularExpression number(QStringLiteral("\\d{1,9}"));
+    const int counted = number.match(name).captured().toInt();
+    return counted > 0 && name == nameOfTab(counted - 1);
 }
 
 int countWords(const QString &text)

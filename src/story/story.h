@@ -47,6 +47,8 @@ struct Story
 
     /// What the editor calls the tab at that place, counted from 0.
     static QString nameOfTab(int place);
+    /// Whether it calls some tab so, at whatever place.
+    static bool isNameOfAnyTab(const QString &name);
 };
 
 /// As the writer of a language with spaces counts them; elsewhere as the text engine finds them.

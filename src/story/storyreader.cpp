@@ -7,6 +7,7 @@
 #include "items/textmeasure.h"
 #include "scene/nodegraphscene.h"
 #include "story/samebytes.h"
+#include "story/tabdifference.h"
 
 #include <QDataStream>
 #include <QHash>
@@ -134,8 +135,11 @@ QStringList StoryDamage::lines() const
         all << tr("bytes behind the last tab, left out: %1").arg(bytesBehind);
     if (hasOtherCount)
         all << tr("the number of the tabs would be saved differently");
-    for (const QString &tab : changed)
-        all << tr("%1 is not read just as it stands in the file, and would be saved differently").arg(tab);
+    for (const auto &[tab, reason] : changed) {
+        const QString line =
+            tr("%1 is not read just as it stands in the file, and would be saved differently").arg(tab);
+        all << (reason.isEmpty() ? line : tr("%1: %2").arg(line, reason));
+    }
     return all;
 }
 
@@ -187,8 +191,9 @@ void StoryReader::compare(QByteArrayView content, const std::vector<qint64> &beg
 {
     found.hasOtherCount = qFromBigEndian<qint32>(content.data()) != qint32(graphs.size());
     for (std::size_t i = 0; i < graphs.size(); ++i) {
-        if (!isTold(content.sliced(begins[i], begins[i + 1] - begins[i]), *graphs[i]))
-            found.changed << Story::nameOfTab(int(i));
+        const QByteArrayView block = content.sliced(begins[i], begins[i + 1] - begins[i]);
+        if (!isTold(block, *graphs[i]))
+            found.changed.push_back({Story::nameOfTab(int(i)), TabDifference::reason(block, *graphs[i])});
     }
 }
 

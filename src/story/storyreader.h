@@ -22,7 +22,13 @@ public:
     bool endedEarly = false; // what was missing became zero and empty
     bool hasBrokenText = false;
     qint64 bytesBehind = 0; // after the last tab, read by nobody
-    QStringList changed; // the tabs, by their names, that are not what the file says, whatever of them it is
+    /// A tab that is not what the file says.
+    struct Changed
+    {
+        QString tab;    // its name
+        QString reason; // empty if it is not known
+    };
+    std::vector<Changed> changed;
     bool hasOtherCount = false; // of tabs than there are
 
     bool isNone() const;

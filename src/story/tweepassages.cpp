@@ -29,8 +29,11 @@ TweePassage passageOf(const QString &header, qint64 line)
         passage.tags = takeUntil(header, QStringLiteral("]"), at).split(QLatin1Char(' '), Qt::SkipEmptyParts);
         at = header.indexOf(QLatin1Char('{'), at);
     }
-    if (at >= 0 && at < header.size())
-        passage.metadata = QJsonDocument::fromJson(header.mid(at).toUtf8()).object();
+    if (at >= 0 && at < header.size()) {
+        const QJsonDocument metadata = QJsonDocument::fromJson(header.mid(at).toUtf8());
+        passage.metadata = metadata.object();
+        passage.hasBrokenMetadata = !metadata.isObject();
+    }
     return passage;
 }
 
@@ -94,7 +97,8 @@ std::vector<TweePassage::Link> TweePassage::takeLinks()
         bool isLinkAlone = false;
         for (LinkSpan span = nextLink(before, 0); span.begin != -1; span = nextLink(before, at)) {
             QString shown;
-            links.push_back({targetOf(span.inside(before), shown), line + 1 + i});
+            const QString inside = span.inside(before);
+            links.push_back({targetOf(inside, shown), line + 1 + i, inside.contains(QLatin1String("]["))});
             isLinkAlone = span.of(before) == trimmed && shown.trimmed() == links.back().target;
             after += QStringView(before).mid(at, span.begin - at);
             after += shown;

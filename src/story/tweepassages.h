@@ -14,11 +14,13 @@ struct TweePassage
     QJsonObject metadata;
     QString text; // without the empty lines at its end
     qint64 line;  // of its header, counted from 1
+    bool hasBrokenMetadata = false;
 
     struct Link
     {
         QString target;
         qint64 line;
+        bool setsSomething; // in a game, when it is followed
     };
     /// Takes the links out of the text, which keeps what they show. A line of nothing but a link that shows
     /// its target goes.

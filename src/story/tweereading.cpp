@@ -35,7 +35,12 @@ bool readPosition(const TweePassage &passage, QPointF &position)
 class Reading
 {
 public:
-    Reading(const QString &text, Story &story) : read(story), passages(tweePassages(text, lineOfLoose)) {}
+    /// `text` is `bytes` as UTF-8.
+    Reading(const QString &text, const QByteArray &bytes, Story &story)
+        : read(story), passages(tweePassages(text, lineOfLoose))
+    {
+        leftOut.addBrokenLetters(bytes);
+    }
 
     ImportResult readAll()
     {
@@ -52,6 +57,10 @@ public:
             places.contains(QStringLiteral("Start"))) // where players begin if nothing is said
             start = QStringLiteral("Start");
         connect();
+        if (lineOfTitle != 0 && !isOfOurs) // else it is the name that the file had
+            leftOut.add(Texts::tr("the title of the whole is left out"), lineOfTitle);
+        if (lineOfPlaced != 0 && !arePlaced)
+            leftOut.add(Texts::tr("places are not said of every passage and are left out"), lineOfPlaced);
         result.notes = leftOut.notes() + notes;
         result.places = arePlaced ? ImportResult::Places::wished : ImportResult::Places::none;
         return result;
@@ -71,11 +80,12 @@ private:
 
     void readPassage(TweePassage &passage)
     {
-        if (passage.name == QLatin1String("StoryTitle"))
-            return; // the name of the file says it
+        if (passage.name == QLatin1String("StoryTitle")) {
+            lineOfTitle = passage.line;
+            return;
+        }
         if (passage.name == QLatin1String("StoryData")) {
-            start =
-                QJsonDocument::fromJson(passage.text.toUtf8()).object()[QStringLiteral("start")].toString();
+            readData(passage);
             return;
         }
         if (passage.tags.contains(QLatin1String("script")) ||
@@ -84,6 +94,50 @@ private:
             return;
         }
         addEvent(passage);
+    }
+
+    void readData(const TweePassage &passage)
+    {
+        const QJsonDocument document = QJsonDocument::fromJson(passage.text.toUtf8());
+        if (!document.isObject())
+            leaveOutBroken(passage);
+        const QJsonObject data = document.object();
+        start = data[QStringLiteral("start")].toString();
+        isOfOurs = data.contains(QStringLiteral("ifid"));
+        for (auto entry = data.begin(); entry != data.end(); ++entry) {
+            if (entry.key() == QLatin1String("ifid") || entry.key() == QLatin1String("start"))
+                continue;
+            isOfOurs = false;
+            leaveOut(entry.key(), passage.line);
+        }
+    }
+
+    /// What is said of the whole, or of a passage, under that key.
+    void leaveOut(const QString &key, qint64 line)
+    {
+        leftOut.addOneOf(Texts::tr("more data is left out"),
+                         Texts::tr("the data %1 is left out").arg(quotedTitle(key)), line);
+    }
+
+    void leaveOutBroken(const TweePassage &passage)
+    {
+        leftOut.add(Texts::tr("data that is no JSON object is left out"), passage.line);
+    }
+
+    void readMetadata(const TweePassage &passage, StoryEvent &event)
+    {
+        if (passage.hasBrokenMetadata)
+            leaveOutBroken(passage);
+        event.title = passage.metadata[QStringLiteral("title")].toString(passage.name);
+        const bool isPlaced = readPosition(passage, event.position);
+        if (!isPlaced && passage.metadata.contains(QStringLiteral("position")))
+            leaveOut(QStringLiteral("position"), passage.line);
+        lineOfPlaced = isPlaced && lineOfPlaced == 0 ? passage.line : lineOfPlaced;
+        arePlaced = arePlaced && isPlaced;
+        for (auto entry = passage.metadata.begin(); entry != passage.metadata.end(); ++entry) {
+            if (entry.key() != QLatin1String("title") && entry.key() != QLatin1String("position"))
+                leaveOut(entry.key(), passage.line);
+        }
     }
 
     void addEvent(TweePassage &passage)
@@ -100,20 +154,23 @@ private:
             else if (isTab)
                 asked = number;
             else
-                leftOut.add(Texts::tr("the tag %1 is left out").arg(quotedTitle(tag)), passage.line);
+                leftOut.addOneOf(Texts::tr("more tags are left out"),
+                                 Texts::tr("the tag %1 is left out").arg(quotedTitle(tag)), passage.line);
         }
         const std::size_t tab = asked ? tabNumbered(*asked) : 0;
         if (read.tabs.empty())
             read.tabs.emplace_back();
         StoryTab &into = read.tabs[tab];
         const Place place{tab, int(into.events.size())};
-        for (const TweePassage::Link &link : passage.takeLinks())
+        for (const TweePassage::Link &link : passage.takeLinks()) {
             ways.push_back({place, link});
+            if (link.setsSomething)
+                leftOut.add(Texts::tr("what a link sets is left out"), link.line);
+        }
         event.index = place.event;
-        event.title = passage.metadata[QStringLiteral("title")].toString(passage.name);
+        readMetadata(passage, event);
         const QString text = withoutEntities(passage.text);
         event.description = text.isEmpty() ? EventData::tr("Enter description") : text;
-        arePlaced = readPosition(passage, event.position) && arePlaced;
         if (event.isEnd && endsOfTabs.contains(tab)) {
             event.isEnd = false;
             leftOut.add(Texts::tr("a second end of the story is left out"), passage.line);
@@ -197,6 +254,9 @@ private:
     QHash<int, std::size_t> tabs; // by the numbers of the tags
     QHash<std::size_t, int> endsOfTabs;
     std::vector<Way> ways;
+    qint64 lineOfTitle = 0;
+    qint64 lineOfPlaced = 0; // of the first passage that says where it stands
+    bool isOfOurs = false;   // written by this program
     bool arePlaced = true;
 };
 
@@ -207,5 +267,5 @@ ImportResult readTwee(const QByteArray &text, Story &story)
     QString all = QString::fromUtf8(text);
     if (all.startsWith(QChar(QChar::ByteOrderMark)))
         all.remove(0, 1);
-    return Reading(all, story).readAll();
+    return Reading(all, text, story).readAll();
 }

@@ -1,8 +1,12 @@
 #include "story/storycommand.h"
+#ifdef Q_OS_LINUX
+#include "story/pty.h"
+#endif
 #include "story/storysupport.h"
 
 #include <QProcess>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QStandardPaths>
 
 // What shells offer and the manual tells has to follow the commands and their options.
@@ -74,6 +78,9 @@ private slots:
     void everyOptionIsKnown();
     void shellOffers_data();
     void shellOffers();
+#ifdef Q_OS_LINUX
+    void tabulatorCompletes();
+#endif
 
 private:
     StoryFolder home; // with nobody's settings, and what zsh has found out about all of its functions
@@ -222,6 +229,50 @@ void tst_Completions::shellOffers()
     found.sort();
     QCOMPARE(found, offered);
 }
+
+#ifdef Q_OS_LINUX
+// As a writer sees it: what is offered is written into the line, with the space behind it.
+void tst_Completions::tabulatorCompletes()
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("bash")).isEmpty())
+        QSKIP("bash is not installed");
+    const StoryFolder folder;
+    folder.put(QStringLiteral("novel.scene"), {});
+    folder.put(QStringLiteral("notes.md"), {});
+    Pty terminal;
+    QProcess bash;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("TERM"), QStringLiteral("dumb"));
+    environment.insert(QStringLiteral("INPUTRC"), QStringLiteral("/dev/null"));
+    environment.insert(QStringLiteral("HISTFILE"), QString());
+    bash.setProcessEnvironment(environment);
+    bash.setWorkingDirectory(folder.path({}));
+    bash.setChildProcessModifier([&terminal] {
+        setsid();
+        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+            dup2(terminal.theirs, stream);
+    });
+    bash.start(QStringLiteral("bash"),
+               {QStringLiteral("--norc"), QStringLiteral("--noprofile"), QStringLiteral("-i")});
+    QVERIFY(bash.waitForStarted());
+    const auto type = [&terminal](const QByteArray &keys) {
+        return write(terminal.ours, keys.constData(), std::size_t(keys.size())) == keys.size();
+    };
+    const auto end = qScopeGuard([&bash] {
+        bash.kill();
+        bash.waitForFinished();
+    });
+    QVERIFY(type("source " FABLEGRID_LINUX_FILES "/completions/fablegrid-story.bash; echo rea''dy\n"));
+    QTRY_VERIFY2(terminal.seen().contains("\nready"), terminal.seen().constData());
+    QVERIFY(type("fablegrid-story ex\t"));
+    QTRY_VERIFY2(terminal.seen().endsWith("fablegrid-story export "), terminal.seen().constData());
+    QVERIFY(type("no\t"));
+    QTRY_VERIFY2(terminal.seen().endsWith("fablegrid-story export novel.scene "),
+                 terminal.seen().constData());
+    QVERIFY(type("--num\t"));
+    QTRY_VERIFY2(terminal.seen().endsWith("novel.scene --numbers "), terminal.seen().constData());
+}
+#endif
 
 QTEST_MAIN(tst_Completions)
 #include "tst_completions.moc"

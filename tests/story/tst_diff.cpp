@@ -17,6 +17,7 @@ private slots:
     void changesAreTold_data();
     void changesAreTold();
     void changesAreData();
+    void longTitlesAreComparedByTheirWords();
     void troubleIsNoDifference();
     void wordsAreCompared_data();
     void wordsAreCompared();
@@ -136,6 +137,19 @@ void tst_Diff::changesAreData()
     const CommandResult added = diff(sceneBytes({}), sceneBytes({StoryTab()}));
     QCOMPARE(added.code, 1);
     QCOMPARE(added.outputLines(), QStringList(QStringLiteral("Story 1: added")));
+}
+
+void tst_Diff::longTitlesAreComparedByTheirWords()
+{
+    const QString begin = QString(70, QLatin1Char('x'));
+    StoryTab before = branchedTab();
+    StoryTab after = branchedTab();
+    before.events[1].title = begin + QStringLiteral(" old");
+    after.events[1].title = begin + QStringLiteral(" new");
+    QCOMPARE(diff(sceneBytes({before}), sceneBytes({after})).outputLines(),
+             (QStringList{QStringLiteral("Story 1:"),
+                          QStringLiteral("  renamed: 1 \"%1\u2026\": \u2026%2 [-old-]{+new+}")
+                              .arg(begin.left(59), begin.left(24))}));
 }
 
 void tst_Diff::troubleIsNoDifference()

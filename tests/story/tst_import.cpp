@@ -40,11 +40,22 @@ void tst_Import::textBecomesAStory_data()
         {QStringLiteral("0A=one\n\ntwo 1/B 2/C 1D 0E 0F.")});
     row("lists below headings", md, "# A\n- one\n  - two\n\n    > three\n1. four\n2. five\n",
         {QStringLiteral("0A=- one\n  - two\n    > three\n\n1. four\n2. five.")});
+    row("names of tabs and other signs", md,
+        "<!-- fablegrid-story: x -->\n# Story 3\n## A\n```cpp\none\n```\n# Prologue\n## B [c](d \"e\")\n",
+        {QStringLiteral("0A=one."), QStringLiteral("0B c (d).")},
+        {QStringLiteral("line 4: the language of code is left out"),
+         QStringLiteral("line 7: the name of the tab \"Prologue\" is left out, for tabs have numbers only"),
+         QStringLiteral("line 8: the title of a link is left out")});
     row("other blocks", md, "# A\n```\none\n two\n```\n***\n> three\n\n<br>\n\nfour\n",
         {QStringLiteral("0A=one\n two\n\n* * *\n\n> three\n\n\nfour.")});
     row("text within lines", md, "# *A* [b](u) `c`\none<br>two \\* &amp; ![p](q) <http://r>\\\nthree **s**\n",
         {QStringLiteral("0A b (u) c=one\ntwo * & p (q) http://r\nthree s.")},
         {QStringLiteral("line 1: emphasis is left out, its words are kept; so in 2 places")});
+    row("lines within a paragraph", md, "# A\none\ntwo *x*\n[three](u\n\"t\") <i>\n\n> four\n> <b>\n",
+        {QStringLiteral("0A=one two x three (u) \n\n> four .")},
+        {QStringLiteral("line 4: HTML is left out; so in 2 places"),
+         QStringLiteral("line 3: emphasis is left out, its words are kept"),
+         QStringLiteral("line 4: the title of a link is left out")});
     row("what no event can hold", md, "zero\n\n# A\n<div>\n\n<!-- branch -->\n# B\n<i>x</i>\n",
         {QStringLiteral("0A 0B=x.")},
         {QStringLiteral("line 4: HTML is left out; so in 4 places"),
@@ -62,7 +73,7 @@ void tst_Import::textBecomesAStory_data()
         {QStringLiteral("line 2: \"A\" has no number of its own and becomes event 0"),
          QStringLiteral("line 3: \"B\" is fed by event -1, which is not there; that is left out")});
     row("data without places", json,
-        "{\"format\": \"fablegrid-story\", \"version\": 1, \"tabs\": [{\"name\": \"T\", \"events\": [\n"
+        "{\"format\": \"fablegrid-story\", \"version\": 1, \"tabs\": [{\"name\": \"Story 2\", \"events\": [\n"
         "{\"title\": \"A\", \"description\": \"\", \"index\": 0},\n"
         "{\"title\": \"B\", \"description\": \"\", \"index\": 1, \"fedBy\": 0},\n"
         "{\"title\": \"C\", \"description\": \"\", \"index\": 2, \"fedBy\": 0, \"endOfStory\": true}]}]}",
@@ -72,17 +83,63 @@ void tst_Import::textBecomesAStory_data()
               "\"important\": null, " +
               texts + "0}]}, {\"events\": {}}"),
         {QStringLiteral("0A."), QString()},
-        {QStringLiteral("what is no object among the tabs is left out"),
-         QStringLiteral("what is no object among the tabs is left out"),
-         QStringLiteral("what is no object among the tabs is left out"),
-         QStringLiteral("what is no object among the events is left out"),
+        {QStringLiteral("line 4: a tab without a list of its events is left empty"),
          QStringLiteral("line 4: endOfStory is neither true nor false and is left out"),
          QStringLiteral("line 4: important is neither true nor false and is left out"),
-         QStringLiteral("a tab without a list of its events is left empty")});
+         QStringLiteral("line 3: what is no object among the events is left out"),
+         QStringLiteral("line 2: what is no object among the tabs is left out; so in 3 places")});
+    const QByteArray place = "\"x\": 0, \"y\": 0";
+    const QByteArray bare = "\"description\": \"\", " + place;
+    row("objects beside the events", json,
+        story("{\"notes\": [{}, {\"a\":\n{}}],\n\"\\u0065vents\": [{\"title\": 7, " + bare +
+              "}],\n"
+              "\"more\": {\"a\": [[{}]]}},\n{\"events\": [{\"title\": 8, " +
+              bare + "}]}"),
+        {QStringLiteral("0."), QStringLiteral("0.")},
+        {QStringLiteral("line 5: the key \"more\" is left out"),
+         QStringLiteral("line 2: the key \"notes\" is left out"),
+         QStringLiteral("line 4: title is no text and is left out; so in 2 places"),
+         QStringLiteral("line 4: \"\" has no number of its own and becomes event 0"),
+         QStringLiteral("line 6: \"\" has no number of its own and becomes event 0")});
+    const QByteArray event = "{\"title\": \"A\", \"index\": 5, \"endOfStory\": true, " + bare;
+    row("stories that the events tell otherwise", json,
+        story("{\"story\": [5], \"events\": [" + event + "}]},\n{\"events\": [" + event +
+              "}],\n\"story\": [5, 6]},\n{\"events\": [" + event + "}],\n\"story\": null}"),
+        {QStringLiteral("0A."), QStringLiteral("0A."), QStringLiteral("0A.")},
+        {QStringLiteral("line 4: the story is not what the connections and the end say, and is left out; "
+                        "so in 2 places")});
+    row("names of tabs", json,
+        story("{\"name\": \"Story 12\", \"events\": []},\n{\"name\": \"Story 0\", \"events\": []},\n"
+              "{\"events\": [],\n\"name\": \"The 1\"},\n{\"events\": [], \"name\": null}"),
+        {QString(), QString(), QString(), QString()},
+        {QStringLiteral("line 3: the name of the tab \"Story 0\" is left out, for tabs have numbers only"),
+         QStringLiteral("line 5: the name of the tab \"The 1\" is left out, for tabs have numbers only")});
+    QByteArray keys;
+    for (char key = 'a'; key < 'n'; ++key)
+        keys += QByteArray(",\n\"") + key + "\": 1";
+    QStringList notesOfKeys(QStringLiteral("line 13: more keys are left out; so in 3 places"));
+    for (int i = 0; i < 10; ++i)
+        notesOfKeys << QStringLiteral("line %1: the key \"%2\" is left out%3")
+                           .arg(i == 1 ? 1 : i + 3)
+                           .arg(QChar(u'a' + i))
+                           .arg(i == 1 ? QStringLiteral("; so in 2 places") : QString());
+    row("many keys", json, "{\"b\": 1, " + story("{\"events\": [" + event + keys + "}]}").mid(1),
+        {QStringLiteral("0A.")}, notesOfKeys);
+    row("names that are said twice", json,
+        story("{\"events\": [\n{}\n],\n\"events\": [\n{\"title\": 7, \"title\":\n8, \"index\": 0, " + bare +
+              "}]}"),
+        {QStringLiteral("0.")}, {QStringLiteral("line 7: title is no text and is left out")});
+    row("texts that look like objects", json,
+        "\xEF\xBB\xBF" + story("{\"events\": [{\"title\": \"\\\"[{\\\\\", \"index\": 0, " + bare +
+                               "},\r\n{\"title\": \"]\\\n}\", \"index\": 1,\r\n\"x\": 0, \"y\": 900"
+                               ",\r\n\"description\":\r\n7}]}"),
+        {QStringLiteral("0\"[{\\. 0~]\n}")},
+        {QStringLiteral("line 7: description is no text and is left out")});
     row("front matter", md, "---\ntitle: x\n---\n# A\n<div>\n", {QStringLiteral("0A.")},
         {QStringLiteral("line 1: the front matter is left out"), QStringLiteral("line 5: HTML is left out")});
     row("letters", md, "\xEF\xBB\xBF# \xF0\x9F\x98\x80 \xD7\xA9\n\xFFz\n",
-        {QStringLiteral("0\U0001F600 \u05E9=\uFFFDz.")});
+        {QStringLiteral("0\U0001F600 \u05E9=\uFFFDz.")},
+        {QStringLiteral("line 2: letters that are no UTF-8 are left out")});
 }
 
 void tst_Import::textBecomesAStory() { checkImported(folder); }

@@ -40,9 +40,31 @@ void tst_ImportOthers::textBecomesAStory_data()
         {QStringLiteral("line 3: a second end of the story is left out"),
          QStringLiteral("line 2: the attribute created is left out; so in 2 places")});
 
+    row("outlines of other programs", opml,
+        "<opml version='2.0'><head>\n<title>T</title>\n<ownerName>x\n</ownerName><windowTop/></head>\n<body>"
+        "more\n<outline text='A' title='A' important='yes'/>\n<outline text='B' title='C'\n_note='n' "
+        "description='d'/><p/></body></opml>",
+        {QStringLiteral("0A 0B=n.")},
+        {QStringLiteral("line 6: important is neither true nor false and is left out"),
+         QStringLiteral("line 5: text between the outlines is left out"),
+         QStringLiteral("line 7: the attribute description is left out"),
+         QStringLiteral("line 7: the attribute title is left out"),
+         QStringLiteral("line 3: the element ownerName is left out"),
+         QStringLiteral("line 8: the element p is left out"),
+         QStringLiteral("line 2: the title of the whole is left out")});
+    row("outlines with names of tabs", opml,
+        "<opml><head><title>T</title></head><body>\n<outline type='story' text='Prologue' mood='x'>\n"
+        "<outline text='A'/></outline></body></opml>",
+        {QStringLiteral("0A.")},
+        {QStringLiteral("line 2: the attribute mood is left out"),
+         QStringLiteral("line 2: the name of the tab \"Prologue\" is left out, for tabs have numbers only")});
+
     const QString csv = QStringLiteral("csv");
     row("rows", csv, "Title,Text\r\nA,\"one\r\n\"\"two\"\"\"\r\n\r\nB\r\n",
         {QStringLiteral("0A=one\n\"two\" 0B.")});
+    row("rows in another encoding", csv, "title\nCaf\xE9\nB\n\xFC\xC3\n",
+        {QStringLiteral("0Caf\uFFFD 0B 0\uFFFD\uFFFD.")},
+        {QStringLiteral("line 2: letters that are no UTF-8 are left out; so in 2 places")});
     row("rows with names", csv, "id,title\np-1,A\np-2,B\np-2,C\n", {QStringLiteral("0A 0B 0C.")},
         {QStringLiteral("line 2: index is no whole number; the event gets one; so in 3 places")});
     row("rows that are fed by names", csv, "id,title,fed_by\nb,B,a\na,A,\n7,C,b\n,D,7\n,E,nobody\na,F,a\n",
@@ -75,7 +97,9 @@ void tst_ImportOthers::textBecomesAStory_data()
         {QStringLiteral("0A=one\n 0B=two.")});
     row("rows that are fed", csv,
         "tab;index;title;fed_by;end;important\nx;1;A;;0;1\nx;2;B;1;1;0\nx;3;C;1;0;0\ny;1;D;;;\n",
-        {QStringLiteral("0A! 1/C 0B."), QStringLiteral("0D.")});
+        {QStringLiteral("0A! 1/C 0B."), QStringLiteral("0D.")},
+        {QStringLiteral("line 2: the name of the tab \"x\" is left out, for tabs have numbers only"),
+         QStringLiteral("line 5: the name of the tab \"y\" is left out, for tabs have numbers only")});
     row("rows that look like places of a message", csv, "title,index,fed_by\n%2,1,9\n%2,,\n",
         {QStringLiteral("0%2. 0~%2")},
         {QStringLiteral("line 3: \"%2\" has no number of its own and becomes event 0"),
@@ -97,10 +121,23 @@ void tst_ImportOthers::textBecomesAStory_data()
     row("passages", twee,
         ":: StoryTitle\nx\n\n:: StoryData\n{\"start\": \"A\"}\n\n:: A [important]\none &lt;two&gt;\n\n"
         "[[B]]\n[[C]]\n\n:: B\nGo [[on->D]] or [[D<-there]] or [[up|D]].\n\n:: C\n\n:: D\nend\n",
-        {QStringLiteral("0A=one <two>! 1/C 0B=Go on or there or up. 0D=end.")});
+        {QStringLiteral("0A=one <two>! 1/C 0B=Go on or there or up. 0D=end.")},
+        {QStringLiteral("line 1: the title of the whole is left out")});
+    row("passages with more", twee,
+        ":: StoryData\n{\"ifid\": \"X\", \"format\": \"y\"}\n:: A {\"position\":\"5,6\",\"size\":\"7,8\"}\n"
+        "[[B][$x = 1]]\n:: B {\"position\":\"5\"}\n:: C {x\n",
+        {QStringLiteral("0A 0B. 0~C")},
+        {QStringLiteral("line 6: data that is no JSON object is left out"),
+         QStringLiteral("line 3: places are not said of every passage and are left out"),
+         QStringLiteral("line 1: the data \"format\" is left out"),
+         QStringLiteral("line 5: the data \"position\" is left out"),
+         QStringLiteral("line 3: the data \"size\" is left out"),
+         QStringLiteral("line 4: what a link sets is left out")});
     row("brackets that are no links", twee, ":: A\n[[]] [[\n]] [[[B]]] [[B]]\n:: B\n" + QByteArray(8, '['),
         {QStringLiteral("0A=[[]] [[\n]] [B] B 0B=[[[[[[[[.")},
         {QStringLiteral("line 3: a link to \"[B]\", which is no passage here, is left out")});
+    row("passages in another encoding", twee, ":: Caf\xE9\n", {QStringLiteral("0Caf\uFFFD.")},
+        {QStringLiteral("line 1: letters that are no UTF-8 are left out")});
     row("passages without data", twee, ":: C\n:: Start\n[[B]]\n:: B\n[[Start]]\n",
         {QStringLiteral("0Start 0B. 0~C")},
         {QStringLiteral("line 5: the way from \"B\" to \"Start\" closes a circle and is left out")});
@@ -112,6 +149,7 @@ void tst_ImportOthers::textBecomesAStory_data()
         {QStringLiteral("0A[1]. 1/B 0~B 0C")},
         {QStringLiteral("line 4: a link to \"nowhere\", which is no passage here, is left out"),
          QStringLiteral("line 7: links to a second passage of the same name lead to the first"),
+         QStringLiteral("line 2: places are not said of every passage and are left out"),
          QStringLiteral("line 11: scripts and style sheets are left out"),
          QStringLiteral("line 2: the tag \"sad\" is left out"),
          QStringLiteral("line 1: what stands before the first passage is left out"),

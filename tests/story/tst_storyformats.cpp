@@ -8,7 +8,8 @@
 #include <QTextDocument>
 #include <QXmlStreamReader>
 
-// What stands in the files that stories are exported to. Whether other programs read them so, tst_peers asks.
+// What stands in the files that stories are exported to. Whether other programs read them so, tests/peers
+// asks.
 
 namespace {
 

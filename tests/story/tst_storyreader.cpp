@@ -81,22 +81,34 @@ void tst_StoryReader::whatWouldBeSavedDifferentlyIsDamaged_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QStringList>("damages");
-    const QStringList second(
-        QStringLiteral("Story 2 is not read just as it stands in the file, and would be saved differently"));
+    const auto of = [](int tab, const QString &reason) {
+        return QStringList(
+            QStringLiteral(
+                "Story %1 is not read just as it stands in the file, and would be saved differently: %2")
+                .arg(tab)
+                .arg(reason));
+    };
     const auto row = [](const char *name, const std::vector<Record> &records, const QStringList &damages) {
         QTest::newRow(name) << documentBytes({{Record{}}, records}) << damages;
     };
     const Record first{QStringLiteral("first"), QPointF(), 0, -1};
-    row("two ends", {{{}, {}, 0, -1, true}, {{}, {}, 1, -1, true}}, second);
-    row("carriage return in a title", {{QStringLiteral("a\rb"), {}, 0, -1, true}}, second);
-    row("paragraph separator in a text", {{{}, {}, 0, -1, true, false, QStringLiteral("a\u2029b")}}, second);
+    row("two ends", {{{}, {}, 0, -1, true}, {{}, {}, 1, -1, true}},
+        of(2, QStringLiteral("event 0 is an end of the story beside another one")));
+    row("carriage return in a title", {{QStringLiteral("a\rb"), {}, 0, -1, true}},
+        of(2, QStringLiteral("the title of event 0 has signs that no text here keeps")));
+    row("paragraph separator in a text", {{{}, {}, 0, -1, true, false, QStringLiteral("a\u2029b")}},
+        of(2, QStringLiteral("the text of event 0 has signs that no text here keeps")));
     row("line separator", {{QStringLiteral("a\u2028b"), {}, 0, -1, true}}, {});
-    row("an event without an index", {{{}, {}, 2, -1, true}, {{}, {}, 9, -1}}, second);
+    row("an event without an index", {{{}, {}, 2, -1, true}, {{}, {}, 9, -1}},
+        of(2, QStringLiteral("another event is read over event 2")));
     row("no event", {}, {});
     QTest::newRow("without a tag")
         << QByteArray(documentBytes({{Record{}}})).replace(8, 14, QByteArray(4, '\0'))
-        << QStringList(QStringLiteral(
-               "Story 1 is not read just as it stands in the file, and would be saved differently"));
+        << of(1, QStringLiteral("event 0 is of a kind that is not known"));
+    QByteArray mark = documentBytes({{Record{}}});
+    mark[mark.size() - 5] = '\2'; // behind it is the length of a text only
+    QTest::newRow("mark of another value")
+        << mark << of(1, QStringLiteral("a mark of event 0 says neither yes nor no"));
     QTest::newRow("less than no tabs")
         << QByteArray(4, '\xFF')
         << QStringList(QStringLiteral("the number of the tabs would be saved differently"));
