@@ -42,6 +42,9 @@ private slots:
     void whatCannotBeKeptAtAllIsNotReplaced();
     void whoSavesInBetweenLosesNothing_data();
     void whoSavesInBetweenLosesNothing();
+    void whoWritesBeforeASaveInPlaceLosesNothing_data();
+    void whoWritesBeforeASaveInPlaceLosesNothing();
+    void saveInPlaceThatIsOvertakenAgainFails();
     void saveWithoutAnExchangeOfNamesLeavesNothing();
 
 private:
@@ -168,6 +171,61 @@ void tst_MainWindowFaultsOthers::whoSavesInBetweenLosesNothing()
     // That was the last that is known of the file.
     QVERIFY(window->saveTo(file));
     QCOMPARE(filesBelow(folder()).size(), isNew ? 3 : 2);
+}
+
+void tst_MainWindowFaultsOthers::whoWritesBeforeASaveInPlaceLosesNothing_data()
+{
+    QTest::addColumn<std::vector<Fault>>("faults");
+    QTest::addColumn<QByteArray>("theirs");
+    const std::vector<Fault> noRoom{{Call::createUnnamed, 1, EACCES, true}};
+    const std::vector<Fault> mounted{{Call::exchange, 1, EBUSY, true}, {Call::rename, 2, EBUSY, true}};
+    const QByteArray asLong(smallDocument().size(), 'o');
+    QTest::newRow("no room beside it") << noRoom << others;
+    QTest::newRow("no room beside it, as long as before") << noRoom << asLong;
+    QTest::newRow("mounted by itself") << mounted << others;
+    QTest::newRow("mounted by itself, as long as before") << mounted << asLong;
+}
+
+// What is to be written over is read first, in case that it has to be brought back.
+void tst_MainWindowFaultsOthers::whoWritesBeforeASaveInPlaceLosesNothing()
+{
+    QFETCH(std::vector<Fault>, faults);
+    QFETCH(const QByteArray, theirs);
+    faults.push_back({Call::read, 1, 0, false, [&] { QVERIFY(writeFile(story(), theirs)); }});
+    {
+        const FaultyFiles faulty(folder(), faults);
+        QVERIFY(window->saveTo(story()));
+        QCOMPARE(faulty.hits(int(faults.size()) - 1), 1);
+    }
+    QCOMPARE(readFile(story()), smallDocument());
+    QCOMPARE(filesBelow(folder()), QStringList{QStringLiteral("story.scene")});
+    const QStringList copies = filesBelow(kept());
+    QCOMPARE(copies.size(), 1);
+    QCOMPARE(readFile(kept() + QLatin1Char('/') + copies.front()), theirs);
+    QVERIFY2(notice().contains(copies.front()), qPrintable(notice()));
+}
+
+void tst_MainWindowFaultsOthers::saveInPlaceThatIsOvertakenAgainFails()
+{
+    int times = 0;
+    const auto write = [&] { QVERIFY(writeFile(story(), QByteArray(++times, 'o'))); };
+    const Warnings warnings;
+    {
+        // It is opened to be written only when it is known that it cannot be replaced.
+        const FaultyFiles faulty(folder(), {{Call::exchange, 1, EBUSY, true},
+                                            {Call::rename, 2, EBUSY, true},
+                                            {Call::openForWriting, 1, 0, true, write}});
+        QVERIFY(!window->saveTo(story()));
+    }
+    const QString why = QStringLiteral("another program has written to the file meanwhile");
+    QCOMPARE(warnings.lines(),
+             QStringList{QStringLiteral("Couldn't write the scene file: \"%1\" \"%2\"").arg(story(), why)});
+    QCOMPARE(times, 2);
+    QCOMPARE(readFile(story()), QByteArray("oo"));
+    QCOMPARE(filesBelow(folder()), QStringList{QStringLiteral("story.scene")});
+    QVERIFY2(notice().contains(why), qPrintable(notice()));
+    QVERIFY(window->saveTo(story()));
+    QCOMPARE(readFile(story()), smallDocument());
 }
 
 // Nor does anything else, for who has nothing to fear.
