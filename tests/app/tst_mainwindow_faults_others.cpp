@@ -1,6 +1,8 @@
+#include "app/autosavefolder.h"
 #include "app/faultyfiles.h"
 #include "app/longruns.h"
 #include "app/noticestrip.h"
+#include "app/storystage.h"
 #include "app/windowsupport.h"
 #include "faults/savedocuments.h"
 #include "support/testsupport.h"
@@ -46,6 +48,8 @@ private slots:
     void whoWritesBeforeASaveInPlaceLosesNothing();
     void saveInPlaceThatIsOvertakenAgainFails();
     void saveWithoutAnExchangeOfNamesLeavesNothing();
+    void whoTakesTheNameOfAnAutosaveCopyLosesNothing_data();
+    void whoTakesTheNameOfAnAutosaveCopyLosesNothing();
 
 private:
     QString folder() const { return home->filePath(QStringLiteral("stories")); }
@@ -237,6 +241,45 @@ void tst_MainWindowFaultsOthers::saveWithoutAnExchangeOfNamesLeavesNothing()
     QVERIFY(faulty.hits() > 0);
     QCOMPARE(filesBelow(folder()).size(), 2);
     QCOMPARE(readFile(folder() + QStringLiteral("/new.scene")), smallDocument());
+}
+
+void tst_MainWindowFaultsOthers::whoTakesTheNameOfAnAutosaveCopyLosesNothing_data()
+{
+    QTest::addColumn<std::vector<Fault>>("faults");
+    QTest::addColumn<Fault>("moment");
+    QTest::newRow("as it is replaced") << std::vector<Fault>() << Fault{Call::rename, 2};
+    QTest::newRow("as it is opened to be written over")
+        << std::vector<Fault>{{Call::createUnnamed, 1, EACCES}} << Fault{Call::openForWriting, 1};
+}
+
+// This window has written it in the same second, and would replace it.
+void tst_MainWindowFaultsOthers::whoTakesTheNameOfAnAutosaveCopyLosesNothing()
+{
+    QFETCH(std::vector<Fault>, faults);
+    QFETCH(Fault, moment);
+    StoryStage stage;
+    AutosaveFolder autosaves;
+    const QDateTime second(QDate(2024, 10, 27), QTime(2, 30, 0));
+    const QString copy = autosaves.keepAt(second, stage.document).path;
+    stage.tabs.add();
+    moment.meanwhile = [&] {
+        QVERIFY(QFile::rename(copy, folder() + QStringLiteral("/away"))); // lest its inode be taken again
+        QVERIFY(writeFile(copy, "theirs"));
+    };
+    faults.push_back(moment);
+    {
+        const FaultyFiles faulty(QFileInfo(copy).path(), faults);
+        QCOMPARE(autosaves.keepAt(second, stage.document).trouble, QString());
+        QCOMPARE(faulty.hits(int(faults.size()) - 1), 1);
+    }
+    QList<QByteArray> contents;
+    for (const QString &file : filesBelow(QFileInfo(copy).path())) {
+        QVERIFY2(file.endsWith(QStringLiteral("_autosaveVersion.scene")), qPrintable(file));
+        contents << readFile(QFileInfo(copy).path() + QLatin1Char('/') + file);
+    }
+    QCOMPARE(contents.size(), 2);
+    QVERIFY(contents.contains("theirs"));
+    QVERIFY(contents.contains(stage.document.bytes()));
 }
 
 QTEST_MAIN(tst_MainWindowFaultsOthers)
