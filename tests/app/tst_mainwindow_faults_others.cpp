@@ -50,6 +50,9 @@ private slots:
     void saveWithoutAnExchangeOfNamesLeavesNothing();
     void whoTakesTheNameOfAnAutosaveCopyLosesNothing_data();
     void whoTakesTheNameOfAnAutosaveCopyLosesNothing();
+    void freeNameIsFoundOnEveryDisk_data();
+    void freeNameIsFoundOnEveryDisk();
+    void nameThatWasHeldIsGivenBack();
 
 private:
     QString folder() const { return home->filePath(QStringLiteral("stories")); }
@@ -61,6 +64,13 @@ private:
         QVERIFY(writeFile(home->filePath(QStringLiteral("Documents")), "no folder"));
     }
 
+    QString autosaves() const { return home->filePath(QStringLiteral("Documents/Fablegrid/Autosavedir/")); }
+    static QString copyOf(int second)
+    {
+        return QStringLiteral("Yarnsmith_20241027_02300%1_autosaveVersion.scene").arg(second);
+    }
+
+    const QDateTime second{QDate(2024, 10, 27), QTime(2, 30, 0)};
     const QByteArray others = documentBytes({{}, {}, {}});
     std::unique_ptr<PrivateHome> home;
     std::unique_ptr<MainWindow> window;
@@ -259,7 +269,6 @@ void tst_MainWindowFaultsOthers::whoTakesTheNameOfAnAutosaveCopyLosesNothing()
     QFETCH(Fault, moment);
     StoryStage stage;
     AutosaveFolder autosaves;
-    const QDateTime second(QDate(2024, 10, 27), QTime(2, 30, 0));
     const QString copy = autosaves.keepAt(second, stage.document).path;
     stage.tabs.add();
     moment.meanwhile = [&] {
@@ -280,6 +289,65 @@ void tst_MainWindowFaultsOthers::whoTakesTheNameOfAnAutosaveCopyLosesNothing()
     QCOMPARE(contents.size(), 2);
     QVERIFY(contents.contains("theirs"));
     QVERIFY(contents.contains(stage.document.bytes()));
+}
+
+void tst_MainWindowFaultsOthers::freeNameIsFoundOnEveryDisk_data()
+{
+    QTest::addColumn<std::vector<Fault>>("faults");
+    QTest::addColumn<bool>("isTaken");
+    for (const bool taken : {false, true}) {
+        const char *name = taken ? "taken" : "free";
+        for (const auto &[why, error] :
+             {std::pair("unknown to the disk", EINVAL), std::pair("unknown to the system", ENOSYS),
+              std::pair("forbidden by a container", EPERM)})
+            QTest::addRow("%s, no move to a free name: %s", name, why)
+                << std::vector<Fault>{{Call::moveToFree, 1, error, true}} << taken;
+        for (const auto &[why, error] : {std::pair("forbidden", EPERM), std::pair("unknown", ENOSYS),
+                                         std::pair("not supported", EOPNOTSUPP)})
+            QTest::addRow("%s, nor second names: %s", name, why)
+                << std::vector<Fault>{{Call::moveToFree, 1, EINVAL, true}, {Call::secondName, 1, error, true}}
+                << taken;
+    }
+}
+
+void tst_MainWindowFaultsOthers::freeNameIsFoundOnEveryDisk()
+{
+    QFETCH(const std::vector<Fault>, faults);
+    QFETCH(const bool, isTaken);
+    const StoryStage stage;
+    QVERIFY(QDir().mkpath(autosaves()));
+    QStringList expected{copyOf(0)};
+    if (isTaken) {
+        QVERIFY(writeFile(autosaves() + copyOf(0), "theirs"));
+        expected << copyOf(1);
+    }
+    {
+        const FaultyFiles faulty(autosaves().chopped(1), faults);
+        const AutosaveFolder::Copy copy = AutosaveFolder().keepAt(second, stage.document);
+        QCOMPARE(copy.trouble, QString());
+        QCOMPARE(copy.path, autosaves() + expected.back());
+        for (int i = 0; i < int(faults.size()); ++i)
+            QCOMPARE(faulty.hits(i), isTaken ? 2 : 1);
+    }
+    QCOMPARE(filesBelow(autosaves()), expected);
+    QCOMPARE(readFile(autosaves() + expected.back()), stage.document.bytes());
+    if (isTaken)
+        QCOMPARE(readFile(autosaves() + copyOf(0)), QByteArray("theirs"));
+}
+
+// An empty file holds it until the copy has it.
+void tst_MainWindowFaultsOthers::nameThatWasHeldIsGivenBack()
+{
+    const StoryStage stage;
+    QVERIFY(QDir().mkpath(autosaves()));
+    const Warnings warnings;
+    const FaultyFiles faulty(autosaves().chopped(1), {{Call::moveToFree, 1, EINVAL, true},
+                                                      {Call::secondName, 1, EPERM, true},
+                                                      {Call::rename, 2, EIO}}); // the first names the copy
+    QCOMPARE(AutosaveFolder().keepAt(second, stage.document).trouble, QStringLiteral("Input/output error"));
+    QCOMPARE(faulty.hits(2), 1);
+    QCOMPARE(warnings.lines().size(), 1);
+    QCOMPARE(filesBelow(autosaves()), QStringList());
 }
 
 QTEST_MAIN(tst_MainWindowFaultsOthers)
