@@ -72,6 +72,8 @@ void WorkKeeper::loadFrom(const QString &path)
     const Opening opening = document.loadFrom(path, [this, &kept] {
         kept = withSpareMemory([this] { return copyUnsaved(KeptCopies::Occasion::open); });
     });
+    if (!kept.path.isEmpty() && kept.trouble.isEmpty())
+        notices.succeed(Subject::keeping);
     if (!opening.trouble.isEmpty()) {
         QString text = Wording::notOpened(path, opening.trouble);
         if (!kept.path.isEmpty())
