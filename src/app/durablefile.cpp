@@ -120,6 +120,13 @@ QString DurableFile::replaceThroughTemporary(const QByteArray &content)
     return trouble;
 }
 
+/// Even if it could not be written: the new content may not have got that far.
+bool DurableFile::holds(const QByteArray &content)
+{
+    inPlace.unsetError();
+    return inPlace.seek(0) && inPlace.readAll() == content;
+}
+
 QString DurableFile::replaceInPlace(const QByteArray &content)
 {
     // Over the old bytes, whose room on the disk the file has already, and cut to length at the end.
@@ -145,8 +152,10 @@ QString DurableFile::replaceInPlace(const QByteArray &content)
         inPlace.unsetError();
         if (madeInPlace)
             removeWhatWasMade();
-        else
-            overwrite(old);
+        else if (!overwrite(old).isEmpty() && !holds(old)) {
+            lostOld = true;
+            trouble = tr("%1; what was in the file before could not be brought back").arg(trouble);
+        }
     } else if (std::exchange(madeInPlace, false)) {
         Storing::putNamesOnDisk(path);
     }

@@ -120,6 +120,8 @@ Saving SceneDocument::writeTo(DurableFile &file)
     Saving saving{file.replaceBy(all), file.rescue(), file.old(), true, file.isOvertaken()};
     if (saving.trouble.isEmpty())
         remember(all, file.stamp());
+    else if (file.hasLostOld())
+        forget();
     return saving;
 }
 
