@@ -91,7 +91,10 @@ AutosaveFolder::Copy AutosaveFolder::keepAt(const QDateTime &moment, const Scene
         last == folder + nameOf(moment) && !QFileInfo(last).isSymLink() && FileStamp::of(last) == lastStamp;
     Copy copy;
     try {
-        copy = isOwn ? replaceLast(document) : makeNew(folder, moment, document);
+        std::optional<Copy> replaced;
+        if (isOwn)
+            replaced = replaceLast(nameOf(moment.addSecs(1)), document);
+        copy = replaced ? *replaced : makeNew(folder, moment, document);
     } catch (const std::bad_alloc &) {
         copy = notWritten(folder + nameOf(moment), Storing::reason(ENOMEM));
     }
@@ -103,11 +106,17 @@ AutosaveFolder::Copy AutosaveFolder::keepAt(const QDateTime &moment, const Scene
     return copy;
 }
 
-AutosaveFolder::Copy AutosaveFolder::replaceLast(const SceneDocument &document) const
+/// Nothing if somebody has been at the copy since it was looked at, and it is left alone. Who comes in the
+/// very moment at which it is replaced gets that other name.
+std::optional<Copy> AutosaveFolder::replaceLast(const QString &nameOfOthers,
+                                                const SceneDocument &document) const
 {
     DurableFile file(last);
     if (!file.open())
         return notOpened(last, file.trouble());
+    file.setFormer({nameOfOthers, lastStamp});
     const QString trouble = file.replaceBy(document.bytes());
+    if (file.isOvertaken())
+        return {};
     return trouble.isEmpty() ? Copy{last, {}, file.stamp()} : notWritten(last, trouble);
 }

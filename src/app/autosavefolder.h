@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <optional>
+
 class QDateTime;
 class SceneDocument;
 
@@ -11,7 +13,7 @@ class SceneDocument;
 ///
 /// A name is taken only if nobody has it: another instance of the program may have been started in the same
 /// second, and an hour may come twice. What this very object has written under the name of the same second
-/// is replaced.
+/// is replaced, unless somebody else has been at it.
 class AutosaveFolder
 {
 public:
@@ -30,7 +32,7 @@ public:
     Copy keepAt(const QDateTime &moment, const SceneDocument &document);
 
 private:
-    Copy replaceLast(const SceneDocument &document) const;
+    std::optional<Copy> replaceLast(const QString &nameOfOthers, const SceneDocument &document) const;
 
     QString last; // the path of the last copy, empty if there is none
     FileStamp lastStamp;

@@ -115,9 +115,16 @@ QString DurableFile::replaceThroughTemporary(const QByteArray &content)
         return Storing::reason(error);
     // Complete and on the disk as it is, the temporary is better than half a file.
     QString trouble = replaceInPlace(content);
-    if (!trouble.isEmpty())
+    if (!trouble.isEmpty() && !overtaken)
         rescuedTo = temporary.stay();
     return trouble;
+}
+
+/// Even if it could not be written: the new content may not have got that far.
+bool DurableFile::holds(const QByteArray &content)
+{
+    inPlace.unsetError();
+    return inPlace.seek(0) && inPlace.readAll() == content;
 }
 
 QString DurableFile::replaceInPlace(const QByteArray &content)
@@ -125,6 +132,11 @@ QString DurableFile::replaceInPlace(const QByteArray &content)
     // Over the old bytes, whose room on the disk the file has already, and cut to length at the end.
     errno = 0;
     const QByteArray old = inPlace.readAll();
+    // Nothing lies between this look and the first byte: the system knows no write on a condition.
+    const FileStamp now = FileStamp::of(inPlace);
+    overtaken = former.known && now.isKnown() && !now.holdsTheSameAs(*former.known);
+    if (overtaken)
+        return tr("another program has written to the file meanwhile");
     if (inPlace.error() != QFileDevice::NoError || old.size() != inPlace.size())
         return Storing::reasonOf(inPlace, errno); // as it was, for it could not be brought back
     const auto overwrite = [this](const QByteArray &bytes) -> QString {
@@ -140,8 +152,10 @@ QString DurableFile::replaceInPlace(const QByteArray &content)
         inPlace.unsetError();
         if (madeInPlace)
             removeWhatWasMade();
-        else
-            overwrite(old);
+        else if (!overwrite(old).isEmpty() && !holds(old)) {
+            lostOld = true;
+            trouble = tr("%1; what was in the file before could not be brought back").arg(trouble);
+        }
     } else if (std::exchange(madeInPlace, false)) {
         Storing::putNamesOnDisk(path);
     }

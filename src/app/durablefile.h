@@ -36,6 +36,10 @@ public:
     QString replaceBy(const QByteArray &content);
     /// Of the file as it was stored.
     FileStamp stamp() const { return stored; }
+    /// Whether replaceBy() has left the file alone because it is not what `known` of Former says any more.
+    bool isOvertaken() const { return overtaken; }
+    /// Whether what was in the file before is in it no more, although replaceBy() has failed.
+    bool hasLostOld() const { return lostOld; }
     /// The file that holds the new content when it could not be stored in its place; empty if none does.
     const QString &rescue() const { return rescuedTo; }
 
@@ -44,11 +48,14 @@ private:
     bool openInPlace();
     void removeWhatWasMade();
     QString replaceThroughTemporary(const QByteArray &content);
+    bool holds(const QByteArray &content);
     QString replaceInPlace(const QByteArray &content);
 
     QString path; // of the file itself, at the end of all links
     NewContent temporary;
-    QFile inPlace;            // open if that is how it has to be
+    QFile inPlace; // open if that is how it has to be
+    bool overtaken = false;
+    bool lostOld = false;
     bool madeInPlace = false; // there was no such file before, and nothing is stored in it yet
     QString whyNot;
     QString rescuedTo;

@@ -82,12 +82,24 @@ bool SceneDocument::isOnDisk(const QByteArray &content) const { return hashOf(co
 
 Saving SceneDocument::saveTo(const QString &file, const std::function<Replacing()> &replacing)
 {
+    Saving saving = trySaveTo(file, replacing);
+    if (saving.isOvertaken)
+        saving = trySaveTo(file, replacing); // what has come meanwhile is seen by now
+    if (saving.hasBegun && !saving.trouble.isEmpty())
+        qWarning() << "Couldn't write the scene file:" << file << saving.trouble;
+    return saving;
+}
+
+Saving SceneDocument::trySaveTo(const QString &file, const std::function<Replacing()> &replacing)
+{
     DurableFile written(file);
+    Saving saving;
     if (!written.open()) {
         qWarning() << "Couldn't open file for writing.";
-        return {written.trouble(), {}, {}};
+        saving.trouble = written.trouble();
+        return saving;
     }
-    Saving saving;
+    saving.hasBegun = true;
     try {
         if (replacing) {
             const Replacing old = replacing();
@@ -99,8 +111,6 @@ Saving SceneDocument::saveTo(const QString &file, const std::function<Replacing(
     } catch (const std::bad_alloc &) {
         saving.trouble = Storing::reason(ENOMEM);
     }
-    if (!saving.trouble.isEmpty())
-        qWarning() << "Couldn't write the scene file:" << file << saving.trouble;
     return saving;
 }
 
@@ -108,9 +118,11 @@ Saving SceneDocument::writeTo(DurableFile &file)
 {
     qInfo() << "Tabs to save" << tabs.views().size();
     const QByteArray all = bytes();
-    Saving saving{file.replaceBy(all), file.rescue(), file.old()};
+    Saving saving{file.replaceBy(all), file.rescue(), file.old(), true, file.isOvertaken()};
     if (saving.trouble.isEmpty())
         remember(all, file.stamp());
+    else if (file.hasLostOld())
+        forget();
     return saving;
 }
 

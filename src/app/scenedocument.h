@@ -14,9 +14,11 @@ class StoryTabs;
 /// What came of writing a file.
 struct Saving
 {
-    QString trouble; // why it could not be written, empty if it was
-    QString rescue;  // another file that holds all of it all the same, else empty
-    QString old;     // where what stood there was put, if it was put by
+    QString trouble;          // why it could not be written, empty if it was
+    QString rescue;           // another file that holds all of it all the same, else empty
+    QString old;              // where what stood there was put, if it was put by
+    bool hasBegun = false;    // the file could be opened
+    bool isOvertaken = false; // another program has written to the file after it was looked at
 };
 
 /// What is to become of the file and what stands in it.
@@ -54,7 +56,8 @@ public:
     /// Whether that is of the file that was last read as a whole or written, and nobody has changed it since.
     bool isUntouched(const FileStamp &stamp) const { return stamp == stampOnDisk; }
     /// Writes all tabs to that file, whole or not at all. The document's own path stays what it is.
-    /// `replacing` is called when it is certain that the file can be written.
+    /// `replacing` is called when it is certain that the file can be written, and once more if another
+    /// program writes to it afterwards.
     Saving saveTo(const QString &file, const std::function<Replacing()> &replacing = {});
     /// Replaces all tabs by those of the file, which becomes the document; `leaving` is called before the
     /// tabs go. A damaged file gives what is in it, and one that cannot be read to its end changes nothing.
@@ -64,6 +67,7 @@ public:
 
 private:
     Opening read(const QString &file, const QByteArray &content);
+    Saving trySaveTo(const QString &file, const std::function<Replacing()> &replacing);
     Saving writeTo(DurableFile &file);
     void remember(const QByteArray &content, const FileStamp &stamp);
     void forget();

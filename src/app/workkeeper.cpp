@@ -38,7 +38,10 @@ bool WorkKeeper::saveTo(const QString &path)
     Others others;
     const KeptCopies::Kept &other = others.kept;
     const Saving saving = document.saveTo(path, [&] {
-        others = keepWhatStandsThere(path);
+        Others now = keepWhatStandsThere(path);
+        if (now.kept.path.isEmpty())
+            now.kept = others.kept; // of the look before
+        others = now;
         return Replacing{others.wouldBeLost ? Wording::wouldBeLost(other) : QString(), others.former};
     });
     if (!saving.trouble.isEmpty()) {
@@ -69,6 +72,8 @@ void WorkKeeper::loadFrom(const QString &path)
     const Opening opening = document.loadFrom(path, [this, &kept] {
         kept = withSpareMemory([this] { return copyUnsaved(KeptCopies::Occasion::open); });
     });
+    if (!kept.path.isEmpty() && kept.trouble.isEmpty())
+        notices.succeed(Subject::keeping);
     if (!opening.trouble.isEmpty()) {
         QString text = Wording::notOpened(path, opening.trouble);
         if (!kept.path.isEmpty())

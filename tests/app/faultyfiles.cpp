@@ -242,6 +242,8 @@ int faultyRenameat2(int fromFolder, const char *from, int toFolder, const char *
 {
     static const auto real = next(&faultyRenameat2, "renameat2");
     int error = (flags & RENAME_EXCHANGE) != 0 ? faultOf(Call::exchange, to).value_or(0) : 0;
+    if (!error && (flags & RENAME_NOREPLACE) != 0)
+        error = faultOf(Call::moveToFree, to).value_or(0);
     if (!error)
         error = faultOf(Call::rename, to).value_or(0);
     return error ? failed(error) : real(fromFolder, from, toFolder, to, flags);
@@ -250,7 +252,9 @@ int faultyRenameat2(int fromFolder, const char *from, int toFolder, const char *
 int faultyLink(const char *from, const char *to)
 {
     static const auto real = next(&faultyLink, "link");
-    const int error = faultOf(Call::rename, to).value_or(0);
+    int error = faultOf(Call::secondName, to).value_or(0);
+    if (!error)
+        error = faultOf(Call::rename, to).value_or(0);
     return error ? failed(error) : real(from, to);
 }
 

@@ -20,8 +20,10 @@ public:
         read,
         write,
         sync,
-        rename,   // or giving a name to an unnamed file
-        exchange, // of two names, which is a rename as well
+        rename,     // or giving a name to an unnamed file
+        exchange,   // of two names, which is a rename as well
+        moveToFree, // a name that nobody has, which is a rename as well
+        secondName, // for a file that has one, which counts as a rename as well
         close,
         giveAway,     // to another owner or group
         setAttribute, // access lists as well

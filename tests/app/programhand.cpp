@@ -4,6 +4,7 @@
 #include <QGenericPlugin>
 #include <QMainWindow>
 #include <QPointer>
+#include <QSessionManager>
 #include <QThread>
 #include <QTimer>
 
@@ -25,6 +26,17 @@ QPointer<QAction> findAdding()
     return {};
 }
 
+/// As a session manager does through the platform. Nobody but the application can make one, and nobody looks
+/// at this one.
+void endSession()
+{
+    QObject manager;
+    QMetaObject::invokeMethod(qGuiApp, "commitDataRequest",
+                              Q_ARG(QSessionManager &, reinterpret_cast<QSessionManager &>(manager)));
+    QEvent quit(QEvent::Quit);
+    QCoreApplication::sendEvent(qGuiApp, &quit);
+}
+
 void act(const QString &what)
 {
     if (what == QStringLiteral("talk")) {
@@ -37,6 +49,8 @@ void act(const QString &what)
         std::exit(3);
     if (what == QStringLiteral("quit"))
         QCoreApplication::exit();
+    if (what == QStringLiteral("session"))
+        endSession();
     if (what == QStringLiteral("memory"))
         throw std::bad_alloc();
 }

@@ -63,6 +63,7 @@ private slots:
     void deniedFolderIsWrittenDirectly();
     void directWriteThatFailsIsReported_data();
     void directWriteThatFailsIsReported();
+    void fileThatCannotBeBroughtBackIsTold();
     void failedOpeningChangesNothing_data();
     void failedOpeningChangesNothing();
     void failedOpeningOfAnAutosaveLeavesNothing_data();
@@ -156,6 +157,24 @@ void tst_MainWindowFaultsOpening::directWriteThatFailsIsReported()
     QCOMPARE(files(), QStringList{storyName});
     QCOMPARE(saveAgain({}), QStringList());
     QCOMPARE(readFile(path(storyName)), smallDocument());
+}
+
+void tst_MainWindowFaultsOpening::fileThatCannotBeBroughtBackIsTold()
+{
+    const std::vector<Fault> broken{
+        {Call::createUnnamed, 1, EACCES, true}, {Call::write, 1}, {Call::write, 2, EIO, true}};
+    const QString reason =
+        QStringLiteral("Input/output error; what was in the file before could not be brought back");
+    QCOMPARE(
+        saveAgain(broken),
+        QStringList{
+            QStringLiteral("Couldn't write the scene file: \"%1\" \"%2\"").arg(path(storyName), reason)});
+    QVERIFY(readFile(path(storyName)) != oldBytes);
+    // What was read from it once is not in it any more.
+    window->clearTabs();
+    const QStringList copies = filesBelow(path(kept)).filter(QStringLiteral("_new.scene"));
+    QCOMPARE(copies.size(), 1);
+    QCOMPARE(readFile(path(kept) + QLatin1Char('/') + copies.front()), smallDocument());
 }
 
 void tst_MainWindowFaultsOpening::failedOpeningChangesNothing_data()

@@ -45,6 +45,7 @@ private slots:
     void keptCopyIsTold_data();
     void keptCopyIsTold();
     void copyThatCannotBeKeptIsTold();
+    void copyKeptOfADamagedFilesSakeSettles();
     void damageAndKeptCopyAreOneNotice();
     void failedSaveAndKeptCopyAreOneNotice();
     void closedFailureGoesAndTheOneBeforeIsSeen();
@@ -252,6 +253,24 @@ void tst_MainWindowNotices::copyThatCannotBeKeptIsTold()
     QCOMPARE(notice(),
              QStringLiteral("What was not saved could not be kept in %1/Fablegrid/Kept: Not a directory.")
                  .arg(path(QStringLiteral("Documents"))));
+}
+
+void tst_MainWindowNotices::copyKeptOfADamagedFilesSakeSettles()
+{
+    QVERIFY(writeFile(path(QStringLiteral("Documents")), "no folder"));
+    addEvent(sceneOf(*window, 0), QStringLiteral("Dawn"));
+    {
+        const Warnings ofTheFailure;
+        window->clearTabs();
+    }
+    QVERIFY(!notice().isEmpty());
+    QVERIFY(QFile::remove(path(QStringLiteral("Documents"))));
+    QVERIFY(writeFile(path(QStringLiteral("story.scene")), QByteArray()));
+    window->addNodeGraphTab();
+    addEvent(sceneOf(*window, 0), QStringLiteral("Dusk"));
+    window->loadFrom(path(QStringLiteral("story.scene")));
+    closeNotice(); // of the damage, which tells of this copy as well
+    QCOMPARE(notice(), QString());
 }
 
 void tst_MainWindowNotices::damageAndKeptCopyAreOneNotice()

@@ -8,7 +8,10 @@
 #include <csignal>
 
 #include <fcntl.h>
+#include <pty.h>
+#include <sys/ioctl.h>
 #include <sys/resource.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace {
@@ -44,6 +47,48 @@ private:
     std::array<int, 2> ends{-1, -1};
 };
 
+/// A terminal that lets nobody write to it but the job in its foreground.
+class Terminal
+{
+public:
+    Terminal()
+    {
+        if (openpty(&outer, &inner, nullptr, nullptr, nullptr) != 0)
+            return;
+        for (const int end : {outer, inner})
+            fcntl(end, F_SETFD, FD_CLOEXEC);
+        termios settings{};
+        tcgetattr(inner, &settings);
+        settings.c_lflag |= TOSTOP;
+        tcsetattr(inner, TCSANOW, &settings);
+    }
+    ~Terminal()
+    {
+        close(outer);
+        close(inner);
+    }
+    Terminal(const Terminal &) = delete;
+    Terminal &operator=(const Terminal &) = delete;
+
+    bool isOpen() const { return outer >= 0; }
+    bool hasOutput() const
+    {
+        int bytes = 0;
+        return ioctl(outer, FIONREAD, &bytes) == 0 && bytes > 0;
+    }
+    /// Makes it the terminal of this process and of what it starts, and what their log goes to.
+    void control() const
+    {
+        setsid();
+        ioctl(inner, TIOCSCTTY, 0);
+        dup2(inner, STDERR_FILENO);
+    }
+
+private:
+    int outer = -1;
+    int inner = -1;
+};
+
 } // namespace
 
 /// What the program's main function ties together: each case starts the program itself, with an event that is
@@ -56,7 +101,7 @@ private slots:
     void initTestCase()
     {
         // The program inherits what this test was started with.
-        for (const int number : {SIGTERM, SIGPIPE, SIGXFSZ})
+        for (const int number : {SIGTERM, SIGPIPE, SIGTTOU, SIGXFSZ})
             std::signal(number, SIG_DFL);
     }
     void init()
@@ -73,11 +118,15 @@ private slots:
     void logWhoseReaderIsGoneEndsNothing();
     void logThatNobodyReadsHaltsNothing();
     void fileThatMayNotGrowEndsNothing();
+    void endOfTheSessionKeepsTheWorkAndAsksNothing();
+    void terminalOfAnotherProgramStopsNothing();
 
 private:
-    /// Starts it, and waits until it has done what it is told. What the new process does first comes last; it
-    /// has four kilobytes for its calls, which is little for a sanitized one.
-    void start(QProcess &process, const QString &what, const std::function<void()> &first = {}) const
+    /// Starts it, and waits until it has done what it is told. What the new process does first comes then; it
+    /// has four kilobytes for its calls, which is little for a sanitized one. `through` is a command that
+    /// starts what follows it.
+    void start(QProcess &process, const QString &what, const std::function<void()> &first = {},
+               const QStringList &through = {}) const
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(FABLEGRID_HANDS));
@@ -88,8 +137,10 @@ private:
         if (first)
             process.setChildProcessModifier(first);
         // Ends with this test, however that does.
-        process.start(QStringLiteral("setpriv"), {QStringLiteral("--pdeathsig"), QStringLiteral("KILL"),
-                                                  QStringLiteral(FABLEGRID_PROGRAM)});
+        const QStringList bound{QStringLiteral("setpriv"), QStringLiteral("--pdeathsig"),
+                                QStringLiteral("KILL")};
+        process.start(bound.front(), bound.mid(1) + through + (through.isEmpty() ? QStringList() : bound) +
+                                         QStringList{QStringLiteral(FABLEGRID_PROGRAM)});
         const bool isReady = QTest::qWaitFor(
             [&process] { return process.canReadLine() || process.state() == QProcess::NotRunning; },
             patience);
@@ -188,6 +239,36 @@ void tst_Program::fileThatMayNotGrowEndsNothing()
     });
     if (!QTest::currentTestFailed())
         checkEndsByTheSignal(process, 0);
+}
+
+// No session manager is asked for: that Qt hears of one is its own affair.
+void tst_Program::endOfTheSessionKeepsTheWorkAndAsksNothing()
+{
+    QProcess process;
+    start(process, QStringLiteral("session"));
+    QVERIFY(hasEnded(process));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+    checkKept(1);
+}
+
+// A terminal may forbid its background jobs to write to it, and stops those that do.
+void tst_Program::terminalOfAnotherProgramStopsNothing()
+{
+    const Terminal terminal;
+    QVERIFY(terminal.isOpen());
+    QProcess process;
+    const QString job = QStringLiteral("set -m; \"$@\" & read line; kill -TERM $!; wait $!");
+    start(process, QStringLiteral("wait"), [&terminal] { terminal.control(); },
+          {QStringLiteral("sh"), QStringLiteral("-c"), job, QStringLiteral("sh")});
+    if (QTest::currentTestFailed())
+        return;
+    process.write("\n");
+    QVERIFY(hasEnded(process));
+    QVERIFY(terminal.hasOutput());
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 128 + SIGTERM); // as a shell tells it
+    checkKept(1);
 }
 
 QTEST_GUILESS_MAIN(tst_Program)

@@ -11,22 +11,14 @@
 
 namespace {
 
-constexpr double mostMegabytes = 500.0;
-constexpr double mostSeconds = 5.0;
-
 QString troubleOf(FileOpener &opener, const QString &path)
 {
     const QByteArray bytes = readFile(path);
-    forgetPeakMemory();
-    const double before = statusMegabytes("VmRSS:");
-    const double start = processorSeconds(); // a busy machine is no fault of the file
-    if (QString problem = opener.open(bytes); !problem.isEmpty())
-        return problem;
-    const double took = processorSeconds() - start;
-    const double megabytes = statusMegabytes("VmHWM:") - before;
-    if (took > mostSeconds || megabytes > mostMegabytes)
-        return QStringLiteral("opening takes %1 s and %2 MB").arg(took).arg(megabytes);
-    return opener.check(bytes, FileOpener::OpenAndSave);
+    QString problem;
+    const Cost cost = costOf([&] { problem = opener.open(bytes); });
+    if (problem.isEmpty())
+        problem = faultOfOpening(cost);
+    return problem.isEmpty() ? opener.check(bytes, FileOpener::OpenAndSave) : problem;
 }
 
 } // namespace

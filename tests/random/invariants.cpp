@@ -193,6 +193,21 @@ QString faultOfMemories(const NodegraphScene &scene)
     return {};
 }
 
+/// A tab that was made of these bytes.
+struct Reopened
+{
+    explicit Reopened(const QByteArray &bytes)
+    {
+        QObject::connect(&scene, &NodegraphScene::s_UndoCommandAdded, &stack,
+                         [this](QUndoCommand *command) { stack.push(command); });
+        SceneBytes::load(scene, bytes);
+    }
+    QByteArray savedAgain() { return SceneBytes::saved(scene); }
+
+    NodegraphScene scene;
+    QUndoStack stack; // goes first, for its commands know the scene
+};
+
 } // namespace
 
 QString faultOfScene(const NodegraphScene &scene, bool held)
@@ -239,14 +254,12 @@ QString faultOfReload(NodegraphScene &scene)
 {
     const auto asDocument = [](const QByteArray &block) { return SceneBytes::int32(1) + block; };
     const QByteArray saved = SceneBytes::saved(scene);
-    NodegraphScene other;
-    QUndoStack stack;
-    QObject::connect(&other, &NodegraphScene::s_UndoCommandAdded, &stack,
-                     [&stack](QUndoCommand *command) { stack.push(command); });
-    SceneBytes::load(other, saved);
-    if (sortedDocument(asDocument(SceneBytes::saved(other))) != sortedDocument(asOpened(asDocument(saved))))
+    Reopened first(saved);
+    if (asDocument(first.savedAgain()) != asOpened(asDocument(saved)))
         return QStringLiteral("what is saved reads back as something else");
-    return faultOfScene(other, false);
+    if (Reopened(first.savedAgain()).savedAgain() != first.savedAgain())
+        return QStringLiteral("the second saving gives other bytes");
+    return faultOfScene(first.scene, false);
 }
 
 } // namespace Invariants

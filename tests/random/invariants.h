@@ -14,7 +14,8 @@ namespace Invariants {
 QString faultOfScene(const NodegraphScene &scene, bool held);
 /// The saved bytes say exactly what the tab shows.
 QString faultOfBytes(NodegraphScene &scene);
-/// Opened in another tab and saved there, the bytes say the same.
+/// Opened in another tab and saved there, the bytes say the same; opened and saved once more, they are the
+/// same.
 QString faultOfReload(NodegraphScene &scene);
 
 } // namespace Invariants

@@ -102,7 +102,7 @@ private:
                 note(Invariants::faultOfScene(*view->nodegraphScene(), hands.holds(view)));
                 note(Invariants::faultOfBytes(*view->nodegraphScene()));
             }
-            if (done % stepsBetweenReloads == 0 && view == current)
+            if ((done % stepsBetweenReloads == 0 && view == current) || (step.effects & Effect::documents))
                 note(Invariants::faultOfReload(*view->nodegraphScene()));
         }
         note(changes.unexplained(window, step));

@@ -4,6 +4,7 @@
 #include "random/panelwatch.h"
 #include "random/storywindow.h"
 #include "scene/shownscene.h"
+#include "support/processfigures.h"
 
 #include <QGraphicsTextItem>
 
@@ -25,6 +26,9 @@ private slots:
     void damageToASceneIsFound();
     void aMarkThatIsSavedWronglyIsFound();
     void anIndexThatDoesNotReadBackIsFound();
+    void costOfOpeningIsFound_data();
+    void costOfOpeningIsFound();
+    void whatIsUsedIsCounted();
     void linesOfADragAreAllowedWhileTheMouseHoldsThem();
     void damageToThePanelIsFound_data();
     void damageToThePanelIsFound();
@@ -146,6 +150,44 @@ void tst_RandomChecks::anIndexThatDoesNotReadBackIsFound()
     node(story.scene, 3)->setPrevIndex(77);
     QCOMPARE(Invariants::faultOfReload(story.scene),
              QStringLiteral("what is saved reads back as something else"));
+}
+
+void tst_RandomChecks::costOfOpeningIsFound_data()
+{
+    QTest::addColumn<double>("seconds");
+    QTest::addColumn<double>("megabytes");
+    QTest::addColumn<QString>("fault");
+    QTest::newRow("nothing") << 0.0 << 0.0 << QString();
+    QTest::newRow("all that is allowed") << 5.0 << 500.0 << QString();
+    QTest::newRow("time") << 5.5 << 0.0 << QStringLiteral("opening takes 5.5 s and 0 MB");
+    QTest::newRow("memory") << 1.0 << 501.0 << QStringLiteral("opening takes 1 s and 501 MB");
+}
+
+void tst_RandomChecks::costOfOpeningIsFound()
+{
+    QFETCH(const double, seconds);
+    QFETCH(const double, megabytes);
+    QTEST(faultOfOpening({seconds, megabytes}), "fault");
+}
+
+// Also what is given back before the end.
+void tst_RandomChecks::whatIsUsedIsCounted()
+{
+#ifdef Q_OS_LINUX
+    if (!forgetPeakMemory())
+        QSKIP("The system does not tell the peak of the memory anew");
+    constexpr int size = 64 * 1024 * 1024;
+    const Cost cost = costOf([] {
+        QByteArray block(size, 'x');
+        const double start = processorSeconds();
+        while (processorSeconds() - start < 0.05)
+            block[0] = char(block.at(0) + 1);
+    });
+    QVERIFY2(cost.megabytes > 60, qPrintable(QString::number(cost.megabytes)));
+    QVERIFY2(cost.seconds >= 0.05, qPrintable(QString::number(cost.seconds)));
+#else
+    QSKIP("Only this system tells it");
+#endif
 }
 
 void tst_RandomChecks::linesOfADragAreAllowedWhileTheMouseHoldsThem()
