@@ -7,11 +7,13 @@
 #include <QSocketNotifier>
 
 #include <array>
+#include <atomic>
 #include <utility>
 
 #ifdef Q_OS_UNIX
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <ctime>
 
 #include <fcntl.h>
@@ -24,18 +26,23 @@ struct
 {
     std::array<int, 3> numbers{SIGTERM, SIGINT, SIGHUP};
     std::array<bool, 3> isCaught{};
-    volatile std::sig_atomic_t isNoted = 0;
-    timespec since{}; // when it was
+    // Milliseconds; 0 for none. A second signal may be handled by another thread, while the first one still
+    // is.
+    std::atomic<std::int64_t> notedAt = 0;
+    static_assert(std::atomic<std::int64_t>::is_always_lock_free);
     int readEnd = -1; // of a pipe through which the event loop hears of it
     int writeEnd = -1;
 } ending;
 
 /// A terminal that closes and the end of a login send two signals in a row, which are one request.
-constexpr long oneRequest = 250; // milliseconds
+constexpr std::int64_t oneRequest = 250; // milliseconds
 
-long millisecondsBetween(const timespec &from, const timespec &to)
+/// Since the machine was started, and never 0.
+std::int64_t milliseconds()
 {
-    return long(to.tv_sec - from.tv_sec) * 1000 + (to.tv_nsec - from.tv_nsec) / 1000000;
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return 1 + std::int64_t(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
 }
 
 void endAsUsual()
@@ -49,14 +56,12 @@ void endAsUsual()
 extern "C" void noteSignal(int number)
 {
     const int before = errno;
-    timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    if (ending.isNoted == 0) {
-        ending.isNoted = 1;
-        ending.since = now;
+    const std::int64_t now = milliseconds();
+    std::int64_t first = 0;
+    if (ending.notedAt.compare_exchange_strong(first, now)) {
         const char byte = static_cast<char>(number);
         [[maybe_unused]] const ssize_t written = write(ending.writeEnd, &byte, 1);
-    } else if (millisecondsBetween(ending.since, now) > oneRequest) {
+    } else if (now - first > oneRequest) {
         // Whoever asks twice does not want to wait.
         std::signal(number, SIG_DFL);
         std::raise(number); // comes when this function is left
@@ -75,7 +80,7 @@ void ProgramEnd::listen()
         fcntl(each, F_SETFD, FD_CLOEXEC);
     ending.readEnd = ends[0];
     ending.writeEnd = ends[1];
-    ending.isNoted = 0;
+    ending.notedAt = 0;
     notifier = new QSocketNotifier(ending.readEnd, QSocketNotifier::Read, this);
     connect(notifier, &QSocketNotifier::activated, this, [this] { end(); });
     for (std::size_t i = 0; i < ending.numbers.size(); ++i) {
