@@ -14,6 +14,11 @@
 #include <unistd.h>
 #endif
 
+bool FileMoves::isUnknownHere(int error)
+{
+    return error == EINVAL || error == ENOSYS || error == EPERM || error == EOPNOTSUPP || error == ENOTSUP;
+}
+
 #ifdef Q_OS_WIN
 namespace {
 
@@ -50,7 +55,7 @@ int FileMoves::toFreeName(const QString &from, const QString &to)
 #ifdef RENAME_NOREPLACE
     if (renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE) == 0)
         return 0;
-    if (errno != EINVAL && errno != ENOSYS && errno != EPERM) // some containers forbid what they do not know
+    if (!isUnknownHere(errno))
         return errno;
 #endif
     // Not every file system knows that; a second name is refused as well if somebody has it.
@@ -58,7 +63,7 @@ int FileMoves::toFreeName(const QString &from, const QString &to)
         unlink(source.constData());
         return 0;
     }
-    if (errno != EPERM && errno != ENOSYS && errno != EOPNOTSUPP)
+    if (!isUnknownHere(errno))
         return errno;
     // Some know no second names either. An empty file holds the name, and is then replaced.
     const int holder = ::open(target.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);

@@ -83,8 +83,7 @@ int NewContent::replace(const QString &path, const Former &former, QString &old)
         if (error == EEXIST)
             error = FileMoves::exchange(name, path);
     }
-    // Some containers forbid what they do not know.
-    if (error == EINVAL || error == ENOSYS || error == EPERM)
+    if (FileMoves::isUnknownHere(error))
         return replaceWithoutExchange(name, path, former, old);
     if (error != 0)
         return error;
