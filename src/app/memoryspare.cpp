@@ -38,12 +38,15 @@ void MemorySpare::resize()
 {
     if (state != State::held || (wanted <= size && wanted > size / 2))
         return;
-    // Never the old and the new one at once, and where there is not so much the old one stays, which is
-    // better than nothing.
-    if (void *resized = std::realloc(bytes.get(), wanted)) {
-        static_cast<void>(bytes.release());
-        bytes.reset(resized);
-        size = wanted;
+    // Never the old and the new one at once, and where there is not so much the old one stays, or as much as
+    // there is, which is better than nothing.
+    for (std::size_t tried = wanted; tried >= least && (tried == wanted || tried > size); tried /= 2) {
+        if (void *resized = std::realloc(bytes.get(), tried)) {
+            static_cast<void>(bytes.release());
+            bytes.reset(resized);
+            size = tried;
+            return;
+        }
     }
 }
 
