@@ -75,7 +75,7 @@ bool TextMeasure::isHeldUnchanged(const QString &text)
 
 QSizeF TextMeasure::documentSize(const QString &text, const QFont &font, double textWidth, double margin)
 {
-    return pauses > 0 ? QSizeF() : rulerFor(font, textWidth, margin).sizeOf(text);
+    return pauses > 0 ? QSizeF(0, 0) : rulerFor(font, textWidth, margin).sizeOf(text);
 }
 
 TextMeasure::Pause::Pause() { ++pauses; }

@@ -26,8 +26,9 @@ bool CanvasScene::event(QEvent *event)
     return PromptScene::event(event);
 }
 
-// The items to paint are looked up after this. Only the frames of the view count for the detail: a picture
-// that is painted for something else changes nothing on the screen.
+// The view looks up the items to paint after this; what is painted for something else, a picture, has looked
+// up the events already, and paints what they get here along with them. Only the frames of the view count for
+// the detail: a picture changes nothing on the screen.
 void CanvasScene::drawBackground(QPainter *painter, const QRectF &rect)
 {
     const QList<QGraphicsView *> shown = views();

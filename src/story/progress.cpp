@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <new>
 #include <system_error>
 
 namespace {
@@ -82,6 +83,10 @@ void Progress::showUnasked()
     std::unique_lock lock(mutex);
     const bool hasEnded =
         woken.wait_for(lock, std::chrono::milliseconds(patience), [this] { return isOver; });
-    if (!hasEnded && shownPercent == -1)
-        show(heardPercent);
+    try {
+        if (!hasEnded && shownPercent == -1)
+            show(heardPercent);
+    } catch (const std::bad_alloc &) {
+        // Then there is no bar: an exception must not leave a thread.
+    }
 }
