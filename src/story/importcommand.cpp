@@ -155,6 +155,10 @@ private:
         std::vector<NodegraphScene *> scenes = before.scenes();
         for (const StoryGraph &graph : graphs)
             scenes.push_back(&graph.scene());
+        // As late as can be: whoever saves it meanwhile would lose that.
+        if (output.isAt(before.path()) && before.hasChangedSince())
+            return console.refuse(output.path(),
+                                  tr("was changed by somebody else meanwhile, and stays as it is"));
         if (const QString trouble = output.store(DocumentFormat::bytes(scenes), console); !trouble.isEmpty())
             return console.refuse(output.path(), trouble);
         return Done;

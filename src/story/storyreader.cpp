@@ -147,13 +147,17 @@ StoryReader::StoryReader(Boxes ofGraphs) : boxes(ofGraphs) {}
 
 StoryReader::~StoryReader() = default;
 
-QString StoryReader::read(const QString &path, const PartTold &tell)
+bool StoryReader::hasChangedSince() const { return !FileStamp::of(readFrom).holdsTheSameAs(stamp); }
+
+QString StoryReader::read(const QString &file, const PartTold &tell)
 {
     graphs.clear();
     found = {};
-    const WholeFile file(path);
-    if (!file.trouble().isEmpty())
-        return file.trouble();
+    const WholeFile whole(file);
+    if (!whole.trouble().isEmpty())
+        return whole.trouble();
+    readFrom = file;
+    stamp = whole.stamp();
 
     const ReadingLog log(found);
     std::optional<TextMeasure::Pause> pause;
@@ -174,14 +178,14 @@ QString StoryReader::read(const QString &path, const PartTold &tell)
         readTo = stream.device()->pos();
         return damage;
     };
-    DocumentFormat::read(path, file.content(), make, fill, tell);
-    const qint64 size = file.content().size();
+    DocumentFormat::read(file, whole.content(), make, fill, tell);
+    const qint64 size = whole.content().size();
     found.endedEarly = status == QDataStream::ReadPastEnd || size < qint64(sizeof(qint32));
     found.hasBrokenText = status == QDataStream::ReadCorruptData;
     found.bytesBehind = qMax<qint64>(0, size - readTo);
     begins.push_back(readTo);
     if (found.isNone())
-        compare(file.content(), begins);
+        compare(whole.content(), begins);
     return {};
 }
 

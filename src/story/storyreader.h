@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/filestamp.h"
 #include "story/progress.h"
 #include "story/story.h"
 
@@ -54,7 +55,11 @@ public:
 
     /// Returns why the file cannot be read, empty if it can; a damaged file gives what the editor shows of
     /// it.
-    QString read(const QString &path, const PartTold &tell = {});
+    QString read(const QString &file, const PartTold &tell = {});
+    /// Of the file that was read last; empty if none was.
+    const QString &path() const { return readFrom; }
+    /// Whether that file is no longer what was read.
+    bool hasChangedSince() const;
 
     /// What is in the file, as data.
     Story story() const;
@@ -68,6 +73,8 @@ private:
     void compare(QByteArrayView content, const std::vector<qint64> &begins);
 
     Boxes boxes;
+    QString readFrom;
+    FileStamp stamp; // of the file as it was read
     std::vector<std::unique_ptr<NodegraphScene>> graphs;
     StoryDamage found;
 };

@@ -26,6 +26,7 @@ private slots:
     void typedTextIsBesideNoBar();
     void signalEndsTheLineOfTheBar_data();
     void signalEndsTheLineOfTheBar();
+    void whatIsSavedMeanwhileStays();
     void signalLeavesTheResultWhole();
     void resultOnTheTerminalIsBesideNoBar();
     void closedPipeEndsItQuietly();
@@ -153,6 +154,32 @@ void tst_StoryProcess::signalEndsTheLineOfTheBar()
     QCOMPARE(process.exitCode(), signal);
     QVERIFY2(terminal.seen().endsWith("%\r\n"), terminal.seen().constData());
     QCOMPARE(place.names(), QStringList());
+}
+
+// The text comes through a pipe that is read after the file.
+void tst_StoryProcess::whatIsSavedMeanwhileStays()
+{
+    const StoryFolder place;
+    const QString pipe = place.path(QStringLiteral("waits.md"));
+    QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
+    const QByteArray before = sceneBytes({branchedTab()});
+    const QString file = place.put(QStringLiteral("novel.scene"), before);
+    QProcess process;
+    start(process, {QStringLiteral("import"), pipe, QStringLiteral("--into"), file});
+    const int writing = open(qPrintable(pipe), O_WRONLY | O_CLOEXEC);
+    QVERIFY(writing != -1);
+    const QByteArray saved = sceneBytes({branchedTab(), branchedTab()});
+    QVERIFY(writeFile(file, saved));
+    QCOMPARE(write(writing, "# A\n", 4), 4);
+    close(writing);
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 2);
+    QCOMPARE(
+        QString::fromUtf8(process.readAllStandardError()),
+        QStringLiteral("fablegrid-story: %1: was changed by somebody else meanwhile, and stays as it is\n")
+            .arg(file));
+    QCOMPARE(readFile(file).toHex(), saved.toHex());
+    QCOMPARE(place.names(), QStringList{QStringLiteral("novel.scene")});
 }
 
 // Its name leaves no room for a temporary file beside it, so that it is written in place.
