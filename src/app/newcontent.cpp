@@ -30,7 +30,15 @@ QString NewContent::write(const QByteArray &content)
 {
     if (QString trouble = Storing::write(file, content); !trouble.isEmpty())
         return trouble;
-    return Storing::putOnDisk(file.handle());
+    QString trouble = Storing::putOnDisk(file.handle());
+    written = FileStamp::of(file);
+    return trouble;
+}
+
+FileStamp NewContent::stamp() const
+{
+    const FileStamp now = FileStamp::of(file);
+    return now.holdsTheSameAs(written) ? now : FileStamp();
 }
 
 /// The name that it has beside the file. It may get it only now, and not at all if the disk is broken; errno
@@ -87,16 +95,17 @@ int NewContent::replace(const QString &path, const Former &former, QString &old)
         return replaceWithoutExchange(name, path, former, old);
     if (error != 0)
         return error;
-    // What stood there has the name of the new content now.
-    file.setAutoRemove(false);
+    // What stood there has the name of the new content now. It goes when the new content is in its place on
+    // the disk as well: without power the disk could else know of the removal alone.
+    isInPlace(path);
     if (former.known && FileStamp::of(name).holdsTheSameAs(*former.known)) {
         QFile::remove(name);
     } else {
         old = inFolderOf(path, former.name);
         if (FileMoves::toFreeName(name, old) != 0)
             old = name;
+        Storing::putNamesOnDisk(path);
     }
-    isInPlace(path);
     return 0;
 }
 

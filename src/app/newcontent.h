@@ -35,8 +35,9 @@ public:
     /// Gives it that name in the same folder if nobody has it, not even a link. If it is taken another one
     /// can be tried.
     Naming takeFreeName(const QString &path);
-    /// What tells it from any other file, for as long as nobody changes it; when it has got its name.
-    FileStamp stamp() const { return FileStamp::of(file); }
+    /// What tells it from any other file, for as long as nobody changes it; when it has got its name. Of no
+    /// file if somebody has changed it already.
+    FileStamp stamp() const;
     /// Why no name could be given to it.
     const QString &trouble() const { return whyNot; }
 
@@ -46,5 +47,6 @@ private:
     void isInPlace(const QString &path);
 
     QTemporaryFile file;
+    FileStamp written;
     QString whyNot;
 };

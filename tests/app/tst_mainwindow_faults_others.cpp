@@ -44,9 +44,11 @@ private slots:
     void whatCannotBeKeptAtAllIsNotReplaced();
     void whoSavesInBetweenLosesNothing_data();
     void whoSavesInBetweenLosesNothing();
+    void whoWritesBehindASaveLosesNothing();
     void whoWritesBeforeASaveInPlaceLosesNothing_data();
     void whoWritesBeforeASaveInPlaceLosesNothing();
     void saveInPlaceThatIsOvertakenAgainFails();
+    void saveWithoutAnExchangeOfNamesLeavesNothing_data();
     void saveWithoutAnExchangeOfNamesLeavesNothing();
     void whoTakesTheNameOfAnAutosaveCopyLosesNothing_data();
     void whoTakesTheNameOfAnAutosaveCopyLosesNothing();
@@ -187,6 +189,23 @@ void tst_MainWindowFaultsOthers::whoSavesInBetweenLosesNothing()
     QCOMPARE(filesBelow(folder()).size(), isNew ? 3 : 2);
 }
 
+// The new file is in its place, and the folder is being synced.
+void tst_MainWindowFaultsOthers::whoWritesBehindASaveLosesNothing()
+{
+    {
+        Fault moment{Call::sync, 2};
+        moment.meanwhile = [this] { QVERIFY(writeFile(story(), others)); };
+        const FaultyFiles faulty(folder(), {moment});
+        QVERIFY(window->saveTo(story()));
+        QCOMPARE(faulty.hits(), 1);
+    }
+    QCOMPARE(readFile(story()).toHex(), others.toHex());
+    QVERIFY(window->saveTo(story()));
+    const QStringList copies = filesBelow(kept());
+    QCOMPARE(copies.size(), 1);
+    QCOMPARE(readFile(kept() + QLatin1Char('/') + copies.front()).toHex(), others.toHex());
+}
+
 void tst_MainWindowFaultsOthers::whoWritesBeforeASaveInPlaceLosesNothing_data()
 {
     QTest::addColumn<std::vector<Fault>>("faults");
@@ -242,10 +261,21 @@ void tst_MainWindowFaultsOthers::saveInPlaceThatIsOvertakenAgainFails()
     QCOMPARE(readFile(story()), smallDocument());
 }
 
+void tst_MainWindowFaultsOthers::saveWithoutAnExchangeOfNamesLeavesNothing_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::newRow("unknown to the disk") << EINVAL;
+    QTest::newRow("unknown to the system") << ENOSYS;
+    QTest::newRow("forbidden") << EPERM;
+    QTest::newRow("not supported") << EOPNOTSUPP;
+}
+
 // Nor does anything else, for who has nothing to fear.
 void tst_MainWindowFaultsOthers::saveWithoutAnExchangeOfNamesLeavesNothing()
 {
-    const FaultyFiles faulty(folder(), {{Call::exchange, 1, EINVAL, true}});
+    QFETCH(const int, error);
+    const FaultyFiles faulty(folder(),
+                             {{Call::exchange, 1, error, true}, {Call::moveToFree, 1, error, true}});
     for (const QString &name : {QStringLiteral("/story.scene"), QStringLiteral("/new.scene")})
         QVERIFY(window->saveTo(folder() + name));
     QVERIFY(faulty.hits() > 0);
