@@ -102,7 +102,7 @@ NodegraphScene::~NodegraphScene()
 {
     // The base would take the items out from the front.
     std::vector<QGraphicsItem *> items;
-    for (Node *node : nodes()) {
+    for (Node *node : parts->all.nodes()) {
         items.push_back(node);
         if (ConnectionLine *line = node->inLine())
             items.push_back(line);
