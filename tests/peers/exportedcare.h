@@ -94,7 +94,7 @@ public:
         return process.readAllStandardOutput();
     }
 
-    const StoryFolder folder;
+    const StoryFolder folder{};
     const QString scene = folder.put(QStringLiteral("care.scene"), sceneBytes({careTab()}));
 };
 
