@@ -3,8 +3,6 @@
 #include "story/console.h"
 #include "story/story.h"
 
-#include <QStringDecoder>
-
 void LeftOut::add(const QString &kind, qint64 line)
 {
     Places &places = kinds.try_emplace(kind, Places{line}).first->second;
@@ -22,18 +20,13 @@ void LeftOut::addOneOf(const QString &others, const QString &kind, qint64 line)
 
 void LeftOut::addBrokenLetters(const QByteArray &text)
 {
-    const auto isBroken = [](QByteArrayView part) {
-        QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-        const QString decoded = decoder(part);
-        return decoder.hasError();
-    };
-    if (!isBroken(text))
+    if (text.isValidUtf8())
         return;
     qint64 line = 0;
     for (qsizetype at = 0, end = 0; end != -1; at = end + 1) {
         ++line;
         end = text.indexOf('\n', at);
-        if (isBroken(QByteArrayView(text).sliced(at, (end == -1 ? text.size() : end) - at)))
+        if (!QByteArrayView(text).sliced(at, (end == -1 ? text.size() : end) - at).isValidUtf8())
             add(tr("letters that are no UTF-8 are left out"), line);
     }
 }
