@@ -1,51 +1,93 @@
 #include "items/textmeasure.h"
 
+#include "items/linecounter.h"
+
 #include <QCoreApplication>
 #include <QFont>
 #include <QHash>
 #include <QString>
+#include <QTextCursor>
 #include <QTextDocument>
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace {
 
 int pauses = 0; // that live
 
-/// A document for all texts of one kind, and what it said of short ones: many titles and untouched
-/// descriptions are the same.
-struct Ruler
+/// A document for all texts of one kind, and what spares asking it: lines that can be counted, and what it
+/// said of short texts, since many titles and untouched descriptions are the same.
+class Ruler
 {
+public:
     Ruler(const QFont &font, double textWidth, double margin)
+        : counter(font, textWidth - 2 * margin), countsLines(textWidth > 2 * margin)
     {
         document.setUndoRedoEnabled(false);
         document.setDefaultFont(font);
         document.setDocumentMargin(margin);
         document.setTextWidth(textWidth);
+        oneLine = laidOut(QStringLiteral("x")).height();
+        furtherLine = laidOut(QStringLiteral("x\nx")).height() - oneLine;
     }
+
     bool isFor(const QFont &font, double textWidth, double margin) const
     {
         return document.textWidth() == textWidth && document.documentMargin() == margin &&
                document.defaultFont() == font;
     }
+
     QSizeF sizeOf(const QString &text)
     {
         const bool isShort = text.size() <= shortest;
         if (isShort && known.contains(text))
             return known.value(text);
-        document.setPlainText(text);
-        const QSizeF size(std::max(document.textWidth(), document.idealWidth()), document.size().height());
+        const QSizeF size = counted(text).value_or(QSizeF());
+        const bool isSure = size.isValid() && !isCheckDue();
+        const QSizeF sure = isSure ? size : laidOut(text);
+        if (size.isValid() && size != sure)
+            countsLines = false; // a font with rules that nobody has thought of
         if (isShort && known.size() < mostKnown)
-            known.insert(text, size);
-        return size;
+            known.insert(text, sure);
+        return sure;
+    }
+
+private:
+    std::optional<QSizeF> counted(const QString &text)
+    {
+        const std::optional<int> lines = countsLines ? counter.linesOf(text) : std::nullopt;
+        if (!lines)
+            return std::nullopt;
+        ++timesCounted;
+        return QSizeF(document.textWidth(), oneLine + (*lines - 1) * furtherLine);
+    }
+
+    /// For the first, the second, the fourth and so on.
+    bool isCheckDue() const { return (timesCounted & (timesCounted - 1)) == 0; }
+
+    QSizeF laidOut(const QString &text)
+    {
+        // In one step: QTextDocument::setPlainText() lays out the emptied document as well.
+        QTextCursor all(&document);
+        all.beginEditBlock();
+        all.select(QTextCursor::Document);
+        all.insertText(text);
+        all.endEditBlock();
+        return {std::max(document.textWidth(), document.idealWidth()), document.size().height()};
     }
 
     static constexpr qsizetype shortest = 40; // characters
     static constexpr qsizetype mostKnown = 200;
 
     QTextDocument document;
+    LineCounter counter;
+    bool countsLines;
+    unsigned timesCounted = 0;
+    double oneLine = 0;
+    double furtherLine = 0;
     QHash<QString, QSizeF> known;
 };
 
