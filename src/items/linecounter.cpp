@@ -127,18 +127,40 @@ void LineCounter::askFor(QStringView text)
         usualHeight = layOut(QStringLiteral("x")).height();
     if (isFull())
         return;
-    const QTextLine line = layOut(text.toString());
+    const QStringView part = unknownPart(text);
+    const qsizetype start = part.data() - text.data();
+    const QTextLine line = layOut(part.toString());
     if (line.height() != usualHeight)
         return;
-    for (qsizetype i = 0; i < text.size() && !isFull(); ++i) {
+    for (qsizetype i = start; i < start + part.size() && !isFull(); ++i) {
         const quint32 letters = lettersAt(text, i);
-        if (placeOf(letters).letters != 0)
+        const bool isAtCut = (i == start && i > 0) || (i + 1 == start + part.size() && i + 1 < text.size());
+        if (isAtCut || placeOf(letters).letters != 0)
             continue;
-        const auto at = int(i);
+        const auto at = int(i - start);
         placeOf(letters) = {letters, toUnits(line.cursorToX(at + 1) - line.cursorToX(at))};
         ++advancesKnown;
         grow();
     }
+}
+
+/// From the first to the last letters that are not known, and a little more: digits and quotes are written as
+/// the letters beside them are.
+QStringView LineCounter::unknownPart(QStringView text)
+{
+    constexpr qsizetype more = 8;
+    const auto isUnknown = [this, text](qsizetype at) { return placeOf(lettersAt(text, at)).letters == 0; };
+    qsizetype first = 0;
+    while (!isUnknown(first))
+        ++first;
+    qsizetype last = text.size() - 1;
+    while (!isUnknown(last))
+        --last;
+    first = std::max(first - more, qsizetype(0));
+    const QStringView part = text.mid(first, last + 1 + more - first);
+    const bool hasLetter = std::any_of(part.begin(), part.end(),
+                                       [](QChar sign) { return kindOf(sign.unicode()) == Kind::letter; });
+    return hasLetter ? part : text;
 }
 
 /// As the engine does: it asks for the overhang of a word's last letter only where that could matter.

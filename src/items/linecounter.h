@@ -68,6 +68,7 @@ private:
     bool readGaps(QStringView text);
     bool readWidths(QStringView text);
     void askFor(QStringView text);
+    QStringView unknownPart(QStringView text);
     Advance &placeOf(quint32 letters);
     bool isFull() const;
     void grow();
