@@ -8,6 +8,7 @@
 #include <QString>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTextLayout>
 
 #include <algorithm>
 #include <memory>
@@ -24,8 +25,9 @@ class Ruler
 {
 public:
     Ruler(const QFont &font, double textWidth, double margin)
-        : counter(font, textWidth - 2 * margin), countsLines(textWidth > 2 * margin)
+        : counter(font, textWidth - 2 * margin), countsLines(textWidth < 0 || textWidth > 2 * margin)
     {
+        layout.setFont(font);
         document.setUndoRedoEnabled(false);
         document.setDefaultFont(font);
         document.setDocumentMargin(margin);
@@ -56,13 +58,36 @@ public:
     }
 
 private:
+    /// Null for what the document has to tell.
     std::optional<QSizeF> counted(const QString &text)
     {
-        const std::optional<int> lines = countsLines ? counter.linesOf(text) : std::nullopt;
-        if (!lines)
+        if (!countsLines)
             return std::nullopt;
-        ++timesCounted;
-        return QSizeF(document.textWidth(), oneLine + (*lines - 1) * furtherLine);
+        std::optional<QSizeF> size;
+        if (document.textWidth() < 0) {
+            size = sizeOfLine(text);
+        } else if (const std::optional<int> lines = counter.linesOf(text)) {
+            size = QSizeF(document.textWidth(), oneLine + (*lines - 1) * furtherLine);
+        }
+        timesCounted += size ? 1U : 0U;
+        return size;
+    }
+
+    /// A line that is not wrapped takes what its layout says; a document takes three times as long to say it.
+    std::optional<QSizeF> sizeOfLine(const QString &text)
+    {
+        const bool isPlain = std::all_of(text.begin(), text.end(), [](QChar sign) {
+            return sign >= u' ' && sign <= QChar(0x17f) && sign != u'\x7f' &&
+                   (sign < u'\x80' || sign > u'\xa0');
+        });
+        if (text.isEmpty() || !isPlain)
+            return std::nullopt;
+        layout.setText(text);
+        layout.beginLayout();
+        const QTextLine line = layout.createLine();
+        layout.endLayout();
+        const double margins = 2 * document.documentMargin();
+        return QSizeF(line.naturalTextWidth() + margins, line.height() + margins);
     }
 
     /// For the first, the second, the fourth and so on.
@@ -83,7 +108,8 @@ private:
     static constexpr qsizetype mostKnown = 200;
 
     QTextDocument document;
-    LineCounter counter;
+    LineCounter counter; // of wrapped texts
+    QTextLayout layout;  // of others
     bool countsLines;
     unsigned timesCounted = 0;
     double oneLine = 0;

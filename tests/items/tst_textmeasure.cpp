@@ -59,8 +59,10 @@ void tst_TextMeasure::sizeIsThatOfADocumentOfItsOwn()
     QFETCH(double, textWidth);
     RandomTexts random(5);
     for (int i = 0; i < 60; ++i) {
-        for (const QString &text : {random.prose(), random.plainProse(), random.signs(u"aV\n \t", 300), u""_s,
-                                    random.signs(u"abcde", 60), u"One\nTwo\n"_s}) {
+        for (const QString &text :
+             {random.prose(), random.plainProse(), random.signs(u"aV\n \t", 300), u""_s,
+              random.signs(u"abcde", 60), random.signs(u"ffi AVT.\u00E9\u017F\u00A0\u00ADx\u007Fy\u2028", 30),
+              u"One\nTwo\n"_s}) {
             const QSizeF size = TextMeasure::documentSize(text, font, textWidth, margin);
             QVERIFY2(size == sizeOfADocument(text, font, textWidth), qPrintable(text));
         }
@@ -84,7 +86,9 @@ void tst_TextMeasure::lettersOfOtherFontsCount()
     for (char16_t letter = 0xc0; letter < 0x180; ++letter) {
         const QString text = u"From "_s + QChar(letter) + u" to "_s + QChar(letter);
         for (int i = 0; i < 2; ++i)
-            QCOMPARE(TextMeasure::documentSize(text, font, 200, margin), sizeOfADocument(text, font, 200));
+            for (const double textWidth : {200.0, -1.0})
+                QCOMPARE(TextMeasure::documentSize(text, font, textWidth, margin),
+                         sizeOfADocument(text, font, textWidth));
     }
 }
 
