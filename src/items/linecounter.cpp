@@ -11,6 +11,8 @@
 namespace {
 
 constexpr quint32 none = 0; // stands for what is before the first letter and behind the last one
+constexpr quint32 letterBits = 9;
+constexpr quint32 threeLetters = (1U << (3 * letterBits)) - 1;
 constexpr int unknownOverhang = -1;
 constexpr int hair = 2; // in units of the engine
 
@@ -73,7 +75,7 @@ std::optional<int> LineCounter::linesOfParagraph(QStringView text)
 /// False where only the engine knows where lines may end, or in which direction the paragraph is written.
 bool LineCounter::readGaps(QStringView text)
 {
-    gaps.clear();
+    gaps.resize(std::size_t(text.size()));
     Kind before = Kind::space; // the last one that is no space; none may stand first
     Kind kind = kindOf(text.front().unicode());
     if (kind == Kind::space || text.back() == u' ')
@@ -84,7 +86,7 @@ bool LineCounter::readGaps(QStringView text)
         const Gap gap = gapBetween(before, kind, next);
         if (kind == Kind::other || next == Kind::other || gap == Gap::unknown)
             return false;
-        gaps.push_back(gap);
+        gaps[std::size_t(i)] = gap;
         hasLetter = hasLetter || kind == Kind::letter;
         if (kind != Kind::space)
             before = kind;
@@ -95,18 +97,21 @@ bool LineCounter::readGaps(QStringView text)
 
 bool LineCounter::readWidths(QStringView text)
 {
-    widths.clear();
+    grow();
+    widths.resize(std::size_t(text.size()));
     bool hasAsked = false;
+    quint32 letters = codeOf(text.front().unicode());
     for (qsizetype i = 0; i < text.size(); ++i) {
-        const quint32 letters = lettersAt(text, i);
-        if (!hasAsked && (advances.empty() || placeOf(letters).letters == 0)) {
+        const quint32 after = i + 1 < text.size() ? codeOf(text[i + 1].unicode()) : none;
+        letters = (letters << letterBits | after) & threeLetters;
+        const Advance *known = &placeOf(letters);
+        if (known->letters == 0 && !std::exchange(hasAsked, true)) {
             askFor(text);
-            hasAsked = true;
+            known = &placeOf(letters);
         }
-        const Advance &known = placeOf(letters);
-        if (known.letters == 0)
+        if (known->letters == 0)
             return false;
-        widths.push_back(known.width);
+        widths[std::size_t(i)] = known->width;
     }
     return true;
 }
@@ -122,7 +127,6 @@ void LineCounter::askFor(QStringView text)
         layout.endLayout();
         return laidOut;
     };
-    grow();
     if (usualHeight == 0)
         usualHeight = layOut(QStringLiteral("x")).height();
     if (isFull())
@@ -225,8 +229,7 @@ LineCounter::Gap LineCounter::gapBetween(Kind before, Kind last, Kind next)
     const auto isOf = [](Kind kind, std::initializer_list<Kind> kinds) {
         return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
     };
-    const bool beginsWord = isOf(next, {Kind::letter, Kind::digit});
-    if (beginsWord && last == Kind::letter)
+    if (last == Kind::letter && next == Kind::letter)
         return Gap::holds; // what is asked most, first
     if (next == Kind::space)
         return Gap::breaks; // the word ends here, the line behind the space
@@ -234,12 +237,13 @@ LineCounter::Gap LineCounter::gapBetween(Kind before, Kind last, Kind next)
         return isOf(next, {Kind::stop, Kind::mark, Kind::closing, Kind::slash}) ? Gap::unknown : Gap::breaks;
     if (isOf(last, {Kind::hyphen, Kind::slash}))
         return next == Kind::letter ? Gap::breaks : Gap::unknown;
+    const bool beginsWord = isOf(next, {Kind::letter, Kind::digit});
     // Behind "(12)" the engine would end a line within "1,500", and before a digit that begins no number.
     if ((last == Kind::digit && next == Kind::closing) ||
         (last == Kind::stop && next == Kind::digit && before != Kind::digit))
         return Gap::unknown;
     const bool holds =
-        (beginsWord && isOf(last, {Kind::digit, Kind::quote, Kind::stop, Kind::opening})) ||
+        (beginsWord && isOf(last, {Kind::letter, Kind::digit, Kind::quote, Kind::stop, Kind::opening})) ||
         isOf(next, {Kind::quote, Kind::stop, Kind::mark, Kind::closing}) ||
         (isOf(next, {Kind::hyphen, Kind::opening}) && isOf(last, {Kind::letter, Kind::digit})) ||
         (next == Kind::slash && last == Kind::letter) ||
@@ -256,10 +260,9 @@ quint32 LineCounter::codeOf(char16_t sign)
 /// The one there, between its neighbours.
 quint32 LineCounter::lettersAt(QStringView text, qsizetype at)
 {
-    constexpr quint32 bits = 9;
     const quint32 before = at > 0 ? codeOf(text[at - 1].unicode()) : none;
     const quint32 after = at + 1 < text.size() ? codeOf(text[at + 1].unicode()) : none;
-    return (((before << bits) | codeOf(text[at].unicode())) << bits) | after;
+    return ((before << letterBits | codeOf(text[at].unicode())) << letterBits) | after;
 }
 
 LineCounter::Advance &LineCounter::placeOf(quint32 letters)
