@@ -60,13 +60,11 @@ const QStringList forkConnections{"1 from 0", "2 from 1", "3 from 1"};
 
 } // namespace
 
-class tst_DelNodeCommand : public QObject
+class tst_DelNodeCommand : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
     void isNamedForTheUndoMenu();
     void changesNothingBeforeItRuns();
     void deletesTheNodeAndItsConnections();
