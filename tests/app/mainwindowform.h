@@ -67,9 +67,27 @@ inline QStringList actionNames(const QWidget *widget)
     return names;
 }
 
-/// The offscreen platform says this whenever a dock starts to float; every other warning is a fault.
-inline void failOnWarningsOfTheForm()
+// The macro declares a function, so it has to be used outside every namespace and class.
+inline void initFormResources() { Q_INIT_RESOURCE(fablegrid); }
+
+/// A test of the form in a window that has nothing else.
+class FormTest : public QObject
 {
-    QTest::failOnWarning(
-        QRegularExpression(QStringLiteral("^(?!This plugin does not support raise\\(\\)$)")));
-}
+    Q_OBJECT
+
+protected:
+    std::unique_ptr<QMainWindow> window;
+    Ui::MainWindow form;
+
+private slots:
+    void initTestCase() { initFormResources(); }
+    void init()
+    {
+        // The offscreen platform says this whenever a dock starts to float; every other warning is a fault.
+        QTest::failOnWarning(
+            QRegularExpression(QStringLiteral("^(?!This plugin does not support raise\\(\\)$)")));
+        window = std::make_unique<QMainWindow>();
+        form.setupUi(window.get());
+    }
+    void cleanup() { window.reset(); }
+};

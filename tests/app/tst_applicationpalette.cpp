@@ -19,7 +19,7 @@ void compareLightOnDark(const Painted &colours)
 
 } // namespace
 
-class tst_ApplicationPalette : public QObject
+class tst_ApplicationPalette : public ProgramTest
 {
     Q_OBJECT
 
@@ -29,8 +29,6 @@ private slots:
         QApplication::setStyle(QStringLiteral("Fusion"));
         QApplication::setPalette(applicationPalette());
     }
-    void init() { failOnWarningsOfTheProgram(); }
-    void cleanup() { flushDeferredDeletes(); }
 
     void textIsReadable_data();
     void textIsReadable();

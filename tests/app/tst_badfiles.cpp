@@ -68,14 +68,11 @@ private:
 
 } // namespace
 
-class tst_BadFiles : public QObject
+class tst_BadFiles : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarningsOfTheProgram(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void wholeDocumentComesBackAsItWas_data() { documents(); }
     void wholeDocumentComesBackAsItWas();
     void truncatedAtEveryByte_data() { documents(); }

@@ -52,7 +52,7 @@ void row(const QByteArray &name, const QByteArray &bytes) { QTest::newRow(name.c
 
 } // namespace
 
-class tst_BadFilesForeign : public QObject
+class tst_BadFilesForeign : public ProgramTest
 {
     Q_OBJECT
 
@@ -60,9 +60,6 @@ public:
     static void initMain() { keepFilesInMemory(); }
 
 private slots:
-    void init() { failOnWarningsOfTheProgram(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void smallForeignFile_data();
     void smallForeignFile() { checkRow(); }
     void largeForeignFile_data();

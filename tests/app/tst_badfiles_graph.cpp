@@ -30,14 +30,11 @@ std::size_t nodeCount(FileOpener &opener, int tab) { return sceneOf(opener.windo
 
 } // namespace
 
-class tst_BadFilesGraph : public QObject
+class tst_BadFilesGraph : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarningsOfTheProgram(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void storedCountIsMadeUpToAThousandBlanks_data();
     void storedCountIsMadeUpToAThousandBlanks();
     void negativeCountMakesNothing_data();

@@ -33,14 +33,11 @@ QStringList textsOf(const NodegraphScene *scene)
 } // namespace
 
 /// Which event the keys go to: the one that is the current one, and never one that is out of sight.
-class tst_CurrentEvent : public QObject
+class tst_CurrentEvent : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarningsOfTheProgram(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void newCurrentEventTakesTheKeyboardAway_data();
     void newCurrentEventTakesTheKeyboardAway();
     void looseEventTakesTheKeyboardAway();

@@ -1,9 +1,6 @@
 #include "app/displayloss.h"
-#include "app/windowsupport.h"
-#include "faults/savedocuments.h"
-#include "support/testsupport.h"
+#include "app/endtest.h"
 
-#include <QProcess>
 #include <QStandardPaths>
 
 #include <cstdio>
@@ -13,9 +10,7 @@
 
 namespace {
 
-constexpr int patience = 60000; // milliseconds, for the slowest of machines
-
-QByteArray story(bool changed)
+QByteArray storyThatIs(bool changed)
 {
     std::vector<Record> records = chainOfRecords(3, 20);
     if (changed)
@@ -55,19 +50,11 @@ void tie(QProcess &process)
 } // namespace
 
 /// The display is gone, and with it the program. Each case is a process of its own.
-class tst_DisplayLoss : public QObject
+class tst_DisplayLoss : public EndTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        home = std::make_unique<PrivateHome>();
-        QVERIFY(writeFile(path(QStringLiteral("story.scene")), story(false)));
-    }
-    void cleanup() { home.reset(); }
-
     void workIsKeptWhenTheDisplayEnds_data();
     void workIsKeptWhenTheDisplayEnds();
     void onlyAnExitAmidTheWorkKeepsIt_data();
@@ -75,30 +62,18 @@ private slots:
     void copyGoesWhereTheUserHasHisDocuments();
 
 private:
-    QString path(const QString &name) const { return home->filePath(name); }
-    QString kept() const { return path(QStringLiteral("Documents/Fablegrid/Kept")); }
+    void prepare() override { QVERIFY(writeFile(story(), storyThatIs(false))); }
     void start(QProcess &process, const QProcessEnvironment &environment, const QString &how) const
     {
         tie(process);
         process.setProcessEnvironment(environment);
-        process.setStandardErrorFile(path(QStringLiteral("log")));
-        process.start(QCoreApplication::applicationFilePath(),
-                      {QStringLiteral("--edit"), path(QStringLiteral("story.scene")), how});
-        const bool isReady = QTest::qWaitFor([&process] { return process.canReadLine(); }, patience);
-        QVERIFY2(isReady, readFile(path(QStringLiteral("log"))).constData());
+        startAgain(process, {QStringLiteral("--edit"), story(), how});
     }
-    void checkKept(int copies) const
+    void checkOnlyKept(int copies) const
     {
-        const QStringList files = filesBelow(kept());
-        QCOMPARE(files.size(), copies);
-        QVERIFY(readFile(path(QStringLiteral("story.scene"))) == story(false));
-        for (const QString &file : files) {
-            QVERIFY2(file.endsWith(QStringLiteral("_end.scene")), qPrintable(file));
-            QVERIFY(readFile(kept() + QLatin1Char('/') + file) == story(true));
-        }
+        QVERIFY(readFile(story()) == storyThatIs(false));
+        checkKept(copies, storyThatIs(true));
     }
-
-    std::unique_ptr<PrivateHome> home;
 };
 
 void tst_DisplayLoss::workIsKeptWhenTheDisplayEnds_data()
@@ -150,10 +125,10 @@ void tst_DisplayLoss::workIsKeptWhenTheDisplayEnds()
     if (QTest::currentTestFailed())
         return;
     display.kill();
-    QVERIFY(QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, patience));
+    QVERIFY(hasEnded(process));
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QVERIFY(process.exitCode() != 0);
-    checkKept(1);
+    checkOnlyKept(1);
     display.waitForFinished();
 }
 
@@ -172,8 +147,8 @@ void tst_DisplayLoss::onlyAnExitAmidTheWorkKeepsIt()
     QFETCH(const int, copies);
     QProcess process;
     start(process, QProcessEnvironment::systemEnvironment(), how);
-    QVERIFY(QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, patience));
-    checkKept(copies);
+    QVERIFY(hasEnded(process));
+    checkOnlyKept(copies);
 }
 
 // Where that is stands in a file, and an older copy is looked at: nothing may be needed for that which is
@@ -186,12 +161,12 @@ void tst_DisplayLoss::copyGoesWhereTheUserHasHisDocuments()
     QVERIFY(QDir().mkpath(folder));
     const QString same = folder + QStringLiteral("/20200101_120000_000_tab.scene");
     const QStringList others{QStringLiteral("20200102_120000_000_tab.scene"), QStringLiteral("mine.scene")};
-    QVERIFY(writeFile(same, story(true)));
+    QVERIFY(writeFile(same, storyThatIs(true)));
     for (const QString &name : others)
-        QVERIFY(writeFile(folder + QLatin1Char('/') + name, story(false)));
+        QVERIFY(writeFile(folder + QLatin1Char('/') + name, storyThatIs(false)));
     QProcess process;
     start(process, QProcessEnvironment::systemEnvironment(), QStringLiteral("autosaved"));
-    QVERIFY(QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, patience));
+    QVERIFY(hasEnded(process));
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QVERIFY(!QFile::exists(same)); // it has the newest name now
     QStringList files = filesBelow(folder);
@@ -199,7 +174,7 @@ void tst_DisplayLoss::copyGoesWhereTheUserHasHisDocuments()
         QVERIFY(files.removeOne(name));
     QCOMPARE(files.size(), 1);
     QVERIFY2(files.front().endsWith(QStringLiteral("_end.scene")), qPrintable(files.front()));
-    QVERIFY(readFile(folder + QLatin1Char('/') + files.front()) == story(true));
+    QVERIFY(readFile(folder + QLatin1Char('/') + files.front()) == storyThatIs(true));
 }
 
 int main(int argc, char *argv[])

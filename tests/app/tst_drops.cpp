@@ -52,14 +52,11 @@ const QString untouched = QStringLiteral("Enter description");
 } // namespace
 
 /// What becomes of a text that is dropped: it arrives somewhere, or stays where it was.
-class tst_Drops : public QObject
+class tst_Drops : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarningsOfTheProgram(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void whatTakesNoTextRefusesIt_data();
     void whatTakesNoTextRefusesIt();
     void textBelowASocketTakesIt();

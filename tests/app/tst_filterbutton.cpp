@@ -16,7 +16,7 @@ Painted faceOf(QWidget *button)
 
 } // namespace
 
-class tst_FilterButton : public QObject
+class tst_FilterButton : public WindowTest
 {
     Q_OBJECT
 
@@ -26,18 +26,6 @@ private slots:
         QApplication::setStyle(QStringLiteral("Fusion"));
         dressApplication();
     }
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        window = std::make_unique<MainWindow>();
-        window->show();
-        QVERIFY(QTest::qWaitForWindowActive(window.get()));
-    }
-    void cleanup()
-    {
-        window.reset();
-        flushDeferredDeletes();
-    }
 
     void showsThatItIsDown_data();
     void showsThatItIsDown();
@@ -45,8 +33,7 @@ private slots:
     void showsThatItHasTheKeyboard();
 
 private:
-    PrivateHome home;
-    std::unique_ptr<MainWindow> window;
+    void prepare() override { showWindow(); }
 };
 
 void tst_FilterButton::showsThatItIsDown_data()

@@ -79,12 +79,11 @@ int runOut(int &argc, char **argv, const QByteArray &what, const QString &sign)
 
 /// The memory ends, and with it the program; then something else goes wrong. Each case is a process of its
 /// own.
-class tst_GuardedApplication : public QObject
+class tst_GuardedApplication : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
     void workComesFirst_data();
     void workComesFirst();
     void lastWordsAreRead();

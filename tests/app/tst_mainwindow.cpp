@@ -26,14 +26,11 @@ void pressTabButton(const MainWindow &window)
 
 } // namespace
 
-class tst_MainWindow : public QObject
+class tst_MainWindow : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarningsOfTheProgram(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void methodsStandInOrder();
     void startsWithOneTab();
     void panelIsSetUp();

@@ -16,23 +16,11 @@ QTimer *timerOf(const MainWindow &window)
 
 } // namespace
 
-class tst_MainWindowAutosave : public QObject
+class tst_MainWindowAutosave : public HomeTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        home = std::make_unique<PrivateHome>();
-        documents = home->filePath(QStringLiteral("Documents"));
-    }
-    void cleanup()
-    {
-        flushDeferredDeletes();
-        home.reset();
-    }
-
     void timerRunsEveryMinute();
     void timerSaves();
     void timerIsLeftAloneBySaving();
@@ -55,6 +43,7 @@ private slots:
     void failedWriteIsReported();
 
 private:
+    void prepare() override { documents = path(QStringLiteral("Documents")); }
     QString folder() const { return documents + QStringLiteral("/Fablegrid/Autosavedir"); }
     QStringList files() const { return QDir(folder()).entryList(QDir::Files | QDir::Hidden, QDir::Name); }
     QString onlyFile() const
@@ -62,7 +51,6 @@ private:
         return files().size() == 1 ? folder() + QLatin1Char('/') + files().front() : QString();
     }
 
-    std::unique_ptr<PrivateHome> home;
     QString documents;
 };
 
@@ -89,7 +77,7 @@ void tst_MainWindowAutosave::timerIsLeftAloneBySaving()
 {
     MainWindow window;
     const int id = timerOf(window)->timerId();
-    const DialogAnswers answers({chooseFile(home->filePath(QStringLiteral("story.scene")))});
+    const DialogAnswers answers({chooseFile(path(QStringLiteral("story.scene")))});
     window.sl_saveFile();
     QCOMPARE(answers.problem(), QString());
     window.autosave();
@@ -132,10 +120,10 @@ void tst_MainWindowAutosave::fileStandsInItsFolder()
 
 void tst_MainWindowAutosave::folderOfTheUsersChoiceIsUsed()
 {
-    documents = home->filePath(QStringLiteral("My Papers"));
-    QVERIFY(QDir().mkpath(home->filePath(QStringLiteral("config"))));
-    QVERIFY(writeFile(home->filePath(QStringLiteral("config/user-dirs.dirs")),
-                      "XDG_DOCUMENTS_DIR=\"$HOME/My Papers\"\n"));
+    documents = path(QStringLiteral("My Papers"));
+    QVERIFY(QDir().mkpath(path(QStringLiteral("config"))));
+    QVERIFY(
+        writeFile(path(QStringLiteral("config/user-dirs.dirs")), "XDG_DOCUMENTS_DIR=\"$HOME/My Papers\"\n"));
     MainWindow window;
     window.autosave();
     QCOMPARE(files().size(), 1);
@@ -277,7 +265,7 @@ void tst_MainWindowAutosave::documentsPathStays()
     window.autosave();
     QCOMPARE(window.currentFilePath(), QString());
 
-    const QString file = home->filePath(QStringLiteral("story.scene"));
+    const QString file = path(QStringLiteral("story.scene"));
     const DialogAnswers answers({chooseFile(file)});
     window.sl_saveAsFile();
     QCOMPARE(answers.problem(), QString());

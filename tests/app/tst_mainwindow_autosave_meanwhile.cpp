@@ -63,19 +63,11 @@ STNodeName *titleOf(const Node *node)
 
 } // namespace
 
-class tst_MainWindowAutosaveMeanwhile : public QObject
+class tst_MainWindowAutosaveMeanwhile : public WindowTest
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup()
-    {
-        window.reset();
-        flushDeferredDeletes();
-        home.reset();
-    }
-
     void saveQuestionIsOpen_data();
     void saveQuestionIsOpen();
     void saveDialogIsOpen_data();
@@ -93,9 +85,10 @@ private slots:
     void textIsEdited();
 
 private:
+    void prepare() override;
     NodegraphView *view() const { return window->views().front(); }
     NodegraphScene *scene() const { return view()->nodegraphScene(); }
-    QString folder() const { return home->filePath(QStringLiteral("Documents/Fablegrid/Autosavedir")); }
+    QString folder() const { return path(QStringLiteral("Documents/Fablegrid/Autosavedir")); }
 
     /// The document as it stands in init(); the tests change what they do to it.
     QByteArray storyBytes() const { return documentBytes({{duskRecord, dawnRecord, noonRecord}, {}}); }
@@ -122,8 +115,6 @@ private:
         QTest::keyClick(window->windowHandle(), key, modifiers);
     }
 
-    std::unique_ptr<PrivateHome> home;
-    std::unique_ptr<MainWindow> window;
     QString file; // the document
     Node *dusk = nullptr;
     Node *dawn = nullptr;
@@ -134,11 +125,9 @@ private:
 };
 
 // Two tabs. The first shows a loose event and a story of two, the second is empty.
-void tst_MainWindowAutosaveMeanwhile::init()
+void tst_MainWindowAutosaveMeanwhile::prepare()
 {
-    failOnWarningsOfTheProgram();
-    home = std::make_unique<PrivateHome>();
-    window = std::make_unique<MainWindow>();
+    makeWindow();
     window->addNodeGraphTab();
     window->show();
     QVERIFY(QTest::qWaitForWindowExposed(window.get()));
@@ -164,7 +153,7 @@ void tst_MainWindowAutosaveMeanwhile::init()
     view()->horizontalScrollBar()->setValue(0);
     view()->verticalScrollBar()->setValue(0);
 
-    file = home->filePath(QStringLiteral("story.scene"));
+    file = path(QStringLiteral("story.scene"));
     QCOMPARE(saveAs(*window, file), QString());
     QCOMPARE(readFile(file).toHex(), storyBytes().toHex());
     window->activateWindow();
@@ -272,7 +261,7 @@ void tst_MainWindowAutosaveMeanwhile::saveDialogIsOpen()
         expected = documentBytes({{}});
     }
     const QString former = untitled ? QString() : file;
-    const QString chosen = home->filePath(QStringLiteral("chosen.scene"));
+    const QString chosen = path(QStringLiteral("chosen.scene"));
     const DialogAnswers answers({[&](QDialog *dialog) {
         auto *name = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
         QVERIFY(qobject_cast<QFileDialog *>(dialog) && name);
@@ -293,7 +282,7 @@ void tst_MainWindowAutosaveMeanwhile::saveDialogIsOpen()
 
 void tst_MainWindowAutosaveMeanwhile::openDialogIsOpen()
 {
-    const QString other = home->filePath(QStringLiteral("other.scene"));
+    const QString other = path(QStringLiteral("other.scene"));
     QVERIFY(writeFile(other, documentBytes({{duskRecord}})));
     const DialogAnswers answers({[&](QDialog *dialog) {
         auto *name = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));

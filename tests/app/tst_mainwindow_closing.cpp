@@ -59,33 +59,11 @@ QAbstractButton *closeButton(const MainWindow &window, int index)
 
 } // namespace
 
-class tst_MainWindowClosing : public QObject
+class tst_MainWindowClosing : public WindowTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        folder = std::make_unique<QTemporaryDir>();
-        QVERIFY(folder->isValid());
-        file = folder->filePath(QStringLiteral("story.scene"));
-        window = std::make_unique<MainWindow>();
-        for (const char *description : {"first", "second", "third"}) {
-            if (QLatin1String(description) != QLatin1String("first"))
-                window->addNodeGraphTab();
-            addEvent(window->views().back()->nodegraphScene(), QLatin1String(description),
-                     QLatin1String(description));
-        }
-        sceneOf(*window, 0)->updateStory();
-    }
-    void cleanup()
-    {
-        window.reset();
-        flushDeferredDeletes();
-        folder.reset();
-    }
-
     void lastTabStaysAndNothingIsAsked();
     void tabQuestion();
     void refusedTabStays_data() { addRefusals(); }
@@ -113,6 +91,20 @@ private slots:
     void windowWithoutTabsAsksToo();
 
 private:
+    void prepare() override
+    {
+        QVERIFY(QDir().mkpath(folder()));
+        file = folder() + QStringLiteral("/story.scene");
+        makeWindow();
+        for (const char *description : {"first", "second", "third"}) {
+            if (QLatin1String(description) != QLatin1String("first"))
+                window->addNodeGraphTab();
+            addEvent(window->views().back()->nodegraphScene(), QLatin1String(description),
+                     QLatin1String(description));
+        }
+        sceneOf(*window, 0)->updateStory();
+    }
+    QString folder() const { return path(QStringLiteral("stories")); }
     static QByteArray document(const QStringList &descriptions)
     {
         std::vector<std::vector<Record>> tabs;
@@ -131,9 +123,6 @@ private:
         return document({QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("third")});
     }
 
-    PrivateHome home;
-    std::unique_ptr<QTemporaryDir> folder;
-    std::unique_ptr<MainWindow> window;
     QString file;
 };
 
@@ -227,12 +216,12 @@ void tst_MainWindowClosing::tabGoesWhenTheSaveIsCancelled()
     QCOMPARE(tabTitles(*window), QStringList({QStringLiteral("Story 1"), QStringLiteral("Story 2")}));
     QCOMPARE(window->views().size(), std::size_t(2));
     QCOMPARE(window->currentFilePath(), QString());
-    QVERIFY(QDir(folder->path()).isEmpty());
+    QVERIFY(QDir(folder()).isEmpty());
 }
 
 void tst_MainWindowClosing::tabGoesWhenTheSaveFails()
 {
-    const QString missing = folder->filePath(QStringLiteral("missing/story.scene"));
+    const QString missing = path(QStringLiteral("missing/story.scene"));
     const DialogAnswers answers({press(QMessageBox::Yes), chooseFile(missing)});
     QTest::ignoreMessage(QtWarningMsg, "Couldn't open file for writing.");
     window->closeTab(2);
@@ -355,7 +344,7 @@ void tst_MainWindowClosing::refusedWindowStays()
     QCOMPARE(answers.problem(), QString());
     QVERIFY(window->isVisible());
     QCOMPARE(tabsOf(*window)->count(), 3);
-    QVERIFY(QDir(folder->path()).isEmpty());
+    QVERIFY(QDir(folder()).isEmpty());
 }
 
 void tst_MainWindowClosing::windowClosesUnsaved()
@@ -397,14 +386,14 @@ void tst_MainWindowClosing::windowClosesWhenTheSaveIsCancelled()
     QVERIFY(window->close());
     QCOMPARE(answers.problem(), QString());
     QVERIFY(!window->isVisible());
-    QVERIFY(QDir(folder->path()).isEmpty());
+    QVERIFY(QDir(folder()).isEmpty());
 }
 
 void tst_MainWindowClosing::windowClosesWhenTheSaveFails()
 {
     window->show();
     const DialogAnswers answers(
-        {press(QMessageBox::Yes), chooseFile(folder->filePath(QStringLiteral("missing/story.scene")))});
+        {press(QMessageBox::Yes), chooseFile(path(QStringLiteral("missing/story.scene")))});
     QTest::ignoreMessage(QtWarningMsg, "Couldn't open file for writing.");
     QVERIFY(window->close());
     QCOMPARE(answers.problem(), QString());

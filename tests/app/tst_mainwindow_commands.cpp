@@ -1,21 +1,10 @@
 #include "app/commandlog.h"
 
-class tst_MainWindowCommands : public QObject
+class tst_MainWindowCommands : public WindowTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        window = std::make_unique<MainWindow>();
-    }
-    void cleanup()
-    {
-        window.reset();
-        flushDeferredDeletes();
-    }
-
     void withoutATabOnlyTheFirstLineIsLogged_data() { addTabCommands(); }
     void withoutATabOnlyTheFirstLineIsLogged();
     void onlyTheCurrentTabIsTouched_data() { addTabCommands(); }
@@ -40,12 +29,10 @@ private slots:
     void importanceWithoutACurrentEvent();
 
 private:
+    void prepare() override { makeWindow(); }
     NodegraphView *view() const { return window->views().front(); }
     NodegraphScene *scene() const { return view()->nodegraphScene(); }
     void trigger(const char *action) const { actionOf(*window, action)->trigger(); }
-
-    PrivateHome home;
-    std::unique_ptr<MainWindow> window;
 };
 
 void tst_MainWindowCommands::withoutATabOnlyTheFirstLineIsLogged()

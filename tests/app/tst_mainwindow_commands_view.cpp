@@ -42,22 +42,11 @@ void turnWheel(NodegraphView *view, int delta)
 
 } // namespace
 
-class tst_MainWindow_Commands_View : public QObject
+class tst_MainWindow_Commands_View : public WindowTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        window = std::make_unique<MainWindow>();
-    }
-    void cleanup()
-    {
-        window.reset();
-        flushDeferredDeletes();
-    }
-
     void foreignPageIsLeftAlone_data() { addTabCommands(); }
     void foreignPageIsLeftAlone();
 
@@ -77,12 +66,10 @@ private slots:
     void shortcutsReachTheirActions();
 
 private:
+    void prepare() override { makeWindow(); }
     NodegraphView *view() const { return window->views().front(); }
     NodegraphScene *scene() const { return view()->nodegraphScene(); }
     void trigger(const char *action) const { actionOf(*window, action)->trigger(); }
-
-    PrivateHome home;
-    std::unique_ptr<MainWindow> window;
 };
 
 void tst_MainWindow_Commands_View::foreignPageIsLeftAlone()

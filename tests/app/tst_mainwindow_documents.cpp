@@ -8,25 +8,22 @@ namespace {
 
 const QString cannotWrite = QStringLiteral("Couldn't open file for writing.");
 
+void compareSaveDialog(const DialogAnswers &answers, const MainWindow &window)
+{
+    const SeenDialog &dialog = answers.seen().front();
+    QCOMPARE(dialog.parent, &window);
+    QCOMPARE(dialog.title, QStringLiteral("Save Scene"));
+    QCOMPARE(dialog.nameFilters, QStringList{QStringLiteral("Scene Files (*.scene)")});
+    QCOMPARE(dialog.acceptMode, QFileDialog::AcceptSave);
+}
+
 } // namespace
 
-class tst_MainWindowDocuments : public QObject
+class tst_MainWindowDocuments : public HomeTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        folder = std::make_unique<QTemporaryDir>();
-        QVERIFY(folder->isValid());
-    }
-    void cleanup()
-    {
-        flushDeferredDeletes();
-        folder.reset();
-    }
-
     void saveAsksForAPath();
     void saveWritesToTheKnownPath();
     void cancelledSaveChangesNothing();
@@ -46,10 +43,8 @@ private slots:
     void newThenSaveWritesACountOfZero();
 
 private:
-    QString path(const QString &name) const { return folder->filePath(name); }
-
-    PrivateHome home;
-    std::unique_ptr<QTemporaryDir> folder;
+    void prepare() override { QVERIFY(QDir().mkpath(path({}))); }
+    QString path(const QString &name) const { return home->filePath(QStringLiteral("stories/")) + name; }
 };
 
 void tst_MainWindowDocuments::saveAsksForAPath()
@@ -60,11 +55,7 @@ void tst_MainWindowDocuments::saveAsksForAPath()
     actionOf(window, "actionSave")->trigger();
 
     QCOMPARE(answers.problem(), QString());
-    const SeenDialog &dialog = answers.seen().front();
-    QCOMPARE(dialog.parent, &window);
-    QCOMPARE(dialog.title, QStringLiteral("Save Scene"));
-    QCOMPARE(dialog.nameFilters, QStringList{QStringLiteral("Scene Files (*.scene)")});
-    QCOMPARE(dialog.acceptMode, QFileDialog::AcceptSave);
+    compareSaveDialog(answers, window);
     QCOMPARE(window.currentFilePath(), file);
     QCOMPARE(readFile(file).toHex(), documentBytes({{}}).toHex());
 }
@@ -92,7 +83,7 @@ void tst_MainWindowDocuments::cancelledSaveChangesNothing()
     QCOMPARE(answers.problem(), QString());
     QCOMPARE(window.currentFilePath(), QString());
     QCOMPARE(documentLines(log), QStringList());
-    QVERIFY(QDir(folder->path()).isEmpty());
+    QVERIFY(QDir(path({})).isEmpty());
 }
 
 void tst_MainWindowDocuments::saveAsAlwaysAsks()
@@ -106,11 +97,7 @@ void tst_MainWindowDocuments::saveAsAlwaysAsks()
     const DialogAnswers answers({chooseFile(second)});
     actionOf(window, "actionSave_As")->trigger();
     QCOMPARE(answers.problem(), QString());
-    const SeenDialog &dialog = answers.seen().front();
-    QCOMPARE(dialog.parent, &window);
-    QCOMPARE(dialog.title, QStringLiteral("Save Scene"));
-    QCOMPARE(dialog.nameFilters, QStringList{QStringLiteral("Scene Files (*.scene)")});
-    QCOMPARE(dialog.acceptMode, QFileDialog::AcceptSave);
+    compareSaveDialog(answers, window);
     QCOMPARE(window.currentFilePath(), second);
     QCOMPARE(readFile(first).toHex(), documentBytes({{}}).toHex());
     QCOMPARE(readFile(second).toHex(), documentBytes({{}, {}}).toHex());
@@ -222,7 +209,7 @@ void tst_MainWindowDocuments::savedFileIsReplacedWhole()
     sceneOf(window, 0)->clear();
     QCOMPARE(saveAgain(window), QString());
     QCOMPARE(readFile(file).toHex(), documentBytes({{}}).toHex());
-    QCOMPARE(QDir(folder->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
+    QCOMPARE(QDir(path({})).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
              QStringList{QStringLiteral("story.scene")});
 }
 
@@ -242,7 +229,7 @@ void tst_MainWindowDocuments::failedWriteKeepsWhatWasThere()
         QCOMPARE(saveAgain(window), QString());
     }
     QCOMPARE(readFile(file).toHex(), before.toHex());
-    QCOMPARE(QDir(folder->path()).entryList(QDir::Files | QDir::Hidden),
+    QCOMPARE(QDir(path({})).entryList(QDir::Files | QDir::Hidden),
              QStringList{QStringLiteral("story.scene")});
 #endif
 }

@@ -1,10 +1,6 @@
-#include "app/faultyfiles.h"
-#include "app/longruns.h"
+#include "app/faultstest.h"
 #include "app/windowsupport.h"
-#include "faults/savedocuments.h"
-#include "support/testsupport.h"
 
-#include <cerrno>
 #include <cstring>
 #include <optional>
 
@@ -64,41 +60,29 @@ const QByteArray oldBytes = documentBytes({{}, {}});
 Q_DECLARE_METATYPE(Save)
 
 /// Lets each call of a save go wrong, the first, then the second, until there is none left.
-class tst_MainWindowFaults : public QObject
+class tst_MainWindowFaults : public FaultsTest
 {
     Q_OBJECT
 
-public:
-    static void initMain() { keepFilesInMemory(); }
-
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        home = std::make_unique<PrivateHome>();
-        QVERIFY(QDir().mkpath(folder() + QLatin1Char('/') + autosaves));
-        QVERIFY(QDir().mkpath(path(QStringLiteral("Fablegrid/Kept"))));
-    }
-    void cleanup()
-    {
-        flushDeferredDeletes();
-        home.reset();
-    }
-
     void saveIsAllOrNothing_data();
     void saveIsAllOrNothing();
 
 private:
+    void prepare() override
+    {
+        QVERIFY(QDir().mkpath(folder() + QLatin1Char('/') + autosaves));
+        QVERIFY(QDir().mkpath(path(QStringLiteral("Fablegrid/Kept"))));
+    }
     QString folder() const { return home->filePath(QStringLiteral("Documents")); }
     QString path(const QString &name) const { return folder() + QLatin1Char('/') + name; }
     /// What was there before a save, so that the save must not touch any of it but its own file.
     void layOut() const;
-    void save(Save way, MainWindow &window, const std::vector<Fault> &faults = {});
+    void save(Save way, const std::vector<Fault> &faults = {});
     /// Each tells what is not as it should be after a save.
     QString nothingWritten(Save way, const QString &reason) const;
     QString allWritten(Save way) const;
 
-    std::unique_ptr<PrivateHome> home;
     QByteArray document;
     QString newName; // for the next Save As
     // Of the last save
@@ -115,7 +99,7 @@ void tst_MainWindowFaults::layOut() const
         QVERIFY(writeFile(path(name), oldBytes));
 }
 
-void tst_MainWindowFaults::save(Save way, MainWindow &window, const std::vector<Fault> &faults)
+void tst_MainWindowFaults::save(Save way, const std::vector<Fault> &faults)
 {
     std::optional<FaultyFiles> faulty;
     const auto arm = [&] {
@@ -125,11 +109,11 @@ void tst_MainWindowFaults::save(Save way, MainWindow &window, const std::vector<
     const Warnings collected;
     if (way == Save::asNew) {
         const DialogAnswers answers({chooseFile(path(newName), arm)});
-        window.sl_saveAsFile();
+        window->sl_saveAsFile();
         QCOMPARE(answers.problem(), QString());
     } else {
         arm();
-        way == Save::again ? window.sl_saveFile() : window.autosave();
+        way == Save::again ? window->sl_saveFile() : window->autosave();
     }
     hits = faulty ? faulty->hits() : 0;
     createdByName = faulty ? faulty->calls(Call::create) : 0;
@@ -214,11 +198,11 @@ void tst_MainWindowFaults::saveIsAllOrNothing()
     QFETCH(const int, number);
     const Trouble &trouble = troubles[number];
     document = large ? largeDocument() : smallDocument();
-    MainWindow window;
+    makeWindow();
     QVERIFY(writeFile(path(oldName), document));
     {
         const Warnings none;
-        window.loadFrom(path(oldName));
+        window->loadFrom(path(oldName));
         QCOMPARE(none.lines(), QStringList());
     }
 
@@ -231,7 +215,7 @@ void tst_MainWindowFaults::saveIsAllOrNothing()
             faults.push_back({trouble.call, nth + 1, trouble.errorAfterwards, true});
         if (!unnamed)
             faults.push_back({Call::createUnnamed, 1, EOPNOTSUPP, true});
-        save(way, window, faults);
+        save(way, faults);
         const bool clean = hits == 0;
         if (warnings.isEmpty()) {
             QCOMPARE(allWritten(way), QString());
@@ -240,7 +224,7 @@ void tst_MainWindowFaults::saveIsAllOrNothing()
             const int error = trouble.error ? trouble.error : trouble.errorAfterwards;
             QCOMPARE(nothingWritten(way, QString::fromLocal8Bit(std::strerror(error))), QString());
         }
-        QCOMPARE(window.currentFilePath(), path(way == Save::asNew ? newName : oldName));
+        QCOMPARE(window->currentFilePath(), path(way == Save::asNew ? newName : oldName));
         QVERIFY(unnamed || createdByName == 1);
         if (clean)
             break;
@@ -248,7 +232,7 @@ void tst_MainWindowFaults::saveIsAllOrNothing()
 
         if (warnings.isEmpty())
             layOut(); // or an autosave of the next second would be a second file
-        save(way == Save::asNew ? Save::again : way, window);
+        save(way == Save::asNew ? Save::again : way);
         QCOMPARE(allWritten(way), QString());
     }
     QCOMPARE(hits, 0);

@@ -39,7 +39,7 @@ private:
 } // namespace
 
 /// A save makes a new file; what else belonged to the old one stays.
-class tst_MainWindowFaultsLinks : public QObject
+class tst_MainWindowFaultsLinks : public WindowTest
 {
     Q_OBJECT
 
@@ -47,23 +47,6 @@ public:
     static void initMain() { keepFilesInMemory(); }
 
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        home = std::make_unique<PrivateHome>();
-        QVERIFY(QDir().mkpath(path(QStringLiteral("here"))));
-        QVERIFY(QDir().mkpath(path(QStringLiteral("there"))));
-        QVERIFY(writeFile(path(QStringLiteral("prepared")), smallDocument()));
-        window = std::make_unique<MainWindow>();
-        window->loadFrom(path(QStringLiteral("prepared")));
-    }
-    void cleanup()
-    {
-        window.reset();
-        flushDeferredDeletes();
-        home.reset();
-    }
-
     void linkStaysALink_data();
     void linkStaysALink();
     void otherNameOfTheFileKeepsTheOldText();
@@ -76,10 +59,15 @@ private slots:
     void readOnlyFileIsLeftAlone();
 
 private:
+    void prepare() override
+    {
+        QVERIFY(QDir().mkpath(path(QStringLiteral("here"))));
+        QVERIFY(QDir().mkpath(path(QStringLiteral("there"))));
+        QVERIFY(writeFile(path(QStringLiteral("prepared")), smallDocument()));
+        makeWindow();
+        window->loadFrom(path(QStringLiteral("prepared")));
+    }
     QString path(const QString &name) const { return home->filePath(QStringLiteral("stories/")) + name; }
-
-    std::unique_ptr<PrivateHome> home;
-    std::unique_ptr<MainWindow> window;
 };
 
 void tst_MainWindowFaultsLinks::linkStaysALink_data()

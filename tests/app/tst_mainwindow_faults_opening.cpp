@@ -1,10 +1,5 @@
-#include "app/faultyfiles.h"
-#include "app/longruns.h"
+#include "app/faultstest.h"
 #include "app/windowsupport.h"
-#include "faults/savedocuments.h"
-#include "support/testsupport.h"
-
-#include <cerrno>
 
 namespace {
 
@@ -29,36 +24,11 @@ std::vector<Fault> noNewFile(bool unnamed, int error)
 } // namespace
 
 /// What becomes of a document that cannot be opened for writing, or not in the usual way.
-class tst_MainWindowFaultsOpening : public QObject
+class tst_MainWindowFaultsOpening : public FaultsTest
 {
     Q_OBJECT
 
-public:
-    static void initMain() { keepFilesInMemory(); }
-
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        home = std::make_unique<PrivateHome>();
-        QVERIFY(QDir().mkpath(path(autosaves)));
-        // What is going to stand in the file is kept already, so that the calls of a save are the file's
-        // alone.
-        QVERIFY(QDir().mkpath(path(kept)));
-        QVERIFY(writeFile(path(kept) + QStringLiteral("/20200101_120000_000_other.scene"), oldBytes));
-        QVERIFY(writeFile(path(kept) + QStringLiteral("/20200101_120000_001_other.scene"), longerBytes()));
-        QVERIFY(writeFile(path(storyName), smallDocument()));
-        window = std::make_unique<MainWindow>();
-        window->loadFrom(path(storyName));
-        QVERIFY(writeFile(path(storyName), oldBytes));
-    }
-    void cleanup()
-    {
-        window.reset();
-        flushDeferredDeletes();
-        home.reset();
-    }
-
     void deniedFolderIsWrittenDirectly_data();
     void deniedFolderIsWrittenDirectly();
     void directWriteThatFailsIsReported_data();
@@ -77,6 +47,19 @@ private slots:
     void newFileOfALongNameThatFailsLeavesNothing();
 
 private:
+    void prepare() override
+    {
+        QVERIFY(QDir().mkpath(path(autosaves)));
+        // What is going to stand in the file is kept already, so that the calls of a save are the file's
+        // alone.
+        QVERIFY(QDir().mkpath(path(kept)));
+        QVERIFY(writeFile(path(kept) + QStringLiteral("/20200101_120000_000_other.scene"), oldBytes));
+        QVERIFY(writeFile(path(kept) + QStringLiteral("/20200101_120000_001_other.scene"), longerBytes()));
+        QVERIFY(writeFile(path(storyName), smallDocument()));
+        makeWindow();
+        window->loadFrom(path(storyName));
+        QVERIFY(writeFile(path(storyName), oldBytes));
+    }
     QString path(const QString &name) const { return home->filePath(QStringLiteral("Documents/")) + name; }
     QStringList files() const
     {
@@ -84,29 +67,14 @@ private:
         names.removeIf([](const QString &name) { return name.startsWith(kept); });
         return names;
     }
-    /// Saves with these faults; each must have been met. Returns the warnings.
-    QStringList save(const std::vector<Fault> &faults, const std::function<void()> &saving)
-    {
-        const Warnings warnings;
-        const FaultyFiles faulty(home->filePath(QStringLiteral("Documents")), faults);
-        saving();
-        for (int i = 0; i < int(faults.size()); ++i) {
-            if (faulty.hits(i) == 0)
-                return {QStringLiteral("Fault %1 was not met").arg(i)};
-        }
-        return warnings.lines();
-    }
     QStringList saveAgain(const std::vector<Fault> &faults)
     {
-        return save(faults, [this] { window->sl_saveFile(); });
+        return warningsOf(path({}), faults, [this] { window->sl_saveFile(); });
     }
     QStringList autosave(const std::vector<Fault> &faults)
     {
-        return save(faults, [this] { window->autosave(); });
+        return warningsOf(path({}), faults, [this] { window->autosave(); });
     }
-
-    std::unique_ptr<PrivateHome> home;
-    std::unique_ptr<MainWindow> window;
 };
 
 void tst_MainWindowFaultsOpening::deniedFolderIsWrittenDirectly_data()
@@ -251,7 +219,7 @@ void tst_MainWindowFaultsOpening::unusablePathIsReported_data()
 void tst_MainWindowFaultsOpening::unusablePathIsReported()
 {
     QFETCH(const QString, name);
-    QCOMPARE(save({}, [&] { window->saveTo(path(name)); }), QStringList{cannotWrite});
+    QCOMPARE(warningsOf(path({}), {}, [&] { window->saveTo(path(name)); }), QStringList{cannotWrite});
     QCOMPARE(files(), QStringList{storyName});
     QCOMPARE(readFile(path(storyName)), oldBytes);
     QVERIFY(QFileInfo(path(autosaves)).isDir());
@@ -275,7 +243,7 @@ void tst_MainWindowFaultsOpening::impossibleNameIsReported()
     QFETCH(const QString, name);
     QFETCH(const QString, warning);
     const QString file = name.isEmpty() ? name : path(name);
-    QCOMPARE(save({}, [&] { window->saveTo(file); }), QStringList{warning});
+    QCOMPARE(warningsOf(path({}), {}, [&] { window->saveTo(file); }), QStringList{warning});
     QCOMPARE(files(), QStringList{storyName});
     QCOMPARE(readFile(path(storyName)), oldBytes);
     QCOMPARE(saveAgain({}), QStringList());
@@ -295,9 +263,9 @@ void tst_MainWindowFaultsOpening::longNameCanBeSavedAgain()
 {
     QFETCH(const int, length);
     const QString name(length, QLatin1Char('x'));
-    QCOMPARE(save({}, [&] { window->saveTo(path(name)); }), QStringList());
+    QCOMPARE(warningsOf(path({}), {}, [&] { window->saveTo(path(name)); }), QStringList());
     QVERIFY(writeFile(path(name), oldBytes));
-    QCOMPARE(save({}, [&] { window->saveTo(path(name)); }), QStringList());
+    QCOMPARE(warningsOf(path({}), {}, [&] { window->saveTo(path(name)); }), QStringList());
     QCOMPARE(readFile(path(name)), smallDocument());
     QCOMPARE(files(), QStringList({storyName, name}));
 }
@@ -306,11 +274,11 @@ void tst_MainWindowFaultsOpening::newFileOfALongNameThatFailsLeavesNothing()
 {
     const QString name(249, QLatin1Char('x'));
     const std::vector<Fault> full{{Call::write, 1}, {Call::write, 2, ENOSPC}, {Call::write, 3, ENOSPC}};
-    QCOMPARE(save(full, [&] { window->saveTo(path(name)); }),
+    QCOMPARE(warningsOf(path({}), full, [&] { window->saveTo(path(name)); }),
              QStringList{QStringLiteral("Couldn't write the scene file: \"%1\" \"No space left on device\"")
                              .arg(path(name))});
     QCOMPARE(files(), QStringList{storyName});
-    QCOMPARE(save({}, [&] { window->saveTo(path(name)); }), QStringList());
+    QCOMPARE(warningsOf(path({}), {}, [&] { window->saveTo(path(name)); }), QStringList());
     QCOMPARE(readFile(path(name)), smallDocument());
 }
 

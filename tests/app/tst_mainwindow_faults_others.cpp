@@ -1,42 +1,18 @@
 #include "app/autosavefolder.h"
-#include "app/faultyfiles.h"
-#include "app/longruns.h"
+#include "app/faultstest.h"
 #include "app/noticestrip.h"
 #include "app/storystage.h"
 #include "app/windowsupport.h"
-#include "faults/savedocuments.h"
-#include "support/testsupport.h"
-
-#include <cerrno>
 
 using Call = FaultyFiles::Call;
 using Fault = FaultyFiles::Fault;
 
 /// What somebody else has put into the file that a save is about to replace.
-class tst_MainWindowFaultsOthers : public QObject
+class tst_MainWindowFaultsOthers : public FaultsTest
 {
     Q_OBJECT
 
-public:
-    static void initMain() { keepFilesInMemory(); }
-
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        home = std::make_unique<PrivateHome>();
-        QVERIFY(QDir().mkpath(folder()));
-        QVERIFY(writeFile(story(), smallDocument()));
-        window = std::make_unique<MainWindow>();
-        window->loadFrom(story());
-    }
-    void cleanup()
-    {
-        window.reset();
-        flushDeferredDeletes();
-        home.reset();
-    }
-
     void fileIsReadOnlyIfSomebodyHasChangedIt_data();
     void fileIsReadOnlyIfSomebodyHasChangedIt();
     void nothingIsKeptIfTheSaveCannotBegin();
@@ -57,6 +33,13 @@ private slots:
     void nameThatWasHeldIsGivenBack();
 
 private:
+    void prepare() override
+    {
+        QVERIFY(QDir().mkpath(folder()));
+        QVERIFY(writeFile(story(), smallDocument()));
+        makeWindow();
+        window->loadFrom(story());
+    }
     QString folder() const { return home->filePath(QStringLiteral("stories")); }
     QString story() const { return folder() + QStringLiteral("/story.scene"); }
     QString kept() const { return home->filePath(QStringLiteral("Documents/Fablegrid/Kept")); }
@@ -74,8 +57,6 @@ private:
 
     const QDateTime second{QDate(2024, 10, 27), QTime(2, 30, 0)};
     const QByteArray others = documentBytes({{}, {}, {}});
-    std::unique_ptr<PrivateHome> home;
-    std::unique_ptr<MainWindow> window;
 };
 
 void tst_MainWindowFaultsOthers::fileIsReadOnlyIfSomebodyHasChangedIt_data()

@@ -1,11 +1,6 @@
-#include "app/faultyfiles.h"
-#include "app/longruns.h"
+#include "app/faultstest.h"
 #include "app/noticestrip.h"
 #include "app/windowsupport.h"
-#include "faults/savedocuments.h"
-#include "support/testsupport.h"
-
-#include <cerrno>
 
 namespace {
 
@@ -20,31 +15,11 @@ Q_DECLARE_METATYPE(std::vector<FaultyFiles::Fault>)
 
 /// A file that cannot be read to its end must cost nothing: neither the tabs, nor the file itself by the next
 /// save.
-class tst_MainWindowFaultsReading : public QObject
+class tst_MainWindowFaultsReading : public FaultsTest
 {
     Q_OBJECT
 
-public:
-    static void initMain() { keepFilesInMemory(); }
-
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        home = std::make_unique<PrivateHome>();
-        QVERIFY(QDir().mkpath(home->filePath(QStringLiteral("stories"))));
-        QVERIFY(writeFile(path(QStringLiteral("former.scene")), smallDocument()));
-        QVERIFY(writeFile(path(QStringLiteral("story.scene")), largeDocument()));
-        window = std::make_unique<MainWindow>();
-        window->loadFrom(path(QStringLiteral("former.scene")));
-    }
-    void cleanup()
-    {
-        window.reset();
-        flushDeferredDeletes();
-        home.reset();
-    }
-
     void failedReadLeavesTabsAndPath_data();
     void failedReadLeavesTabsAndPath();
     void readsThatAreCutShortGoOn();
@@ -57,6 +32,14 @@ private slots:
     void whatCannotBeReadNorPutByIsNotReplaced();
 
 private:
+    void prepare() override
+    {
+        QVERIFY(QDir().mkpath(home->filePath(QStringLiteral("stories"))));
+        QVERIFY(writeFile(path(QStringLiteral("former.scene")), smallDocument()));
+        QVERIFY(writeFile(path(QStringLiteral("story.scene")), largeDocument()));
+        makeWindow();
+        window->loadFrom(path(QStringLiteral("former.scene")));
+    }
     QString path(const QString &name) const { return home->filePath(QStringLiteral("stories/")) + name; }
     /// What the next save writes, and where.
     void compareUntouched()
@@ -69,9 +52,6 @@ private:
         QCOMPARE(readFile(path(QStringLiteral("former.scene"))), smallDocument());
         QCOMPARE(readFile(path(QStringLiteral("story.scene"))), largeDocument());
     }
-
-    std::unique_ptr<PrivateHome> home;
-    std::unique_ptr<MainWindow> window;
 };
 
 void tst_MainWindowFaultsReading::failedReadLeavesTabsAndPath_data()

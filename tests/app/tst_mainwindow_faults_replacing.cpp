@@ -1,11 +1,6 @@
-#include "app/faultyfiles.h"
-#include "app/longruns.h"
+#include "app/faultstest.h"
 #include "app/noticestrip.h"
 #include "app/windowsupport.h"
-#include "faults/savedocuments.h"
-#include "support/testsupport.h"
-
-#include <cerrno>
 
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -97,32 +92,11 @@ QByteArray attributeOf(const QString &path, const char *name)
 } // namespace
 
 /// Where a file may be written and not replaced, and what of the old one stays with the new.
-class tst_MainWindowFaultsReplacing : public QObject
+class tst_MainWindowFaultsReplacing : public FaultsTest
 {
     Q_OBJECT
 
-public:
-    static void initMain() { keepFilesInMemory(); }
-
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        home = std::make_unique<PrivateHome>();
-        QVERIFY(QDir().mkpath(path({})));
-        QVERIFY(writeFile(path(QStringLiteral("prepared")), smallDocument()));
-        window = std::make_unique<MainWindow>();
-        window->loadFrom(path(QStringLiteral("prepared")));
-        QVERIFY(QFile::remove(path(QStringLiteral("prepared"))));
-        QVERIFY(writeFile(story(), "old"));
-    }
-    void cleanup()
-    {
-        window.reset();
-        flushDeferredDeletes();
-        home.reset();
-    }
-
     void fileThatMayNotBeReplacedIsWrittenInPlace_data();
     void fileThatMayNotBeReplacedIsWrittenInPlace();
     void newContentStaysBesideAFileThatCannotBeWrittenEither();
@@ -140,22 +114,21 @@ private slots:
     void ownerStays();
 
 private:
+    void prepare() override
+    {
+        QVERIFY(QDir().mkpath(path({})));
+        QVERIFY(writeFile(path(QStringLiteral("prepared")), smallDocument()));
+        makeWindow();
+        window->loadFrom(path(QStringLiteral("prepared")));
+        QVERIFY(QFile::remove(path(QStringLiteral("prepared"))));
+        QVERIFY(writeFile(story(), "old"));
+    }
     QString path(const QString &name) const { return home->filePath(QStringLiteral("stories/")) + name; }
     QString story() const { return path(QStringLiteral("story.scene")); }
     QStringList save(const std::vector<Fault> &faults)
     {
-        const Warnings warnings;
-        const FaultyFiles faulty(home->filePath(QStringLiteral("stories")), faults);
-        window->saveTo(story());
-        for (int i = 0; i < int(faults.size()); ++i) {
-            if (faulty.hits(i) == 0)
-                return {QStringLiteral("Fault %1 was not met").arg(i)};
-        }
-        return warnings.lines();
+        return warningsOf(path({}), faults, [this] { window->saveTo(story()); });
     }
-
-    std::unique_ptr<PrivateHome> home;
-    std::unique_ptr<MainWindow> window;
 };
 
 void tst_MainWindowFaultsReplacing::fileThatMayNotBeReplacedIsWrittenInPlace_data()

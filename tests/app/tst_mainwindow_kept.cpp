@@ -21,28 +21,11 @@ Q_DECLARE_METATYPE(Leaving)
 Q_DECLARE_METATYPE(Answer)
 
 /// What leaves the window unsaved is kept, whole, and nothing is said of it in the log.
-class tst_MainWindowKept : public QObject
+class tst_MainWindowKept : public WindowTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        home = std::make_unique<PrivateHome>();
-        window = std::make_unique<MainWindow>();
-        window->addNodeGraphTab();
-        QVERIFY(writeFile(path(QStringLiteral("other.scene")), documentBytes({{}, {}})));
-        QVERIFY(writeFile(path(QStringLiteral("no-story.scene")), "no story at all"));
-        QVERIFY(QDir().mkpath(path(QStringLiteral("folder.scene"))));
-    }
-    void cleanup()
-    {
-        window.reset();
-        flushDeferredDeletes();
-        home.reset();
-    }
-
     void unsavedWorkIsKept_data();
     void unsavedWorkIsKept();
     void workIsKeptBeforeAFileThatIsNoStory();
@@ -65,7 +48,14 @@ private slots:
     void keptCopyIsToldOfTheSaveThatFailedOnly();
 
 private:
-    QString path(const QString &name) const { return home->filePath(name); }
+    void prepare() override
+    {
+        makeWindow();
+        window->addNodeGraphTab();
+        QVERIFY(writeFile(path(QStringLiteral("other.scene")), documentBytes({{}, {}})));
+        QVERIFY(writeFile(path(QStringLiteral("no-story.scene")), "no story at all"));
+        QVERIFY(QDir().mkpath(path(QStringLiteral("folder.scene"))));
+    }
     QString kept() const { return path(QStringLiteral("Documents/Fablegrid/Kept")); }
     /// Two tabs, each with an event.
     void write() const
@@ -87,9 +77,6 @@ private:
     QString leave(Leaving leaving) const;
     /// Whether there is one copy, of what write() has written, and why not.
     QString isKeptAs(const QString &ending) const;
-
-    std::unique_ptr<PrivateHome> home;
-    std::unique_ptr<MainWindow> window;
 };
 
 QString tst_MainWindowKept::leave(Leaving leaving) const

@@ -7,24 +7,11 @@
 
 // Documents of more tabs than anybody makes by hand.
 
-class tst_MainWindowManyTabs : public QObject
+class tst_MainWindowManyTabs : public WindowTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        window = std::make_unique<MainWindow>();
-        window->show();
-        QVERIFY(QTest::qWaitForWindowActive(window.get()));
-    }
-    void cleanup()
-    {
-        window.reset();
-        flushDeferredDeletes();
-    }
-
     void emptyTabsBehindAnEventAreKept_data() { addCounts(); }
     void emptyTabsBehindAnEventAreKept();
     void openedTabsAreShownAsFewAre_data() { addCounts(); }
@@ -36,6 +23,7 @@ private slots:
     void closeButtonsKeptBackGoWithTheirTabs();
 
 private:
+    void prepare() override { showWindow(); }
     static void addCounts()
     {
         QTest::addColumn<int>("count");
@@ -55,9 +43,7 @@ private:
     }
     QString file() const { return folder.filePath(QStringLiteral("many.scene")); }
 
-    PrivateHome home;
     QTemporaryDir folder;
-    std::unique_ptr<MainWindow> window;
 };
 
 // Those beyond the hundredth were called damage and left out when no event stood in them, and saving lost

@@ -1,15 +1,11 @@
 #include "app/documentformat.h"
+#include "app/endtest.h"
 #include "app/failingmemory.h"
 #include "app/guardedapplication.h"
 #include "app/memoryspare.h"
 #include "app/noticestrip.h"
-#include "app/windowsupport.h"
-#include "faults/savedocuments.h"
-#include "support/testsupport.h"
 
 #ifdef FABLEGRID_CAN_FAIL_MEMORY
-
-#include <QProcess>
 
 #include <new>
 #include <optional>
@@ -77,26 +73,11 @@ int edit(int &argc, char **argv, const QString &file, const QByteArray &where)
 } // namespace
 
 /// Memory that the system refuses: nothing ends the program, and no half document gets into a file.
-class tst_MainWindowMemory : public QObject
+class tst_MainWindowMemory : public EndTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        home = std::make_unique<PrivateHome>();
-        document = storyOf(QStringLiteral("and then ").repeated(30000));
-        QVERIFY(writeFile(story(), document));
-        window = std::make_unique<MainWindow>();
-    }
-    void cleanup()
-    {
-        window.reset();
-        flushDeferredDeletes();
-        home.reset();
-    }
-
     void saveWithoutMemoryChangesNothing();
     void autosaveWithoutMemoryLeavesNothing();
     void lettingGoWithoutMemoryIsReported();
@@ -104,25 +85,26 @@ private slots:
     void storyThatDoesNotFitIsNotTheDocument();
     void pasteThatDoesNotFitChangesNothing();
     void eventThatCannotBeMadeKeepsItsTexts();
-    void lackOfMemoryInAnEditEndsWithAKeptCopy_data();
-    void lackOfMemoryInAnEditEndsWithAKeptCopy();
-    void longTextIsKeptAsTheMemoryEnds();
-    void longTextIsKeptBeforeNewWithoutMemory();
+    void lackOfMemoryLosesNothing_data();
+    void lackOfMemoryLosesNothing();
     void spareMemoryGrowsWithoutASecondOne();
 
 private:
-    QString story() const { return home->filePath(QStringLiteral("story.scene")); }
-    QStringList copies() const { return filesBelow(home->filePath(QStringLiteral("Documents"))); }
+    void prepare() override
+    {
+        document = storyOf(QStringLiteral("and then ").repeated(30000));
+        QVERIFY(writeFile(story(), document));
+        makeWindow();
+    }
+    QStringList copies() const { return filesBelow(path(QStringLiteral("Documents"))); }
 
-    std::unique_ptr<PrivateHome> home;
-    std::unique_ptr<MainWindow> window;
     QByteArray document;
 };
 
 void tst_MainWindowMemory::saveWithoutMemoryChangesNothing()
 {
     window->loadFrom(story());
-    const QString file = home->filePath(QStringLiteral("copy.scene"));
+    const QString file = path(QStringLiteral("copy.scene"));
     QVERIFY(writeFile(file, documentBytes({})));
     const Warnings warnings;
     {
@@ -135,7 +117,7 @@ void tst_MainWindowMemory::saveWithoutMemoryChangesNothing()
         QStringList{
             QStringLiteral("Couldn't write the scene file: \"%1\" \"Cannot allocate memory\"").arg(file)});
     QCOMPARE(readFile(file), documentBytes({}));
-    QCOMPARE(filesBelow(home->filePath(QString())).filter(QStringLiteral("copy.scene")).size(), 1);
+    QCOMPARE(filesBelow(path(QString())).filter(QStringLiteral("copy.scene")).size(), 1);
     QVERIFY(window->saveTo(file));
     QVERIFY(readFile(file) == document);
 }
@@ -242,69 +224,45 @@ void tst_MainWindowMemory::eventThatCannotBeMadeKeepsItsTexts()
     QCOMPARE(DocumentFormat::bytes({sceneOf(*window, 0)}), before);
 }
 
-void tst_MainWindowMemory::lackOfMemoryInAnEditEndsWithAKeptCopy_data()
+void tst_MainWindowMemory::lackOfMemoryLosesNothing_data()
 {
     QTest::addColumn<QString>("where");
-    QTest::newRow("caught by the application") << QStringLiteral("slot");
-    QTest::newRow("caught by nobody") << QStringLiteral("destructor");
+    QTest::addColumn<int>("words");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("copyEnd");
+    constexpr int few = 30000;
+    // What is held back for the last copy has to be enough for these.
+    constexpr int many = (16 << 20) / 9;
+    const QString end = QStringLiteral("_end.scene");
+    QTest::newRow("caught by the application") << QStringLiteral("slot") << few << EXIT_FAILURE << end;
+    QTest::newRow("caught by nobody") << QStringLiteral("destructor") << few << EXIT_FAILURE << end;
+    QTest::newRow("a long text") << QStringLiteral("limit") << many << EXIT_FAILURE << end;
+    QTest::newRow("a long text before New")
+        << QStringLiteral("new") << many << 0 << QStringLiteral("_new.scene");
 }
 
-void tst_MainWindowMemory::lackOfMemoryInAnEditEndsWithAKeptCopy()
+void tst_MainWindowMemory::lackOfMemoryLosesNothing()
 {
     QFETCH(const QString, where);
-    QProcess process;
-    process.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--edit"), story(), where});
-    QVERIFY(process.waitForFinished(60000));
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), EXIT_FAILURE);
-    QVERIFY(process.readAllStandardError().endsWith("Out of memory, the program ends.\n"));
-    QVERIFY(readFile(story()) == document);
-    QCOMPARE(copies().size(), 1);
-    QVERIFY2(copies().front().endsWith(QStringLiteral("_end.scene")), qPrintable(copies().front()));
-    window->loadFrom(home->filePath(QStringLiteral("Documents/")) + copies().front());
-    const std::vector<Node *> nodes = sceneOf(*window, 0)->nodes();
-    QCOMPARE(nodes.size(), std::size_t(1));
-    QCOMPARE(nodes.front()->pos(), QPointF(7, 8));
-    QVERIFY(nodes.front()->payload()->eventContent()->getDescription() ==
-            QStringLiteral("and then ").repeated(30000));
-}
-
-// What is held back for the last copy has to be enough for this one.
-void tst_MainWindowMemory::longTextIsKeptAsTheMemoryEnds()
-{
-    const QString text = QStringLiteral("and then ").repeated((16 << 20) / 9);
+    QFETCH(const int, words);
+    QFETCH(const int, code);
+    QFETCH(const QString, copyEnd);
+    const QString text = QStringLiteral("and then ").repeated(words);
     QVERIFY(writeFile(story(), storyOf(text)));
     QProcess process;
-    process.start(QCoreApplication::applicationFilePath(),
-                  {QStringLiteral("--edit"), story(), QStringLiteral("limit")});
-    QVERIFY(process.waitForFinished(60000));
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), EXIT_FAILURE);
+    process.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--edit"), story(), where});
+    checkCode(process, code);
+    const QByteArray log = process.readAllStandardError();
+    QVERIFY2(!log.contains("Failed to keep a copy"), log.right(300).constData());
+    QCOMPARE(log.endsWith("Out of memory, the program ends.\n"), code != 0);
+    QVERIFY(readFile(story()) == storyOf(text));
     QCOMPARE(copies().size(), 1);
-    window->loadFrom(home->filePath(QStringLiteral("Documents/")) + copies().front());
+    QVERIFY2(copies().front().endsWith(copyEnd), qPrintable(copies().front()));
+    window->loadFrom(path(QStringLiteral("Documents/")) + copies().front());
     const std::vector<Node *> nodes = sceneOf(*window, 0)->nodes();
     QCOMPARE(nodes.size(), std::size_t(1));
     QCOMPARE(nodes.front()->pos(), QPointF(7, 8));
     QVERIFY(nodes.front()->payload()->eventContent()->getDescription() == text);
-}
-
-// What is held back for the last copy is lent for it.
-void tst_MainWindowMemory::longTextIsKeptBeforeNewWithoutMemory()
-{
-    const QString text = QStringLiteral("and then ").repeated((16 << 20) / 9);
-    QVERIFY(writeFile(story(), storyOf(text)));
-    QProcess process;
-    process.start(QCoreApplication::applicationFilePath(),
-                  {QStringLiteral("--edit"), story(), QStringLiteral("new")});
-    QVERIFY(process.waitForFinished(60000));
-    const QByteArray log = process.readAllStandardError();
-    QVERIFY2(!log.contains("Failed to keep a copy"), log.right(300).constData());
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), 0);
-    QCOMPARE(copies().size(), 1);
-    QVERIFY2(copies().front().endsWith(QStringLiteral("_new.scene")), qPrintable(copies().front()));
-    window->loadFrom(home->filePath(QStringLiteral("Documents/")) + copies().front());
-    QVERIFY(sceneOf(*window, 0)->nodes().front()->payload()->eventContent()->getDescription() == text);
 }
 
 // While both were there the larger one would not fit just when it matters.

@@ -11,27 +11,11 @@
 #include <QToolButton>
 
 /// What the user is told without having asked: at the lower edge of the canvas, one thing at a time.
-class tst_MainWindowNotices : public QObject
+class tst_MainWindowNotices : public WindowTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        home = std::make_unique<PrivateHome>();
-        QVERIFY(QDir().mkpath(path(QStringLiteral("folder.scene"))));
-        window = std::make_unique<MainWindow>();
-        window->show();
-        QVERIFY(QTest::qWaitForWindowActive(window.get()));
-    }
-    void cleanup()
-    {
-        window.reset();
-        flushDeferredDeletes();
-        home.reset();
-    }
-
     void nothingIsThereAtTheStart();
     void saveIsTold_data();
     void saveIsTold();
@@ -62,7 +46,11 @@ private slots:
     void longPathsFitTheWindow();
 
 private:
-    QString path(const QString &name) const { return home->filePath(name); }
+    void prepare() override
+    {
+        QVERIFY(QDir().mkpath(path(QStringLiteral("folder.scene"))));
+        showWindow();
+    }
     NoticeStrip *strip() const
     {
         // Those that wait for their end are hidden.
@@ -90,9 +78,6 @@ private:
         window->autosave();
         QVERIFY(QFile::remove(path(QStringLiteral("Documents"))));
     }
-
-    std::unique_ptr<PrivateHome> home;
-    std::unique_ptr<MainWindow> window;
 };
 
 void tst_MainWindowNotices::nothingIsThereAtTheStart()

@@ -47,23 +47,11 @@ const QByteArray &threeTabs()
 
 } // namespace
 
-class tst_MainWindowOpening : public QObject
+class tst_MainWindowOpening : public HomeTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        folder = std::make_unique<QTemporaryDir>();
-        QVERIFY(folder->isValid());
-    }
-    void cleanup()
-    {
-        flushDeferredDeletes();
-        folder.reset();
-    }
-
     void exampleFileIsWritten();
     void exampleFileIsReadAndWrittenAgain();
     void openAsksForAFile();
@@ -84,10 +72,8 @@ private slots:
     void openTwiceKeepsNothingOfTheFirst();
 
 private:
-    QString path(const QString &name) const { return folder->filePath(name); }
-
-    PrivateHome home;
-    std::unique_ptr<QTemporaryDir> folder;
+    void prepare() override { QVERIFY(QDir().mkpath(path({}))); }
+    QString path(const QString &name) const { return home->filePath(QStringLiteral("stories/")) + name; }
 };
 
 void tst_MainWindowOpening::exampleFileIsWritten()

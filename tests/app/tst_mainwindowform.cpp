@@ -13,9 +13,6 @@
 #include <iterator>
 #include <memory>
 
-// The macro declares a function, so it has to be used outside every namespace and class.
-static void initResources() { Q_INIT_RESOURCE(fablegrid); }
-
 namespace {
 
 const QString windowIconPath = QStringLiteral(":/Logo/Assets/Logo/logo - Square (Fill) - App 1.svg");
@@ -63,15 +60,11 @@ void compareFrame(const QFrame *frame)
 
 } // namespace
 
-class tst_MainWindowForm : public QObject
+class tst_MainWindowForm : public FormTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { initResources(); }
-    void init();
-    void cleanup() { window.reset(); }
-
     void membersStandInOrder();
     void objects_data();
     void objects();
@@ -89,18 +82,7 @@ private slots:
     void dockCanBeMovedButNotClosed();
     void dockContents();
     void filterButton();
-
-private:
-    std::unique_ptr<QMainWindow> window;
-    Ui::MainWindow form;
 };
-
-void tst_MainWindowForm::init()
-{
-    failOnWarningsOfTheForm();
-    window = std::make_unique<QMainWindow>();
-    form.setupUi(window.get());
-}
 
 void tst_MainWindowForm::membersStandInOrder()
 {

@@ -10,9 +10,6 @@
 
 #include <memory>
 
-// The macro declares a function, so it has to be used outside every namespace and class.
-static void initResources() { Q_INIT_RESOURCE(fablegrid); }
-
 namespace {
 
 /// Answers every text of the form with "Alt+" in front, which reads as a text and as a key sequence
@@ -57,15 +54,11 @@ public slots:
 
 } // namespace
 
-class tst_MainWindowForm_Menus : public QObject
+class tst_MainWindowForm_Menus : public FormTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { initResources(); }
-    void init();
-    void cleanup() { window.reset(); }
-
     void menuBar();
     void menuStyleSheets_data();
     void menuStyleSheets();
@@ -80,18 +73,7 @@ private slots:
     void setsUntranslatedTexts();
     void translatesEveryTextButTheLogoTitle();
     void connectsSlotsByName();
-
-private:
-    std::unique_ptr<QMainWindow> window;
-    Ui::MainWindow form;
 };
-
-void tst_MainWindowForm_Menus::init()
-{
-    failOnWarningsOfTheForm();
-    window = std::make_unique<QMainWindow>();
-    form.setupUi(window.get());
-}
 
 void tst_MainWindowForm_Menus::menuBar()
 {

@@ -1,8 +1,4 @@
-#include "app/windowsupport.h"
-#include "faults/savedocuments.h"
-#include "support/testsupport.h"
-
-#include <QProcess>
+#include "app/endtest.h"
 
 #include <array>
 #include <csignal>
@@ -15,8 +11,6 @@
 #include <unistd.h>
 
 namespace {
-
-constexpr int patience = 60000; // milliseconds, for the slowest of machines
 
 /// A pipe that the program is to write its log to.
 class LogPipe
@@ -93,7 +87,7 @@ private:
 
 /// What the program's main function ties together: each case starts the program itself, with an event that is
 /// not saved, and sees what only one of these objects gives.
-class tst_Program : public QObject
+class tst_Program : public EndTest
 {
     Q_OBJECT
 
@@ -104,12 +98,6 @@ private slots:
         for (const int number : {SIGTERM, SIGPIPE, SIGTTOU, SIGXFSZ})
             std::signal(number, SIG_DFL);
     }
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        home = std::make_unique<PrivateHome>();
-    }
-    void cleanup() { home.reset(); }
 
     void signalKeepsTheWork();
     void exitFromWithinKeepsTheWork();
@@ -141,15 +129,7 @@ private:
                                 QStringLiteral("KILL")};
         process.start(bound.front(), bound.mid(1) + through + (through.isEmpty() ? QStringList() : bound) +
                                          QStringList{QStringLiteral(FABLEGRID_PROGRAM)});
-        const bool isReady = QTest::qWaitFor(
-            [&process] { return process.canReadLine() || process.state() == QProcess::NotRunning; },
-            patience);
-        QVERIFY(isReady);
-        QCOMPARE(process.readLine(), QByteArray("ready\n"));
-    }
-    static bool hasEnded(QProcess &process)
-    {
-        return QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, patience);
+        QCOMPARE(line(process), QStringLiteral("ready"));
     }
     void checkEndsByTheSignal(QProcess &process, int copies) const
     {
@@ -159,15 +139,6 @@ private:
         QCOMPARE(process.exitCode(), SIGTERM);
         checkKept(copies);
     }
-    void checkKept(int copies) const
-    {
-        const QStringList files = filesBelow(home->filePath(QStringLiteral("Documents/Fablegrid/Kept")));
-        QCOMPARE(files.size(), copies);
-        for (const QString &file : files)
-            QVERIFY2(file.endsWith(QStringLiteral("_end.scene")), qPrintable(file));
-    }
-
-    std::unique_ptr<PrivateHome> home;
 };
 
 void tst_Program::signalKeepsTheWork()
@@ -183,9 +154,7 @@ void tst_Program::exitFromWithinKeepsTheWork()
 {
     QProcess process;
     start(process, QStringLiteral("exit"));
-    QVERIFY(hasEnded(process));
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), 3);
+    checkCode(process, 3);
     checkKept(1);
 }
 
@@ -193,9 +162,7 @@ void tst_Program::lackOfMemoryKeepsTheWork()
 {
     QProcess process;
     start(process, QStringLiteral("memory"));
-    QVERIFY(hasEnded(process));
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), EXIT_FAILURE);
+    checkCode(process, EXIT_FAILURE);
     QVERIFY(process.readAllStandardError().endsWith("Out of memory, the program ends.\n"));
     checkKept(1);
 }
@@ -205,9 +172,7 @@ void tst_Program::usualEndKeepsNothing()
 {
     QProcess process;
     start(process, QStringLiteral("quit"));
-    QVERIFY(hasEnded(process));
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), 0);
+    checkCode(process, 0);
     checkKept(0);
 }
 
@@ -246,9 +211,7 @@ void tst_Program::endOfTheSessionKeepsTheWorkAndAsksNothing()
 {
     QProcess process;
     start(process, QStringLiteral("session"));
-    QVERIFY(hasEnded(process));
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), 0);
+    checkCode(process, 0);
     checkKept(1);
 }
 

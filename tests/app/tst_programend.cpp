@@ -1,12 +1,8 @@
+#include "app/endtest.h"
 #include "app/failingmemory.h"
 #include "app/programend.h"
 #include "app/steadylog.h"
-#include "app/windowsupport.h"
-#include "faults/savedocuments.h"
-#include "support/testsupport.h"
 
-#include <QDir>
-#include <QProcess>
 #include <QSessionManager>
 
 #include <array>
@@ -24,9 +20,7 @@ extern char **environ;
 
 namespace {
 
-constexpr int endsTime = 60000; // milliseconds, for the slowest of machines
-
-QByteArray story(bool changed)
+QByteArray storyThatIs(bool changed)
 {
     std::vector<Record> records = chainOfRecords(10000, 20);
     if (changed)
@@ -114,19 +108,11 @@ int forgetALine()
 } // namespace
 
 /// How the program is ended from outside, and what does not end it. Each case is a process of its own.
-class tst_ProgramEnd : public QObject
+class tst_ProgramEnd : public EndTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        failOnWarningsOfTheProgram();
-        home = std::make_unique<PrivateHome>();
-        QVERIFY(writeFile(path(QStringLiteral("story.scene")), story(false)));
-    }
-    void cleanup() { home.reset(); }
-
     void signalKeepsTheWorkAndEnds_data();
     void signalKeepsTheWorkAndEnds();
     void twoSignalsInARowAreOneRequest();
@@ -144,29 +130,13 @@ private slots:
     void fileThatMayNotGrowEndsNothing();
 
 private:
-    QString path(const QString &name) const { return home->filePath(name); }
-    QString kept() const { return path(QStringLiteral("Documents/Fablegrid/Kept")); }
-    static QString line(QProcess &process)
-    {
-        return QTest::qWaitFor([&process] { return process.canReadLine(); }, endsTime)
-                   ? QString::fromLatin1(process.readLine()).trimmed()
-                   : QStringLiteral("nothing");
-    }
-    void start(QProcess &process, const QString &what) const
-    {
-        process.setStandardErrorFile(QProcess::nullDevice());
-        process.start(QCoreApplication::applicationFilePath(), {what, path(QStringLiteral("story.scene"))});
-        QCOMPARE(line(process), QStringLiteral("ready"));
-    }
+    void prepare() override { QVERIFY(writeFile(story(), storyThatIs(false))); }
+    void start(QProcess &process, const QString &what) const { startAgain(process, {what, story()}); }
     static void send(const QProcess &process, int number)
     {
         // 0 would be everybody.
         if (const qint64 id = process.processId(); id > 0)
             ::kill(pid_t(id), number);
-    }
-    static bool hasEnded(QProcess &process)
-    {
-        return QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, endsTime);
     }
     /// The signal that has ended it, 0 for none.
     static int endOf(QProcess &process)
@@ -184,8 +154,6 @@ private:
     /// Starts a process that talks into a pipe, whose end for reading is returned, and then makes that file.
     int startTalking(pid_t &process, QByteArray what) const;
     QString sign() const { return path(QStringLiteral("sign")); }
-
-    std::unique_ptr<PrivateHome> home;
 };
 
 void tst_ProgramEnd::signalKeepsTheWorkAndEnds_data()
@@ -200,11 +168,8 @@ void tst_ProgramEnd::signalKeepsTheWorkAndEnds()
 {
     QFETCH(const int, number);
     QCOMPARE(endBy({number}, QStringLiteral("--edit")), number);
-    const QStringList files = filesBelow(kept());
-    QCOMPARE(files.size(), 1);
-    QVERIFY2(files.front().endsWith(QStringLiteral("_end.scene")), qPrintable(files.front()));
-    QVERIFY(readFile(kept() + QLatin1Char('/') + files.front()) == story(true));
-    QVERIFY(readFile(path(QStringLiteral("story.scene"))) == story(false));
+    checkKept(1, storyThatIs(true));
+    QVERIFY(readFile(story()) == storyThatIs(false));
 }
 
 void tst_ProgramEnd::twoSignalsInARowAreOneRequest()
@@ -240,11 +205,11 @@ void tst_ProgramEnd::endOfTheSessionKeepsTheWorkAndAsksNothing_data()
 void tst_ProgramEnd::endOfTheSessionKeepsTheWorkAndAsksNothing()
 {
     QFETCH(const int, questions);
-    MainWindow window;
-    window.addNodeGraphTab();
-    window.show();
-    addEvent(sceneOf(window, 0), QStringLiteral("Dawn"));
-    const ProgramEnd end([&window] { window.keepForTheEnd(); });
+    makeWindow();
+    window->addNodeGraphTab();
+    window->show();
+    addEvent(sceneOf(*window, 0), QStringLiteral("Dawn"));
+    const ProgramEnd end([this] { window->keepForTheEnd(); });
     const auto endSession = [] {
         // Nobody but the application can make a session manager, and nobody looks at this one.
         QObject manager;
@@ -267,15 +232,13 @@ void tst_ProgramEnd::endOfTheSessionKeepsTheWorkAndAsksNothing()
             question->close();
     });
     looking.start(5);
-    QTimer::singleShot(0, &window, [&] { questions > 0 ? window.closeTab(1) : endSession(); });
+    QTimer::singleShot(0, window.get(), [&] { questions > 0 ? window->closeTab(1) : endSession(); });
     QCOMPARE(QApplication::exec(), 0);
     looking.stop();
     QCOMPARE(asked, questions);
-    QVERIFY(window.isVisible());
-    QCOMPARE(tabsOf(window)->count(), 2);
-    const QStringList files = filesBelow(kept());
-    QCOMPARE(files.size(), 1);
-    QVERIFY2(files.front().endsWith(QStringLiteral("_end.scene")), qPrintable(files.front()));
+    QVERIFY(window->isVisible());
+    QCOMPARE(tabsOf(*window)->count(), 2);
+    checkKept(1);
 }
 
 int tst_ProgramEnd::startTalking(pid_t &process, QByteArray what) const
@@ -322,7 +285,7 @@ void tst_ProgramEnd::logThatNobodyReadsHaltsNothing()
     QFETCH(const bool, allIsKept);
     pid_t process = 0;
     const int unread = startTalking(process, what);
-    const bool isSaved = QTest::qWaitFor([this] { return QFile::exists(sign()); }, endsTime);
+    const bool isSaved = QTest::qWaitFor([this] { return QFile::exists(sign()); }, patience);
     FILE *log = fdopen(unread, "r");
     std::vector<char> buffer(10000);
     int lines = 0;
@@ -356,12 +319,9 @@ void tst_ProgramEnd::logThatNobodyReadsHaltsNothing()
 void tst_ProgramEnd::fileThatMayNotGrowEndsNothing()
 {
     QProcess process;
-    process.start(QCoreApplication::applicationFilePath(),
-                  {QStringLiteral("--limited"), path(QStringLiteral("story.scene"))});
-    QVERIFY(hasEnded(process));
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), 0);
-    QVERIFY(readFile(path(QStringLiteral("story.scene"))) == story(false));
+    process.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--limited"), story()});
+    checkCode(process, 0);
+    QVERIFY(readFile(story()) == storyThatIs(false));
 }
 
 void tst_ProgramEnd::lineWithoutMemoryIsTheOnlyOneLost()
@@ -388,7 +348,7 @@ void tst_ProgramEnd::signalLetsTheLogBeRead()
         if (qstrncmp(buffer.data(), "Line ", 5) != 0 || lines++ > 0)
             continue;
         ::kill(process, SIGTERM); // by now it listens to signals
-        QVERIFY(QTest::qWaitFor([this] { return QFile::exists(sign()); }, endsTime));
+        QVERIFY(QTest::qWaitFor([this] { return QFile::exists(sign()); }, patience));
     }
     std::fclose(log);
     int status = -1;
@@ -403,7 +363,7 @@ void tst_ProgramEnd::slowReaderDelaysTheEndOnceOnly()
 {
     pid_t process = 0;
     const int unread = startTalking(process, "--shout");
-    QVERIFY(QTest::qWaitFor([this] { return QFile::exists(sign()); }, endsTime));
+    QVERIFY(QTest::qWaitFor([this] { return QFile::exists(sign()); }, patience));
     std::array<char, 4096> some{};
     qint64 taken = 0;
     int status = -1;

@@ -8,7 +8,7 @@
 
 // The icon of the questions as it is shown where the desktop has none. Run at several device pixel ratios.
 
-class tst_QuestionIcon : public QObject
+class tst_QuestionIcon : public ProgramTest
 {
     Q_OBJECT
 
@@ -18,8 +18,6 @@ private slots:
         QApplication::setStyle(QStringLiteral("Fusion"));
         dressApplication();
     }
-    void init() { failOnWarningsOfTheProgram(); }
-    void cleanup() { flushDeferredDeletes(); }
 
     void hasAsManyPixelsAsTheScreenShows();
     void desktopsOwnIconGoesFirst();

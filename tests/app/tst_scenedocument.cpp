@@ -2,13 +2,11 @@
 
 // Whatever can go wrong with files is tried through the window; here is what the document itself answers for.
 
-class tst_SceneDocument : public QObject
+class tst_SceneDocument : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarningsOfTheProgram(); }
-
     void noTabsAreFourBytes();
     void whatIsSavedIsOpened();
     void openedFileBecomesTheDocument();

@@ -2,13 +2,11 @@
 
 using namespace Qt::StringLiterals;
 
-class tst_StoryTabs : public QObject
+class tst_StoryTabs : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarningsOfTheProgram(); }
-
     void tabsAreNumberedByHowManyThereAre();
     void viewsKeepTheOrderOfTheirCreation();
     void closedTabIsTakenAwayByItsView();

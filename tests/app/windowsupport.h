@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/mainwindow.h"
+#include "app/programtest.h"
 #include "items/eventdata.h"
 #include "items/node.h"
 #include "items/nodedata.h"
@@ -23,7 +24,6 @@
 #include <QRegularExpression>
 #include <QTabBar>
 #include <QTabWidget>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -41,51 +41,8 @@
 #include <unistd.h>
 #endif
 
-// What the tests of the main window share: a home folder of their own, answers to modal dialogs, bytes of a
-// document, and short ways to its parts.
-
-/// A home folder that lasts as long as this object, so that no test reads or writes the user's own files.
-class PrivateHome
-{
-public:
-    PrivateHome()
-    {
-        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-        for (const auto &[name, folder] :
-             {std::pair("HOME", ""), std::pair("XDG_CONFIG_HOME", "/config"),
-              std::pair("XDG_DATA_HOME", "/data"), std::pair("XDG_CACHE_HOME", "/cache")}) {
-            former.emplace_back(name, qgetenv(name));
-            qputenv(name, (dir.path() + QLatin1String(folder)).toLocal8Bit());
-        }
-    }
-    ~PrivateHome()
-    {
-        for (const auto &[name, value] : former) {
-            if (value.isNull())
-                qunsetenv(name);
-            else
-                qputenv(name, value);
-        }
-    }
-    PrivateHome(const PrivateHome &) = delete;
-    PrivateHome &operator=(const PrivateHome &) = delete;
-
-    QString filePath(const QString &name) const { return dir.filePath(name); }
-
-private:
-    QTemporaryDir dir;
-    std::vector<std::pair<const char *, QByteArray>> former;
-};
-
-/// What the offscreen platform says of itself whenever a dialog comes up.
-inline const QString platformLine = QStringLiteral("This plugin does not support propagateSizeHints()");
-
-/// As failOnWarnings(), except for the platform's own line.
-inline void failOnWarningsOfTheProgram()
-{
-    QTest::failOnWarning(
-        QRegularExpression(QStringLiteral("^(?!%1$)").arg(QRegularExpression::escape(platformLine))));
-}
+// What the tests of the main window share: answers to modal dialogs, bytes of a document, and short ways to
+// its parts.
 
 /// The captured lines without the platform's own.
 inline QStringList programLines(const LogCapture &log)

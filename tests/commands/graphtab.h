@@ -7,18 +7,14 @@
 #include "items/socket.h"
 #include "items/stlineedit.h"
 #include "items/stnodename.h"
-#include "scene/nodegraphscene.h"
+#include "scene/scenetab.h"
 #include "support/testsupport.h"
-
-#include <QUndoStack>
 
 #include <algorithm>
 
-/// A scene whose commands run on an undo stack, as in a tab.
-struct GraphTab
+/// A SceneTab with short ways to its events.
+struct GraphTab : SceneTab
 {
-    GraphTab() { pushCommandsOn(scene, stack); }
-
     Node *node(int index) const { return scene.findNodeByIndex(index); }
 
     /// Adds an event with the add command, behind `upstream`.
@@ -28,9 +24,6 @@ struct GraphTab
         scene.sl_addEventNode();
         return scene.nodes().back();
     }
-
-    NodegraphScene scene;
-    QUndoStack stack; // goes first
 };
 
 /// What the keyboard does: the texts change in the items themselves.
@@ -40,14 +33,6 @@ inline void typeDescription(const Node *node, const QString &text)
     node->payload()->eventContent()->descriptionItem()->setPlainText(text);
 }
 inline QString descriptionOf(const Node *node) { return node->payload()->eventContent()->getDescription(); }
-
-inline QList<int> indicesOf(const std::vector<Node *> &nodes)
-{
-    QList<int> indices;
-    for (const Node *node : nodes)
-        indices << node->getIndex();
-    return indices;
-}
 
 inline QList<int> sortedIndices(const NodegraphScene &scene)
 {

@@ -4,13 +4,11 @@
 
 #include <QSignalSpy>
 
-class tst_AddNodeCommand : public QObject
+class tst_AddNodeCommand : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
     void isNamedForTheUndoMenu();
     void changesNothingBeforeItRuns();
     void makesTheNodeThatItWasToldOf_data();

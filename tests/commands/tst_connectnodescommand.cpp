@@ -16,13 +16,11 @@ void addThreeLoose(GraphTab &tab)
 
 } // namespace
 
-class tst_ConnectNodesCommand : public QObject
+class tst_ConnectNodesCommand : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
     void isNamedForTheUndoMenu();
     void changesNothingBeforeItRuns();
     void connectsAndDisconnectsAgainAndAgain();

@@ -60,17 +60,16 @@ const QStringList forkConnections{"1 from 0", "2 from 1", "3 from 1"};
 
 } // namespace
 
-class tst_DelNodeCommand : public QObject
+class tst_DelNodeCommand : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
     void isNamedForTheUndoMenu();
     void changesNothingBeforeItRuns();
     void deletesTheNodeAndItsConnections();
     void redoDoesNothingWhenTheNodeIsGone();
+    void nodeThatIsNotThereIsNotDeleted();
     void undoBringsEverythingBackTwice();
     void whoHearsOfTheIndexFindsTheDescription();
     void undoIgnoresWhichNodeIsCurrent_data();
@@ -142,6 +141,16 @@ void tst_DelNodeCommand::redoDoesNothingWhenTheNodeIsGone()
     QCOMPARE(sortedIndices(tab.scene), (QList<int>{0, 2, 3}));
     QCOMPARE(log.lines(), QStringList());
     QCOMPARE(stories.count(), 0);
+}
+
+void tst_DelNodeCommand::nodeThatIsNotThereIsNotDeleted()
+{
+    GraphTab tab;
+    addFork(tab);
+    const NodeData data(0, nullptr);
+    tab.stack.push(new DelNodeCommand(&tab.scene, QPointF(), 99, &data, QStringLiteral("Nobody")));
+    QCOMPARE(indicesOf(tab.scene.nodes()), (QList<int>{0, 1, 2, 3}));
+    QCOMPARE(tab.scene.endOfStoryNode(), tab.node(3));
 }
 
 void tst_DelNodeCommand::undoBringsEverythingBackTwice()

@@ -4,13 +4,11 @@
 
 #include <QSignalSpy>
 
-class tst_DisconnectNodeCommand : public QObject
+class tst_DisconnectNodeCommand : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
     void isNamedForTheUndoMenu();
     void changesNothingBeforeItRuns();
     void disconnectsAndConnectsAgainAndAgain();

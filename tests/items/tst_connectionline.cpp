@@ -38,14 +38,11 @@ const QColor lineColor("#D9D9D9");
 
 } // namespace
 
-class tst_ConnectionLine : public QObject
+class tst_ConnectionLine : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void metaObjectListsTheMethodsInOrder();
     void liesAtTheOriginBelowTheNodes();
     void strokeIsGreyAndFiveWide();

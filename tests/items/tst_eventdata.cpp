@@ -42,14 +42,11 @@ void load(EventData &event, const QByteArray &bytes)
 
 } // namespace
 
-class tst_EventData : public QObject
+class tst_EventData : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void metaObjectListsTheMethodsInOrder();
     void startsWithThePlaceholder();
     void outlineIsTheDescriptionsGrownByTen_data();

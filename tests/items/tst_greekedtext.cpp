@@ -45,13 +45,11 @@ int lengthOf(const QImage &image, int line)
 
 } // namespace
 
-class tst_GreekedText : public QObject
+class tst_GreekedText : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void everyLineHasItsBar();
     void linesAreBrokenAtWords();
     void longWordGoesOverManyLines();

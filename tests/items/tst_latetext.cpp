@@ -6,13 +6,11 @@
 
 using namespace Qt::StringLiterals;
 
-class tst_LateText : public QObject
+class tst_LateText : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void nothingIsKeptAtFirst();
     void keptTextAndPlaceAreToldUntilTheTextIsTaken();
     void textIsKeptAsItIs_data();

@@ -53,14 +53,11 @@ struct LateDescription
 
 } // namespace
 
-class tst_LateTexts : public QObject
+class tst_LateTexts : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void sizeAndTextAreThoseOfAMadeText_data();
     void sizeAndTextAreThoseOfAMadeText();
     void sizeOfRandomTexts();

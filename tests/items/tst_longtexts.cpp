@@ -68,14 +68,11 @@ struct LongNode
 
 } // namespace
 
-class tst_LongTexts : public QObject
+class tst_LongTexts : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void shownIsTheBeginning_data();
     void shownIsTheBeginning();
     void descriptionIsWholeForWhoeverEditsIt_data() { addTexts(60000); }

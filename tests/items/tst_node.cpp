@@ -1,13 +1,11 @@
 #include "items/nodereports.h"
 
-class tst_Node : public QObject
+class tst_Node : public TestCase
 {
     Q_OBJECT
 
 private slots:
     void initTestCase() { qRegisterMetaType<Node *>(); }
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
 
     void metaObjectListsTheMethodsInOrder();
     void freshEventIsUnconnectedAndUnmarked();

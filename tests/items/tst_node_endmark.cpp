@@ -35,6 +35,7 @@ private slots:
     void onlyTheEndHasAMark();
     void markIsSeenFromFarAway_data();
     void markIsSeenFromFarAway();
+    void markTakesAQuarterOfTheBodyAtMost();
     void markCoversNothing();
 
 private:
@@ -56,12 +57,13 @@ private:
         node->setSelected(selected);
     }
     /// The node as it is painted at that scale, on nothing.
-    QImage picture(double scale = 1) const
+    QImage picture(double scale = 1, bool smooth = false) const
     {
         const QRectF area = node->sceneBoundingRect();
         QImage image((area.size() * scale).toSize(), QImage::Format_ARGB32);
         image.fill(Qt::transparent);
         QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing, smooth);
         scene->render(&painter, QRectF(QPointF(), QSizeF(image.size())), area);
         return image;
     }
@@ -143,6 +145,26 @@ void tst_Node_EndMark::markIsSeenFromFarAway()
     for (int i = 0; i < qMin(5, int(column.size())); ++i)
         marked += contrast(column.at(i), before.at(i)) >= discernible ? 1 : 0;
     QVERIFY2(marked >= 1, qPrintable(QString::number(marked)));
+}
+
+// Which is so little there that only what the edges of the mark mix in tells how high it is.
+void tst_Node_EndMark::markTakesAQuarterOfTheBodyAtMost()
+{
+    node->setImportant(true);
+    const QList<QGraphicsItem *> children = node->childItems();
+    for (QGraphicsItem *child : children)
+        child->hide();
+    constexpr double scale = 0.04;
+    const QList<QColor> before = columnOf(picture(scale, true));
+    node->setIsEndOfStory(true);
+    const QList<QColor> column = columnOf(picture(scale, true));
+    const QColor mark = columnOf(picture()).at(5);
+    double covered = 0;
+    for (int i = 0; i < column.size(); ++i)
+        covered +=
+            (before.at(i).greenF() - column.at(i).greenF()) / (node->bodyColor().greenF() - mark.greenF());
+    const double part = covered / (node->boundingRect().height() * scale);
+    QVERIFY2(part > 0.23 && part < 0.27, qPrintable(QString::number(part)));
 }
 
 void tst_Node_EndMark::markCoversNothing()

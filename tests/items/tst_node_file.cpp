@@ -1,13 +1,11 @@
 #include "items/nodereports.h"
 
-class tst_Node_File : public QObject
+class tst_Node_File : public TestCase
 {
     Q_OBJECT
 
 private slots:
     void initTestCase() { qRegisterMetaType<Node *>(); }
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
 
     void savesItsRecord_data();
     void savesItsRecord();

@@ -88,14 +88,11 @@ void loadDescription(Node *node, const QString &text)
 
 } // namespace
 
-class tst_Node_Layout : public QObject
+class tst_Node_Layout : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void freshEventFitsItsPayload();
     void partsLieAboveOneAnother();
     void headerCoversTheTopWithRoundedCorners();

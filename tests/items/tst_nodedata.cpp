@@ -36,14 +36,11 @@ void load(NodeData &data, const QString &text)
 
 } // namespace
 
-class tst_NodeData : public QObject
+class tst_NodeData : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void metaObjectListsTheMethodsInOrder();
     void eventHoldsEventDataAsItsChild();
     void otherTypesHaveNoContent();

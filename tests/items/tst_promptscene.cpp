@@ -21,14 +21,11 @@ protected:
 
 } // namespace
 
-class tst_PromptScene : public QObject
+class tst_PromptScene : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void newItemsArePolishedAtOnceAndOnce();
     void changesWaitForTheEventLoop();
     void ourScenesAreStillTheFrameworksOwn();

@@ -40,14 +40,11 @@ struct SignalLog
 
 } // namespace
 
-class tst_Socket : public QObject
+class tst_Socket : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void metaObjectListsTheSignalsInOrder();
     void startsUnconnected();
     void acceptsHoverAndDrops();

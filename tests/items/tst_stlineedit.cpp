@@ -74,14 +74,11 @@ using Edit = std::function<void(TextDesk &)>;
 
 Q_DECLARE_METATYPE(Edit)
 
-class tst_STLineEdit : public QObject
+class tst_STLineEdit : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void hasNoMethodsOfItsOwn();
     void isATextToEditInPlace();
     void freshTextIsThePlaceholderInTheColourOfText();

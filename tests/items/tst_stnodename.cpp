@@ -54,14 +54,11 @@ QString shownIn200(const QString &text, const STNodeName &title)
 
 } // namespace
 
-class tst_STNodeName : public QObject
+class tst_STNodeName : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void hasNoMethodsOfItsOwn();
     void isABoldLightTextToEditInPlace();
     void paintsItsTextLight();

@@ -48,14 +48,11 @@ const QString plain = QStringLiteral("loud rain");
 
 } // namespace
 
-class tst_TextEditing : public QObject
+class tst_TextEditing : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void pastedTextIsPlain_data() { kinds(); }
     void pastedTextIsPlain();
     void droppedTextIsPlain_data() { kinds(); }

@@ -56,14 +56,11 @@ struct TitleHand : ShownScene
 
 } // namespace
 
-class tst_TitleClicks : public QObject
+class tst_TitleClicks : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void shakingHandSelectsAll_data();
     void shakingHandSelectsAll();
     void dragSelectsFromThePress_data();

@@ -46,14 +46,11 @@ struct TitleStage : ShownScene
 } // namespace
 
 /// What a title stands on, and where it is when there is none.
-class tst_TitleGround : public QObject
+class tst_TitleGround : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void editedTitleIsReadable_data();
     void editedTitleIsReadable();
     void groundIsPaintedOnlyWhileEditing();

@@ -1,13 +1,10 @@
 #include "overviewer/panelstory.h"
 
-class tst_OverviewerScene : public QObject
+class tst_OverviewerScene : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void hasExactlyItsMethods();
     void startsEmpty();
     void emptyStoryLeavesThePanelEmpty();

@@ -1,13 +1,10 @@
 #include "overviewer/panelstory.h"
 
-class tst_OverViewerScene_Changes : public QObject
+class tst_OverViewerScene_Changes : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void filterShowsImportantEventsOnly();
     void filterWithoutImportantEventsEmptiesThePanel();
     void filterStaysOnForTheNextStory();

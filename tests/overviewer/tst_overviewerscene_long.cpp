@@ -111,14 +111,11 @@ QStringList shown(const LongStory &story)
 
 } // namespace
 
-class tst_OverviewerSceneLong : public QObject
+class tst_OverviewerSceneLong : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void firstScreenfulIsMadeAtOnce();
     void placesAndSizesAreThoseOfMadeEntries();
     void textsAreThoseOfTheRebuild();

@@ -50,14 +50,11 @@ QImage shown(QGraphicsScene &scene)
 
 } // namespace
 
-class tst_OvNode : public QObject
+class tst_OvNode : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void hasExactlyItsMethods();
     void copiesTheNode();
     void keepsWhatItCopied();

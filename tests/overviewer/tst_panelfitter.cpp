@@ -63,14 +63,11 @@ struct Panel
 
 } // namespace
 
-class tst_PanelFitter : public QObject
+class tst_PanelFitter : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void addsNoMethodsOfItsOwn();
     void shortStoryIsShownAtItsOwnSize();
     void longStoryScrollsVerticallyOnly();

@@ -49,13 +49,11 @@ QByteArray chain(int events)
 
 } // namespace
 
-class tst_PanelKeys : public QObject
+class tst_PanelKeys : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarningsOfTheProgram(); }
-
     void tabComesAndGoes_data();
     void tabComesAndGoes();
     void tabLeavesTheCanvas_data() { tabComesAndGoes_data(); }

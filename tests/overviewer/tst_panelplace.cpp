@@ -40,13 +40,11 @@ bool isAtTheEnd(const PanelWindow &w)
 
 } // namespace
 
-class tst_PanelPlace : public QObject
+class tst_PanelPlace : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarningsOfTheProgram(); }
-
     void topEntryStays_data() { addPanelCommandRows(); }
     void topEntryStays();
     void shorterListShowsWhatItCan();

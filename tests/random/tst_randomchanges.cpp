@@ -10,14 +10,11 @@
 
 // What a step may change, where its decisions come from, and what becomes of a document that is opened.
 
-class tst_RandomChanges : public QObject
+class tst_RandomChanges : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarningsOfTheProgram(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void changesThatNoStepExplainsAreFound_data();
     void changesThatNoStepExplainsAreFound();
     void eventThatIsThrownIsFound();

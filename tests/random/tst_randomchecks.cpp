@@ -14,13 +14,11 @@
 using Tampering = std::function<void(NodegraphScene &)>;
 Q_DECLARE_METATYPE(Tampering)
 
-class tst_RandomChecks : public QObject
+class tst_RandomChecks : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarningsOfTheProgram(); }
-    void cleanup() { flushDeferredDeletes(); }
     void aSoundWindowHasNoFault();
     void damageToASceneIsFound_data();
     void damageToASceneIsFound();

@@ -22,13 +22,11 @@ quint32 setting(const char *name, quint32 otherwise)
 /// FABLEGRID_RANDOM_SEED, the first seed, from which the others count up;
 /// FABLEGRID_RANDOM_RECORD, a folder for the decisions of each as bytes, which the fuzz target of the edits
 /// takes.
-class tst_RandomEdits : public QObject
+class tst_RandomEdits : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarningsOfTheProgram(); }
-    void cleanup() { flushDeferredDeletes(); }
     void everythingAgreesAfterEveryStep();
 };
 

@@ -28,13 +28,11 @@ QGraphicsView *panelOf(const MainWindow &window) { return window.overviewerScene
 
 } // namespace
 
-class tst_ScreenWatch : public QObject
+class tst_ScreenWatch : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarningsOfTheProgram(); }
-    void cleanup() { flushDeferredDeletes(); }
     void differencesAreCountedAndPlaced();
     void whatIsShownHasNoFault_data();
     void whatIsShownHasNoFault();

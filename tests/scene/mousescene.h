@@ -1,5 +1,6 @@
 #pragma once
 
+#include "scene/scenetab.h"
 #include "scene/shownscene.h"
 #include "support/testsupport.h"
 
@@ -8,13 +9,9 @@
 
 // What the tests of mouse and rubber band share.
 
-struct Canvas
+struct Canvas : SceneTab
 {
-    NodegraphScene scene;
-    QUndoStack stack;
     SceneMouse mouse{scene};
-
-    Canvas() { pushCommandsOn(scene, stack); }
 };
 
 /// The middle of a line's stroke lies on it whatever its shape.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "items/node.h"
 #include "scene/nodegraphscene.h"
 #include "support/testsupport.h"
 
@@ -18,10 +19,10 @@ struct SceneTab
     SceneTab() { pushCommandsOn(scene, stack); }
 };
 
-inline std::vector<int> indicesOf(const Nodes &nodes)
+inline QList<int> indicesOf(const Nodes &nodes)
 {
-    std::vector<int> indices;
+    QList<int> indices;
     for (const Node *node : nodes)
-        indices.push_back(node->getIndex());
+        indices << node->getIndex();
     return indices;
 }

@@ -28,13 +28,11 @@ void fill(GraphTab &tab, std::mt19937 &random)
 
 } // namespace
 
-class tst_ClearingLog : public QObject
+class tst_ClearingLog : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
     void isThatOfClearing_data();
     void isThatOfClearing();
 };

@@ -3,8 +3,6 @@
 #include "scene/clipboardsteps.h"
 #include "scene/massremoval.h"
 
-using Nodes = std::vector<Node *>;
-
 namespace {
 
 /// A tab, and a clipboard that is not its scene's own.
@@ -24,14 +22,11 @@ struct Board : ClipboardTab
 
 } // namespace
 
-class tst_Clipboard : public QObject
+class tst_Clipboard : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void theCurrentEventIsCopied();
     void elseTheSelectionIsCopied();
     void aCopyReplacesTheLastOne();

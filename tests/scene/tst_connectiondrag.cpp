@@ -32,14 +32,11 @@ constexpr QPointF further(1600, 900);
 
 } // namespace
 
-class tst_ConnectionDrag : public QObject
+class tst_ConnectionDrag : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void aPressedOutputBeginsALine();
     void aPressedInputBeginsALine();
     void aPressedInputIsTornOff();

@@ -37,14 +37,11 @@ constexpr QPointF somewhere(3000, 2000);
 
 } // namespace
 
-class tst_Connector : public QObject
+class tst_Connector : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void joinedNodesKnowEachOther();
     void joinedSocketsKnowEachOther();
     void aLineIsDrawnBetweenThem();

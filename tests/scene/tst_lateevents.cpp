@@ -155,14 +155,11 @@ QStringList itemsOf(const Node *node)
 
 Q_DECLARE_METATYPE(Work)
 
-class tst_LateEvents : public QObject
+class tst_LateEvents : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void workThatNeedsNoItemsMakesNone_data();
     void workThatNeedsNoItemsMakesNone();
     void whatIsSeenOrTouchedIsMade_data();

@@ -49,13 +49,11 @@ struct House
 
 } // namespace
 
-class tst_MassRemoval : public QObject
+class tst_MassRemoval : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void whoeverComesIsOnTheCanvas();
     void oneAloneLeavesAtOnce();
     void togetherTheyLeaveAtTheEndAndTheLastComerFirst();

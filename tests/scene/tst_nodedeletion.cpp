@@ -35,7 +35,7 @@ struct Yard
         }
     }
 
-    std::vector<int> left() const { return indicesOf(scene.nodes()); }
+    QList<int> left() const { return indicesOf(scene.nodes()); }
 
     void select(const QRectF &band)
     {
@@ -50,14 +50,11 @@ constexpr QRectF aroundTheFirstTwo(-20, 20, 480, 100);
 
 } // namespace
 
-class tst_NodeDeletion : public QObject
+class tst_NodeDeletion : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void deletesTheOneThatIsNamed();
     void deletesTheCurrentOneElse();
     void withoutAnyNothingHappens();
@@ -73,7 +70,7 @@ void tst_NodeDeletion::deletesTheOneThatIsNamed()
     Yard yard;
     yard.scene.sl_selectCurrentNode(yard.nodes[0]);
     yard.deletion.deleteSelected(yard.nodes[3]);
-    QCOMPARE(yard.left(), (std::vector<int>{0, 1, 2}));
+    QCOMPARE(yard.left(), (QList<int>{0, 1, 2}));
     QCOMPARE(yard.scene.currentNode(), yard.nodes[0]);
 }
 
@@ -83,7 +80,7 @@ void tst_NodeDeletion::deletesTheCurrentOneElse()
     yard.scene.sl_selectCurrentNode(yard.nodes[1]);
     const LogCapture log;
     yard.deletion.deleteSelected(nullptr);
-    QCOMPARE(yard.left(), (std::vector<int>{0, 2, 3}));
+    QCOMPARE(yard.left(), (QList<int>{0, 2, 3}));
     QCOMPARE(yard.scene.currentNode(), nullptr);
     QCOMPARE(log.lines().first(), u"Del"_s);
     QCOMPARE(log.count(u"Del"_s), 1);
@@ -94,7 +91,7 @@ void tst_NodeDeletion::withoutAnyNothingHappens()
     Yard yard;
     const LogCapture log;
     yard.deletion.deleteSelected(nullptr);
-    QCOMPARE(yard.left(), (std::vector<int>{0, 1, 2, 3}));
+    QCOMPARE(yard.left(), (QList<int>{0, 1, 2, 3}));
     QVERIFY(log.lines().isEmpty());
 }
 
@@ -102,18 +99,18 @@ void tst_NodeDeletion::theSelectionGoesInstead()
 {
     Yard yard;
     yard.select(aroundTheFirstTwo);
-    QCOMPARE(indicesOf(yard.scene.selectedNodes()), (std::vector<int>{1, 0}));
+    QCOMPARE(indicesOf(yard.scene.selectedNodes()), (QList<int>{1, 0}));
     yard.scene.sl_selectCurrentNode(yard.nodes[3]);
     const LogCapture log;
     yard.deletion.deleteSelected(nullptr);
-    QCOMPARE(yard.left(), (std::vector<int>{2, 3}));
+    QCOMPARE(yard.left(), (QList<int>{2, 3}));
     QCOMPARE(yard.scene.currentNode(), nullptr);
     QCOMPARE(log.count(u"Del"_s), 2);
     QVERIFY(yard.scene.selectedNodes().empty());
 
     yard.select(QRectF(780, 20, 40, 100));
     yard.deletion.deleteSelected(yard.nodes[3]);
-    QCOMPARE(yard.left(), std::vector<int>{3});
+    QCOMPARE(yard.left(), QList<int>{3});
 }
 
 void tst_NodeDeletion::eachCanComeBack()
@@ -123,7 +120,7 @@ void tst_NodeDeletion::eachCanComeBack()
     yard.deletion.deleteSelected(nullptr);
     QCOMPARE(int(yard.commands.size()), 2);
     yard.commands.back()->undo();
-    QCOMPARE(yard.left(), (std::vector<int>{2, 3, 0}));
+    QCOMPARE(yard.left(), (QList<int>{2, 3, 0}));
     QCOMPARE(yard.scene.nodes().back()->title(), u"Title 0"_s);
     QCOMPARE(yard.scene.nodes().back()->scenePos(), QPointF(0, 100));
 }
@@ -133,7 +130,7 @@ void tst_NodeDeletion::deletesAllOneByOne()
     Yard yard;
     const LogCapture log;
     yard.deletion.deleteAll();
-    QCOMPARE(yard.left(), std::vector<int>());
+    QCOMPARE(yard.left(), QList<int>());
     QCOMPARE(log.count(u"clearing scene"_s), 4);
     QCOMPARE(log.lines().first(2), (QStringList{u"clearing scene"_s, u"Del"_s}));
     QCOMPARE(int(yard.commands.size()), 4);
@@ -145,7 +142,7 @@ void tst_NodeDeletion::deletesAllWithTheSelectionFirst()
     yard.select(aroundTheFirstTwo);
     const LogCapture log;
     yard.deletion.deleteAll();
-    QCOMPARE(yard.left(), std::vector<int>());
+    QCOMPARE(yard.left(), QList<int>());
     QCOMPARE(log.count(u"clearing scene"_s), 3); // the first one took both
     QCOMPARE(log.count(u"Del"_s), 4);
 }
@@ -156,7 +153,7 @@ void tst_NodeDeletion::deletesAllEvenIfNobodyRunsTheCommands()
     yard.isRun = false;
     const LogCapture log;
     yard.deletion.deleteAll();
-    QCOMPARE(yard.left(), std::vector<int>());
+    QCOMPARE(yard.left(), QList<int>());
     QCOMPARE(log.count(u"clearing scene"_s), 4);
     const QString last = u"Deleted node  0"_s;
     QCOMPARE(log.lines().filter(u"Deleted node"_s).last(), last);

@@ -35,13 +35,11 @@ struct Workshop
 
 } // namespace
 
-class tst_NodeFactory : public QObject
+class tst_NodeFactory : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void aNodeIsOnTheCanvasAsItWasTold();
     void withoutANameItHasThatOfANewOne();
     void itIsEnteredUnderAFreeIndex();

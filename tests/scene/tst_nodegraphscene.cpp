@@ -9,14 +9,11 @@
 #include <QGraphicsRectItem>
 #include <QMetaMethod>
 
-class tst_NodegraphScene : public QObject
+class tst_NodegraphScene : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void metaObjectListsMethodsInOrder();
     void metaObjectNamesArguments_data();
     void metaObjectNamesArguments();

@@ -6,14 +6,11 @@
 
 #include <memory>
 
-class tst_NodegraphSceneAdding : public QObject
+class tst_NodegraphSceneAdding : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void threeAddsMakeChain();
     void addCommandDoesNothingUntilSomebodyRunsIt();
     void firstAddedEventIsCurrentAndSelected();
@@ -42,7 +39,7 @@ void tst_NodegraphSceneAdding::threeAddsMakeChain()
     const Nodes nodes = addChain(tab.scene, 3);
 
     QCOMPARE(tab.scene.nodes(), nodes);
-    QCOMPARE(indicesOf(nodes), (std::vector<int>{0, 1, 2}));
+    QCOMPARE(indicesOf(nodes), (QList<int>{0, 1, 2}));
     QCOMPARE(nodes[0]->pos(), QPointF(100, 200));
     const double step = nodes[0]->boundingRect().width() + 100;
     QCOMPARE(nodes[1]->pos(), QPointF(100 + step, 200));
@@ -212,10 +209,10 @@ void tst_NodegraphSceneAdding::deletedIndexIsNotUsedAgain()
     const Nodes nodes = addChain(tab.scene, 3);
     tab.scene.deleteSelectedNodes(nodes[1]);
     tab.scene.sl_addEventNode();
-    QCOMPARE(indicesOf(tab.scene.nodes()), (std::vector<int>{0, 2, 3}));
+    QCOMPARE(indicesOf(tab.scene.nodes()), (QList<int>{0, 2, 3}));
     tab.scene.clear();
     tab.scene.sl_addEventNode();
-    QCOMPARE(indicesOf(tab.scene.nodes()), std::vector<int>{0});
+    QCOMPARE(indicesOf(tab.scene.nodes()), QList<int>{0});
 }
 
 // A scene opened from a file with a hole asks for an index that is taken; undo used to delete its owner.
@@ -224,7 +221,7 @@ void tst_NodegraphSceneAdding::addUndoneAfterReplacedIndexTakesItsOwnNode()
     SceneTab tab;
     tab.scene.createNode(QPointF(), 1, 0, nullptr, QStringLiteral("kept"));
     tab.scene.sl_addEventNode(); // asks for 1
-    QCOMPARE(indicesOf(tab.scene.nodes()), (std::vector<int>{1, 2}));
+    QCOMPARE(indicesOf(tab.scene.nodes()), (QList<int>{1, 2}));
     tab.stack.undo();
     QCOMPARE(tab.scene.nodes().size(), std::size_t(1));
     QCOMPARE(tab.scene.nodes().front()->title(), QStringLiteral("kept"));

@@ -7,14 +7,11 @@
 
 #include <memory>
 
-class tst_NodegraphSceneClearing : public QObject
+class tst_NodegraphSceneClearing : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void clearDeletesEveryNodeByCommand();
     void clearDeletesSelectionOnce();
     void clearResetsCounterAndCurrentNode();
@@ -66,7 +63,7 @@ void tst_NodegraphSceneClearing::clearResetsCounterAndCurrentNode()
     addChain(tab.scene, 3);
     tab.scene.clear();
     QCOMPARE(tab.scene.currentNode(), nullptr);
-    QCOMPARE(indicesOf(addChain(tab.scene, 2)), (std::vector<int>{0, 1}));
+    QCOMPARE(indicesOf(addChain(tab.scene, 2)), (QList<int>{0, 1}));
 }
 
 void tst_NodegraphSceneClearing::clearEndsDragAndRubberBand()
@@ -145,7 +142,7 @@ void tst_NodegraphSceneClearing::clearCanBeUndone()
     while (tab.stack.index() > before)
         tab.stack.undo();
     QCOMPARE(tab.scene.nodes().size(), std::size_t(3));
-    QCOMPARE(indicesOf(tab.scene.story()), (std::vector<int>{0, 1, 2}));
+    QCOMPARE(indicesOf(tab.scene.story()), (QList<int>{0, 1, 2}));
     QVERIFY(linesAreExact(tab.scene));
 }
 

@@ -1,13 +1,10 @@
 #include "scene/clipboardsteps.h"
 
-class tst_NodegraphSceneClipboard : public QObject
+class tst_NodegraphSceneClipboard : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void currentNodeIsCopiedBeforeSelection();
     void selectionIsCopiedWithoutCurrentNode();
     void copyingChangesNothing();

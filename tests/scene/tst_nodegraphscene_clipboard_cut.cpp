@@ -1,23 +1,12 @@
-#include "scene/clipboardtab.h"
+#include "scene/clipboardsteps.h"
 
 #include <QPointer>
 
-namespace {
-
-constexpr QPointF elsewhere(20000.5, 15000.25);
-
-QString text(const char *latin1) { return QString::fromLatin1(latin1); }
-
-} // namespace
-
-class tst_NodegraphSceneClipboardCut : public QObject
+class tst_NodegraphSceneClipboardCut : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void cutHidesNodesAtOnce();
     void cutNodesStayInGraph();
     void pasteReplacesHiddenSources();

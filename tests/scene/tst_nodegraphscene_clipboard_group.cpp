@@ -12,14 +12,11 @@ QStringList titlesOf(const std::vector<Node *> &nodes)
 
 } // namespace
 
-class tst_NodegraphScene_Clipboard_Group : public QObject
+class tst_NodegraphScene_Clipboard_Group : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void groupKeepsItsShape();
     void connectionsWithinGroupAreRecreated();
 

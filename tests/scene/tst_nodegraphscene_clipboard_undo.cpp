@@ -1,15 +1,11 @@
 #include "commands/connectnodescommand.h"
-#include "scene/clipboardtab.h"
+#include "scene/clipboardsteps.h"
 
 #include <QLoggingCategory>
 #include <QRandomGenerator>
 #include <QRegularExpression>
 
 namespace {
-
-constexpr QPointF elsewhere(20000.5, 15000.25);
-
-QString text(const char *latin1) { return QString::fromLatin1(latin1); }
 
 void undoAll(QUndoStack &stack) { stack.setIndex(0); }
 void redoAll(QUndoStack &stack) { stack.setIndex(stack.count()); }
@@ -117,12 +113,11 @@ QString faultOf(const ClipboardTab &tab)
 
 } // namespace
 
-class tst_NodegraphSceneClipboardUndo : public QObject
+class tst_NodegraphSceneClipboardUndo : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
     void cleanup()
     {
         QLoggingCategory::setFilterRules(QString());

@@ -8,15 +8,12 @@
 namespace {
 
 /// Loose nodes, ready to be connected, and the undo history of their tab.
-struct Tab
+struct Tab : SceneTab
 {
-    NodegraphScene scene;
-    QUndoStack stack;
     Nodes nodes;
 
     explicit Tab(int count)
     {
-        pushCommandsOn(scene, stack);
         for (int i = 0; i < count; ++i)
             nodes.push_back(addLoose(scene, QPointF(100.0 * i, 500.0 * i)));
     }
@@ -41,14 +38,11 @@ bool isFree(const Socket *socket) { return !socket->getIsConnected() && !socket-
 
 } // namespace
 
-class tst_NodegraphSceneConnections : public QObject
+class tst_NodegraphSceneConnections : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void connectingLinksBothNodes();
     void connectingLogsAndPublishesStory();
     void newLineRunsFromInputToOutput();

@@ -11,13 +11,8 @@
 
 namespace {
 
-struct Tab
+struct Tab : SceneTab
 {
-    NodegraphScene scene;
-    QUndoStack stack;
-
-    Tab() { pushCommandsOn(scene, stack); }
-
     /// Draws a rubber band over the two nodes' upper left corners.
     void selectByRubberBand(const Node *first, const Node *second)
     {
@@ -35,14 +30,11 @@ bool contains(const Nodes &nodes, const Node *node)
 
 } // namespace
 
-class tst_NodegraphSceneDeleting : public QObject
+class tst_NodegraphSceneDeleting : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void selectionGoesAndCurrentNodeStays();
     void selectionGoesInItsOrder();
     void selectionGoesInsteadOfArgument();

@@ -73,13 +73,11 @@ void editAtRandom(GraphTab &tab, QRandomGenerator &random, int steps)
 
 } // namespace
 
-class tst_NodegraphSceneFile : public QObject
+class tst_NodegraphSceneFile : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
     void streamIsPinned();
     void emptySceneWritesACountOfZero();
     void exampleIsWrittenByteForByte();

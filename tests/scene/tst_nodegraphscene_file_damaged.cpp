@@ -1,12 +1,10 @@
 #include "scene/scenereading.h"
 
-class tst_NodegraphScene_File_Damaged : public QObject
+class tst_NodegraphScene_File_Damaged : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
     void upstreamThatNamesNoNodeIsGone_data();
     void upstreamThatNamesNoNodeIsGone();
     void connectionThatClosesACycleIsRefused_data();

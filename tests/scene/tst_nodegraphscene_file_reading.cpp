@@ -1,12 +1,10 @@
 #include "scene/scenereading.h"
 
-class tst_NodegraphSceneFileReading : public QObject
+class tst_NodegraphSceneFileReading : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
     void countBelowOneReadsNothingAndFrames_data();
     void countBelowOneReadsNothingAndFrames();
     void chainComesBackWhole();

@@ -23,13 +23,11 @@ void selectByRubberBand(GraphTab &tab, QPointF from, QPointF to) { SceneMouse{ta
 
 } // namespace
 
-class tst_NodegraphSceneFraming : public QObject
+class tst_NodegraphSceneFraming : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
     void singleNodeWithItsMargin();
     void currentNodeAloneCounts_data();
     void currentNodeAloneCounts();

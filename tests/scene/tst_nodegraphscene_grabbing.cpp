@@ -3,14 +3,11 @@
 
 #include <QPointer>
 
-class tst_NodegraphSceneGrabbing : public QObject
+class tst_NodegraphSceneGrabbing : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void pressOnLineDisconnectsAndKeepsOtherEnd_data();
     void pressOnLineDisconnectsAndKeepsOtherEnd();
     void grabbedLineIsRerouted_data();

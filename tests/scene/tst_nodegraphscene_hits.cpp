@@ -65,14 +65,11 @@ void addScales()
 } // namespace
 
 /// What a press takes, and what it leaves to the canvas, pixel by pixel.
-class tst_NodegraphSceneHits : public QObject
+class tst_NodegraphSceneHits : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void pressTakesTheLineOrBeginsABand_data() { addScales(); }
     void pressTakesTheLineOrBeginsABand();
     void pressTakesTheEventOrBeginsABand_data() { addScales(); }

@@ -51,14 +51,11 @@ bool isStory(const std::vector<Node *> &nodes, const NodegraphScene &scene)
 
 } // namespace
 
-class tst_NodegraphSceneMany : public QObject
+class tst_NodegraphSceneMany : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void longFileIsReadAndSavedByteForByte();
     void lateEventsOfAFileHaveTheirSizes();
     void lateEventsOfAFileCanBeEdited();

@@ -1,13 +1,10 @@
 #include "scene/mousescene.h"
 
-class tst_NodegraphSceneMouse : public QObject
+class tst_NodegraphSceneMouse : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void everyPressForgetsCurrentNode_data();
     void everyPressForgetsCurrentNode();
     void leftPressOnEmptySpaceEmptiesSelectionList();

@@ -9,14 +9,11 @@ using Places = QList<QPointF>;
 using Deed = std::function<void(FourNodes &)>;
 Q_DECLARE_METATYPE(Deed)
 
-class tst_NodegraphSceneMoving : public QObject
+class tst_NodegraphSceneMoving : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void groupMovesAsOne();
     void onlyWhatIsPickedUpMoves_data();
     void onlyWhatIsPickedUpMoves();

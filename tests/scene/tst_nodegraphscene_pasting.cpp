@@ -36,14 +36,11 @@ QRectF outlineOf(const std::vector<Node *> &nodes)
 } // namespace
 
 /// Where an event lands that is pasted or added, and whether it is seen there.
-class tst_NodegraphScenePasting : public QObject
+class tst_NodegraphScenePasting : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void pastedEventIsInSight_data();
     void pastedEventIsInSight();
     void pastedEventInSightScrollsNothing();

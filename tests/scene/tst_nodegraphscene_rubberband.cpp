@@ -1,13 +1,10 @@
 #include "scene/mousescene.h"
 
-class tst_NodegraphScene_RubberBand : public QObject
+class tst_NodegraphScene_RubberBand : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void pressOnNodeStartsNoRubberBand();
     void pressOnNodeEndsRubberBandWithoutRelease();
     void pressBesideLineStartsRubberBand();

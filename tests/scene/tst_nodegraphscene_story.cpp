@@ -8,17 +8,14 @@
 
 namespace {
 
-struct Tab
+struct Tab : SceneTab
 {
-    NodegraphScene scene;
-    QUndoStack stack;
     Nodes nodes;
     QSignalSpy story{&scene, &NodegraphScene::s_updateStory};
 
     /// A chain whose last node is the end of the story.
     explicit Tab(int count)
     {
-        pushCommandsOn(scene, stack);
         nodes = addChain(scene, count);
         story.clear();
     }
@@ -46,14 +43,11 @@ protected:
 
 } // namespace
 
-class tst_NodegraphSceneStory : public QObject
+class tst_NodegraphSceneStory : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void storyRunsFromFirstEventToEnd();
     void storyEndsAtItsEnd();
     void branchesAreNotInStory();

@@ -37,13 +37,11 @@ struct PlainList
 
 } // namespace
 
-class tst_NodeIndexMap : public QObject
+class tst_NodeIndexMap : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
     void findsNothingWhereNothingIs();
     void findsEachNodeByItsIndex_data();
     void findsEachNodeByItsIndex();

@@ -8,12 +8,11 @@
 
 // A list that closes its gaps when somebody looks shows the same as one that closes them at once.
 
-class tst_NodeList : public QObject
+class tst_NodeList : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
     void isWhatAPlainListIs();
     void nodeThatComesBackIsListed();
 };

@@ -10,13 +10,11 @@ namespace {
 using Nodes = std::vector<Node *>;
 }
 
-class tst_NodeRegister : public QObject
+class tst_NodeRegister : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void nodesStandInTheOrderInWhichTheyCame();
     void nodeIsFoundUnderItsIndex();
     void whoeverGoesIsNoLongerThere();

@@ -47,13 +47,11 @@ struct Canvas
 
 } // namespace
 
-class tst_NodeSelection : public QObject
+class tst_NodeSelection : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void nothingIsCurrentAtFirst();
     void currentNodeTakesTheKeyboardFromOthers();
     void currentNodeMovesOn();

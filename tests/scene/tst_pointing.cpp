@@ -8,13 +8,11 @@
 #include <QGraphicsView>
 #include <QScrollBar>
 
-class tst_Pointing : public QObject
+class tst_Pointing : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void topmostItemIsMeant();
     void pixelThatAnItemTouchesIsOfIt();
     void withoutAViewThePointDecides();

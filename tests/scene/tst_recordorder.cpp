@@ -136,13 +136,11 @@ void addSeeds()
 
 Q_DECLARE_METATYPE(Order)
 
-class tst_RecordOrder : public QObject
+class tst_RecordOrder : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
     void knownOrders_data();
     void knownOrders();
     void everyOrderReadsBackWhole_data() { addSeeds(); }

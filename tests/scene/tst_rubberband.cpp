@@ -50,13 +50,11 @@ struct Canvas
 
 } // namespace
 
-class tst_RubberBand : public QObject
+class tst_RubberBand : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void showsNothingAtFirst();
     void stretchesFromItsOrigin_data();
     void stretchesFromItsOrigin();

@@ -54,14 +54,11 @@ struct Shelf
 
 } // namespace
 
-class tst_SceneRecords : public QObject
+class tst_SceneRecords : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void writesARecordForEachEvent();
     void writesInTheOrderThatReadsBack();
     void readsWhatWasWritten();

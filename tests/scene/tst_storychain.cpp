@@ -27,13 +27,11 @@ struct Events
 
 } // namespace
 
-class tst_StoryChain : public QObject
+class tst_StoryChain : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void withoutAnEndThereIsNoStory();
     void leadsFromTheFirstEventToTheEnd();
     void onlyOneEventCarriesTheMark();

@@ -64,13 +64,11 @@ void openAnother(Tab &tab)
 
 } // namespace
 
-class tst_StoryPublishing : public QObject
+class tst_StoryPublishing : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
     void stepTellsAtItsEnd();
     void stepWithoutChangesTellsNothing();
     void editOfManyEventsTellsOnce_data();

@@ -6,13 +6,11 @@
 
 // Pictures of the canvas.
 
-class tst_CanvasPicture : public QObject
+class tst_CanvasPicture : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void wrongUseIsOneLine_data();
     void wrongUseIsOneLine();
     void pictureIsWhatTheSceneShows();

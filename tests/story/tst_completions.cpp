@@ -67,13 +67,11 @@ print rea''dy
 
 } // namespace
 
-class tst_Completions : public QObject
+class tst_Completions : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void everyOptionIsKnown_data();
     void everyOptionIsKnown();
     void shellOffers_data();

@@ -4,13 +4,11 @@
 
 // What the editor has put by, as a list, and back in the writer's hands.
 
-class tst_Copies : public QObject
+class tst_Copies : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void thereAreNoneAtFirst();
     void copiesAreListedNewestFirst();
     void copyIsRestored_data();

@@ -7,13 +7,11 @@
 
 // What a writer is told of the differences between two files.
 
-class tst_Diff : public QObject
+class tst_Diff : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void changesAreTold_data();
     void changesAreTold();
     void changesAreData();

@@ -2,13 +2,11 @@
 
 // What becomes of texts of other programs, as the editor shows it after opening the file that was made.
 
-class tst_Import : public QObject
+class tst_Import : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void textBecomesAStory_data();
     void textBecomesAStory();
     void textWithoutAStoryIsRefused_data();

@@ -2,13 +2,11 @@
 
 // What becomes of outlines, tables and passages, and what comes back of a story that was written as such.
 
-class tst_ImportOthers : public QObject
+class tst_ImportOthers : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void textBecomesAStory_data();
     void textBecomesAStory();
     void textWithoutAStoryIsRefused_data();

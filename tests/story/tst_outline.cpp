@@ -4,13 +4,11 @@
 
 // In which order, how deep and with which numbers events are told.
 
-class tst_Outline : public QObject
+class tst_Outline : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void eventsAreToldInOrder_data();
     void eventsAreToldInOrder();
     void deepBranchesAreNoDeepCalls();

@@ -5,13 +5,11 @@
 
 // What is told, and what stands on the disk, where the system does not let a result be written.
 
-class tst_StoryFaults : public QObject
+class tst_StoryFaults : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void resultIsNotThereInPart_data();
     void resultIsNotThereInPart();
     void resultStaysBesideAFileThatCannotBeWritten();

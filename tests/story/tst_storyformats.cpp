@@ -58,13 +58,11 @@ QString exported(const QString &format, const std::vector<StoryTab> &tabs, bool 
 
 } // namespace
 
-class tst_StoryFormats : public QObject
+class tst_StoryFormats : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void formatsAreFoundByName_data();
     void formatsAreFoundByName();
     void textIsWritten_data();

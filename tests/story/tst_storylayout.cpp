@@ -2,13 +2,11 @@
 
 // Where the events of an imported story stand.
 
-class tst_StoryLayout : public QObject
+class tst_StoryLayout : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void nothingOverlaps_data();
     void nothingOverlaps();
     void branchesAreBelowAndToTheRight();

@@ -14,13 +14,11 @@
 
 // The command as a process: what terminals and pipes make of it.
 
-class tst_StoryProcess : public QObject
+class tst_StoryProcess : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void barIsShownOnATerminalOnly_data();
     void barIsShownOnATerminalOnly();
     void typedTextIsBesideNoBar();

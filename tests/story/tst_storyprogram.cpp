@@ -27,13 +27,11 @@ protected:
 
 } // namespace
 
-class tst_StoryProgram : public QObject
+class tst_StoryProgram : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-
     void wrongUseIsOneLine_data();
     void wrongUseIsOneLine();
     void helpIsForEachCommand_data();

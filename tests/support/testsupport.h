@@ -18,6 +18,18 @@ void failOnWarnings();
 /// Runs what waits for deleteLater(), so that nothing is left for the leak check.
 void flushDeferredDeletes();
 
+/// What a test class is: any warning fails its functions, and none leaves the next one something to delete.
+/// Who needs more than that around a function has an init() or a cleanup() of its own, which takes this one's
+/// place.
+class TestCase : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { failOnWarnings(); }
+    void cleanup() { flushDeferredDeletes(); }
+};
+
 /// Collects the log lines of its lifetime while they go on to the test's own log.
 class LogCapture
 {

@@ -8,14 +8,11 @@ using namespace Qt::StringLiterals;
 
 // Where many events are too small to be read, they are shown by a picture, and nobody writes in them.
 
-class tst_CanvasDetail : public QObject
+class tst_CanvasDetail : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void textsAreBarsWhereManyAreTooSmall_data();
     void textsAreBarsWhereManyAreTooSmall();
     void onlyEventsInViewCount();

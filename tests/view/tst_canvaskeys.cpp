@@ -43,14 +43,11 @@ struct KeyCanvas : Canvas
     Node *far = nullptr;
 };
 
-class tst_CanvasKeys : public QObject
+class tst_CanvasKeys : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void arrowsGoToTheNextEvent();
     void arrowWithNothingThereStays();
     void arrowWithoutACurrentEventTakesTheEnd();

@@ -7,14 +7,11 @@ using namespace Qt::StringLiterals;
 
 // Tab goes through the window, not through the texts of the canvas.
 
-class tst_CanvasTab : public QObject
+class tst_CanvasTab : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void tabWritesNothing_data();
     void tabWritesNothing();
     void tabIsWrittenByWhoWrites();

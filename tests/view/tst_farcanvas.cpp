@@ -26,14 +26,11 @@ double greyOf(const QImage &image, const QRect &part)
 
 } // namespace
 
-class tst_FarCanvas : public QObject
+class tst_FarCanvas : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void barsLookLikeTheirText_data();
     void barsLookLikeTheirText();
     void boxIsNeverEmpty_data();

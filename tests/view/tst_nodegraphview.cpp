@@ -35,13 +35,11 @@ private:
 
 } // namespace
 
-class tst_NodegraphView : public QObject
+class tst_NodegraphView : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
     void hasExactlyItsMethods();
     void startsAsACanvas();
     void dyingViewKeepsItsSceneAndTakesItsHistory();

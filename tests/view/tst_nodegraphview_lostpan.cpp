@@ -19,14 +19,11 @@ QPointF anchorOf(const Canvas &canvas)
 } // namespace
 
 /// A pan whose release another window got.
-class tst_NodegraphViewLostPan : public QObject
+class tst_NodegraphViewLostPan : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void moveWithoutTheButtonEndsIt_data();
     void moveWithoutTheButtonEndsIt();
     void comingBackWithoutTheButtonEndsIt();

@@ -35,13 +35,11 @@ private:
 
 } // namespace
 
-class tst_NodegraphViewMouse : public QObject
+class tst_NodegraphViewMouse : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
     void zoomAtScalesAndShifts_data();
     void zoomAtScalesAndShifts();
     void wheelZooms_data();

@@ -97,14 +97,11 @@ bool within(QPointF distance, double pixels)
 
 } // namespace
 
-class tst_NodegraphViewZoom : public QObject
+class tst_NodegraphViewZoom : public TestCase
 {
     Q_OBJECT
 
 private slots:
-    void init() { failOnWarnings(); }
-    void cleanup() { flushDeferredDeletes(); }
-
     void wheelZoomsByItsAngleAlone_data();
     void wheelZoomsByItsAngleAlone();
     void smallStepsMakeANotch_data();
