@@ -119,8 +119,8 @@ bool WorkDay::run()
     NEED(addAndUndo());
     NEED(mark());
     NEED(switchTabs());
-    NEED(pasteOne());
     NEED(pasteTwenty());
+    NEED(pasteOne());
     NEED(bandOverAll());
     NEED(save());
     NEED(program.isRunning());
@@ -258,6 +258,7 @@ bool WorkDay::switchTabs()
 
 bool WorkDay::pasteOne()
 {
+    NEED(bringAnEvent());
     const QPoint place = middle.at(40, -60);
     click(QStringLiteral("click on an event"), middle.body());
     clock.key(QStringLiteral("ctrl+c"));
@@ -272,8 +273,7 @@ bool WorkDay::pasteOne()
     key(QStringLiteral("paste a cut one"), QStringLiteral("ctrl+v"));
     NEED(keep(QStringLiteral("pasted-cut")));
     key(QStringLiteral("undo of that paste"), QStringLiteral("ctrl+z"));
-    NEED(keep(QStringLiteral("pasted-undone")));
-    return bringAnEvent();
+    return keep(QStringLiteral("pasted-undone"));
 }
 
 bool WorkDay::pasteTwenty()

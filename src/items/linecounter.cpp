@@ -188,11 +188,12 @@ LineCounter::Kind LineCounter::kindOf(char16_t sign)
 {
     static const std::array<Kind, 0x180> kinds = [] {
         std::array<Kind, 0x180> all{};
-        for (char16_t letter = 0; letter < all.size(); ++letter) {
-            if (QChar(letter).isDigit() && letter < 0x80)
-                all.at(letter) = Kind::digit;
-            else if (QChar(letter).isLetter() && letter != 0xaa && letter != 0xba && letter != 0xb5)
-                all.at(letter) = Kind::letter;
+        for (std::size_t code = 0; code < all.size(); ++code) {
+            const QChar letter(static_cast<char16_t>(code));
+            if (letter.isDigit() && code < 0x80)
+                all.at(code) = Kind::digit;
+            else if (letter.isLetter() && code != 0xaa && code != 0xba && code != 0xb5)
+                all.at(code) = Kind::letter;
         }
         for (const char16_t quote : {u'"', u'\''})
             all.at(quote) = Kind::quote;
