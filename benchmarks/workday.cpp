@@ -17,6 +17,7 @@ const QColor selectedColour(QStringLiteral("#EBF400"));
 
 constexpr double columnStep = 600;
 constexpr double rowStep = 500;
+constexpr double headerWidth = 455;
 constexpr double laneShare = 0.8; // of the way to the next row or column
 constexpr int bandColumns = 5;
 constexpr int bandRows = 4;
@@ -287,7 +288,7 @@ bool WorkDay::pasteTwenty()
     }
     const QList<QRect> all = headers();
     NEED(all.size() >= bandColumns * bandRows);
-    const double scale = all.constFirst().width() / 455.0;
+    const double scale = all.constFirst().width() / headerWidth;
     QList<int> lefts;
     QList<int> tops;
     for (const QRect &header : all) {
@@ -326,10 +327,15 @@ bool WorkDay::bandOverAll()
     const QPoint corner = window.canvasArea().topRight() + QPoint(-6, 6);
     clock.rest();
     NEED(window.chooseByKeys(Menu::edit, deselectAll));
+    clock.moveTo(window.canvasArea().center());
+    turn(QStringLiteral("zoom out to 20 %, a notch"), -notchesTo20);
     clock.rest();
     click(QStringLiteral("click on the ground"), corner + QPoint(0, doubleClickReach));
     key(QStringLiteral("frame all"), QStringLiteral("ctrl+f"));
     NEED(keep(QStringLiteral("framed")));
+    // One event alone would be framed if the click had met it.
+    NEED(largest(patchesOf(desktop.screenshot(), window.canvasArea(), headerColour)).bounds.width() <
+         headerWidth);
     constexpr int moves = 8;
     drag(QStringLiteral("rubber band over all, a move"), corner,
          window.canvasArea().bottomLeft() + QPoint(6, -6), moves);
