@@ -4,7 +4,6 @@
 #include <QStringView>
 
 #include <algorithm>
-#include <cstdlib>
 #include <initializer_list>
 #include <utility>
 
@@ -14,7 +13,6 @@ constexpr quint32 none = 0; // stands for what is before the first letter and be
 constexpr quint32 letterBits = 9;
 constexpr quint32 threeLetters = (1U << (3 * letterBits)) - 1;
 constexpr int unknownOverhang = -1;
-constexpr int hair = 2; // in units of the engine
 
 /// Cut off, as the engine does it.
 int toUnits(double pixels) { return int(pixels * 64); }
@@ -59,17 +57,15 @@ std::optional<int> LineCounter::linesOfParagraph(QStringView text)
         (isSpace ? line.spaces : word) += width;
         if (isSpace || gaps[std::size_t(i)] == Gap::holds)
             continue;
-        std::optional<bool> fits = takes(line, word, text[i].unicode());
-        if (fits && !*fits) {
+        if (!takes(line, word, text[i].unicode())) {
             ++lines;
             line = Line();
-            fits = takes(line, word, text[i].unicode());
+            if (!takes(line, word, text[i].unicode()))
+                return std::nullopt;
         }
-        if (!fits || !*fits)
-            return std::nullopt;
         word = 0;
     }
-    return lines;
+    return line.spaces <= room ? std::optional(lines) : std::nullopt;
 }
 
 /// False where only the engine knows where lines may end, or in which direction the paragraph is written.
@@ -78,7 +74,7 @@ bool LineCounter::readGaps(QStringView text)
     gaps.resize(std::size_t(text.size()));
     Kind before = Kind::space; // the last one that is no space; none may stand first
     Kind kind = kindOf(text.front().unicode());
-    if (kind == Kind::space || text.back() == u' ')
+    if (kind == Kind::space)
         return false;
     bool hasLetter = false;
     for (qsizetype i = 0; i < text.size(); ++i) {
@@ -168,15 +164,13 @@ QStringView LineCounter::unknownPart(QStringView text)
 }
 
 /// As the engine does: it asks for the overhang of a word's last letter only where that could matter.
-std::optional<bool> LineCounter::takes(Line &line, int word, char16_t lastSign)
+bool LineCounter::takes(Line &line, int word, char16_t lastSign)
 {
     const int width = line.width + line.spaces + word;
     const int beyond = width + line.overhang + largestOverhang - room;
     if (beyond > 0)
         line.overhang = overhangOf(lastSign);
     const int missing = width + line.overhang - room;
-    if (std::abs(beyond) <= hair || std::abs(missing) <= hair)
-        return std::nullopt;
     if (missing > 0)
         return false;
     line.width = width;

@@ -12,9 +12,9 @@ class QStringView;
 /// Counts the lines of a wrapped plain text without wrapping it. How much of a line a letter takes depends on
 /// its two neighbours only: that is asked of the text engine once for each three letters, then added up, and
 /// lines are filled as the engine fills them. What might be otherwise has no answer: other scripts, tabs,
-/// words longer than a line, rare sequences of signs, a line that is full to a hair, a font without a letter
-/// spacing (only with one does the engine never draw two letters as one). Owns the advances that it has asked
-/// for. Made and asked by TextMeasure, for each kind of text.
+/// words longer than a line, rare sequences of signs, a font without a letter spacing (only with one does the
+/// engine never draw two letters as one). Owns the advances that it has asked for. Made and asked by
+/// TextMeasure, for each kind of text.
 class LineCounter
 {
 public:
@@ -73,8 +73,8 @@ private:
     bool isFull() const;
     void grow();
     int overhangOf(char16_t sign);
-    /// False where the line is full, or null where that hangs on a hair.
-    std::optional<bool> takes(Line &line, int word, char16_t lastSign);
+    /// False where the line is full.
+    bool takes(Line &line, int word, char16_t lastSign);
 
     static constexpr std::size_t mostPlaces = 1U << 15U;
 

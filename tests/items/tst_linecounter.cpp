@@ -130,6 +130,7 @@ void tst_LineCounter::linesEndWhereTheEngineEndsThem_data()
     QTest::newRow("number behind a letter in parentheses") << usualFont() << u"In 12 of (a12) 1,500 steps"_s;
     QTest::newRow("number before a letter in parentheses") << usualFont() << u"In 12 of (12a) 1,500 steps"_s;
     QTest::newRow("spaces") << usualFont() << u"One  two   three    four     five      six"_s;
+    QTest::newRow("spaces behind") << usualFont() << u"One two three   \nfour five six  "_s;
     QTest::newRow("signs") << usualFont()
                            << u"\u201CWho?\u201D - keeper's and/or (his) to-day \u2013 well\u2026 no!"_s;
 }
@@ -198,7 +199,7 @@ void tst_LineCounter::onlyTheEngineCanTell_data()
     QTest::newRow("tab") << u"a\tb"_s;
     QTest::newRow("no letter") << u"123"_s;
     QTest::newRow("space in front") << u" a"_s;
-    QTest::newRow("space behind") << u"a "_s;
+    QTest::newRow("a line of spaces") << u"a"_s + QString(200, u' ');
     QTest::newRow("a sign behind a space") << u"a ."_s;
     QTest::newRow("no-break space") << u"a\u00A0b"_s;
     QTest::newRow("another script") << u"\u0430"_s;
