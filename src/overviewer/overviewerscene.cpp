@@ -16,7 +16,7 @@ namespace {
 /// The panel's rectangle while it has no entries; a null one would mean whatever was ever covered.
 const QRectF emptyPanel(0, 0, 1, 1);
 
-constexpr std::size_t firstScreen = 30; // entries that are made at once
+constexpr std::size_t firstScreen = 10; // entries that are made at once
 
 /// Whether the node's graph is about to tell its story, for which all entries are made anew.
 bool isStoryToCome(const Node &node)

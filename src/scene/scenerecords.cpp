@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int firstScreen = 100;     // events whose texts are made while they are read
+constexpr int smallStory = 30;       // events, whose texts are then made while they are read
 constexpr int mostBlankNodes = 1000; // made for records that a damaged file announces but does not hold
 constexpr int noIndex = -1;          // of what feeds an event: nothing does
 
@@ -71,6 +71,7 @@ int SceneRecords::skip(QDataStream &stream, const RecordTold &tell)
 SceneRecords::Loaded SceneRecords::readEvents(QDataStream &stream, int count, Damage &damage,
                                               DamageLog &log) const
 {
+    const TextMaking making = count <= smallStory ? TextMaking::atOnce : TextMaking::whenNeeded;
     Loaded loaded;
     int blankNodes = 0;
     for (int i = 0; i < count; ++i) {
@@ -86,7 +87,7 @@ SceneRecords::Loaded SceneRecords::readEvents(QDataStream &stream, int count, Da
         const QDataStream::Status before = stream.status();
         QString typeTag; // every node is an event, whatever the tag says
         stream >> typeTag;
-        Node *node = makeNode(i < firstScreen ? TextMaking::atOnce : TextMaking::whenNeeded);
+        Node *node = makeNode(making);
         node->openFromStream(stream, [&log](int index) { log.misplaced(index); });
         // A damaged text stays noted in the stream while the records behind it are read well.
         if (stream.status() == QDataStream::ReadPastEnd || stream.status() != before)

@@ -19,8 +19,8 @@ using SceneBytes::Records;
 
 namespace {
 
-constexpr int many = 260;             // more than what is made at once, and enough for pictures of events
-constexpr int changedByDocuments = 3; // of the texts behind the first hundred
+constexpr int many = 260;             // more than a small story, and enough for pictures of events
+constexpr int changedByDocuments = 5; // of the texts
 
 QString randomText(std::mt19937 &random)
 {
@@ -246,7 +246,7 @@ void tst_LateEvents::workThatNeedsNoItemsMakesNone_data()
         }
     });
     row(
-        "clearing", [](Tab &tab) { tab.scene.clear(); }, many - 100 - changedByDocuments);
+        "clearing", [](Tab &tab) { tab.scene.clear(); }, many - changedByDocuments);
 }
 
 void tst_LateEvents::workThatNeedsNoItemsMakesNone()
@@ -254,7 +254,7 @@ void tst_LateEvents::workThatNeedsNoItemsMakesNone()
     QFETCH(const Work, work);
     QFETCH(const int, gone);
     Tab tab(file(1));
-    const int before = many - 100 - changedByDocuments;
+    const int before = many - changedByDocuments;
     QCOMPARE(tab.lateCount(), before);
     work(tab);
     QCOMPARE(tab.lateCount(), before - gone);

@@ -63,7 +63,8 @@ private slots:
     void writesInTheOrderThatReadsBack();
     void readsWhatWasWritten();
     void readsIntoTheEventItIsGiven();
-    void makesTheFirstTextsAtOnce();
+    void textsOfASmallStoryAreMadeAtOnce_data();
+    void textsOfASmallStoryAreMadeAtOnce();
     void connectsByCommands();
     void tellsOfAFeederThatIsNotThere();
     void givesEachEventAnIndexOfItsOwn();
@@ -120,17 +121,25 @@ void tst_SceneRecords::readsIntoTheEventItIsGiven()
     QCOMPARE(indicesOf(shelf.scene.nodes()), QList<int>{9});
 }
 
-void tst_SceneRecords::makesTheFirstTextsAtOnce()
+void tst_SceneRecords::textsOfASmallStoryAreMadeAtOnce_data()
 {
+    QTest::addColumn<int>("events");
+    QTest::addColumn<TextMaking>("making");
+    QTest::newRow("small") << 30 << TextMaking::atOnce;
+    QTest::newRow("larger") << 31 << TextMaking::whenNeeded;
+}
+
+void tst_SceneRecords::textsOfASmallStoryAreMadeAtOnce()
+{
+    QFETCH(const int, events);
+    QFETCH(const TextMaking, making);
     const NoProgressLog quiet;
     Records records;
-    for (int i = 0; i < 101; ++i)
+    for (int i = 0; i < events; ++i)
         records << eventRecord(i);
     Shelf shelf;
     shelf.read(SceneBytes::block(records));
-    QCOMPARE(int(shelf.makings.size()), 101);
-    QCOMPARE(int(std::count(shelf.makings.begin(), shelf.makings.end(), TextMaking::atOnce)), 100);
-    QCOMPARE(shelf.makings.back(), TextMaking::whenNeeded);
+    QCOMPARE(int(std::count(shelf.makings.begin(), shelf.makings.end(), making)), events);
 }
 
 void tst_SceneRecords::connectsByCommands()

@@ -151,7 +151,7 @@ void tst_StoryReader::whatTheEditorSavedIsSound()
 void tst_StoryReader::boxesAreMeasuredForWhoeverPaintsThem()
 {
     StoryTab tab;
-    tab.events.resize(150); // the first hundred are made at once, whoever reads them
+    tab.events.resize(150); // those of a small story are made at once, whoever reads them
     for (std::size_t i = 0; i < tab.events.size(); ++i) {
         tab.events[i].index = int(i);
         tab.events[i].description = QString(500, QLatin1Char('w'));
