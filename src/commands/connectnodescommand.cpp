@@ -7,7 +7,8 @@
 ConnectNodesCommand::ConnectNodesCommand(NodegraphScene *editedScene, int downstreamIndex, int upstreamIndex)
     : scene(editedScene), nodeIndex(downstreamIndex), prevIndex(upstreamIndex)
 {
-    setText(QObject::tr("Connect Nodes"));
+    static const QString text = QObject::tr("Connect Nodes"); // a file makes as many as it has events
+    setText(text);
 }
 
 void ConnectNodesCommand::redo()

@@ -24,7 +24,9 @@ bool isSamePlace(const QPointF &a, const QPointF &b) { return a.x() == b.x() && 
 ConnectionLine::ConnectionLine(const QPointF &startPoint, const QPointF &endPoint)
     : start(startPoint), end(endPoint)
 {
-    updatePen();
+    static const QPen usual(penColor, penWidth); // shared by all of them
+    pen = usual;
+    setPen(pen);
     setZValue(-1.0);
     updatePath();
 }

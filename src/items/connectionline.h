@@ -60,7 +60,7 @@ private:
     QPointF start;
     QPointF end;
     int penWidth = 5;
-    QColor penColor{QStringLiteral("#D9D9D9")};
+    QColor penColor{0xd9, 0xd9, 0xd9};
     qreal pressGrace = 3.0; // units on either side of the stroke that still count as a hit
     QPointer<Socket> firstSocket;
     QPointer<Socket> secondSocket;

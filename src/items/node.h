@@ -164,6 +164,12 @@ protected:
     void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
 
 private:
+    static constexpr QColor baseColor{0xd9, 0xd9, 0xd9};
+    static constexpr QColor selectedColor{0xeb, 0xf4, 0x00};
+    static constexpr QColor endOfStoryColor{0xd6, 0xb4, 0xfc};
+    static constexpr QColor importantColor{0xad, 0xd8, 0xe6};
+    static constexpr QColor endMarkColor{0x6a, 0x1f, 0xd0};
+
     NodeParts &inner() const;
     void takeTitle(const QString &text);
     void takeType(int other);
@@ -174,11 +180,6 @@ private:
 
     QString nodeName;
     QRectF rect{0, 0, 231.0, 196.0}; // item coordinates
-    QColor baseColor{QStringLiteral("#D9D9D9")};
-    QColor selectedColor{QStringLiteral("#EBF400")};
-    QColor endOfStoryColor{QStringLiteral("#D6B4FC")};
-    QColor importantColor{QStringLiteral("#ADD8E6")};
-    QColor endMarkColor{QStringLiteral("#6A1FD0")};
     int type;
     std::unique_ptr<LateEvent> late;  // either this
     std::unique_ptr<NodeParts> parts; // or those

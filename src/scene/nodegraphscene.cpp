@@ -193,7 +193,7 @@ void NodegraphScene::connectNodes(Node *downstream, Node *upstream)
             SIGNAL(s_clicked(ConnectionLine*,int)), this,
                    SLOT(sl_connectionLineClicked(ConnectionLine*,int)));
     updateStory();
-    qInfo() << "Connected node " << downstream->getIndex() << " to " << upstream->getIndex();
+    qInfo("Connected node  %d  to  %d", downstream->getIndex(), upstream->getIndex());
 }
 
 void NodegraphScene::disconnectNode(Node *node)
