@@ -39,17 +39,21 @@ Tabs tabsIn(const QByteArray &content)
 
 /// Every tab takes four bytes at least; a count beyond that is damage, and the empty tabs would never end. So
 /// is one far beyond what anybody has made, unless the tabs are there: one bit of it may have changed. What
-/// is not there as announced may be no story, and its zeros no tabs.
+/// is not there as announced may be no story, and its zeros no tabs. Nor is a window made of thousands of
+/// empty tabs behind the last one that holds something: there is nothing in them to lose, and they would take
+/// minutes.
 qint64 mostTabsOf(const QByteArray &content, qint64 announced)
 {
     constexpr qint64 bytesOfATab = 4;
     constexpr qint64 spare = 16;
     constexpr qint64 few = 1000; // empty ones take half a second and 100 MB
+    constexpr qint64 many = 2 * few;
     const qint64 most = content.size() / bytesOfATab + spare;
     if (std::min(announced, most) <= few)
         return most;
     const Tabs there = tabsIn(content);
-    return announced <= there.begun ? announced : std::max(there.filled, std::min(there.begun, few));
+    const qint64 believed = announced <= there.begun ? std::min(announced, many) : std::min(there.begun, few);
+    return std::max(there.filled, believed);
 }
 
 /// Tells how far it is read.

@@ -342,6 +342,7 @@ void tst_MainWindowOpening::damagedTabCountIsCutDown_data()
     const QByteArray longTab = tabBytes({longRecord});
     QTest::newRow("more than a file of that length can hold")
         << 0x7FFFFFFF << two << int(4 + two.size()) / 4 + 16 << titles;
+    QTest::newRow("thousands of empty ones") << 2100 << two + QByteArray(2099 * 4, '\0') << 2000 << titles;
     QTest::newRow("one bit changed in a long file") << 0x4003 << two + longTab + tabBytes({}) << 3 << titles;
 }
 

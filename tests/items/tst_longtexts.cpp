@@ -94,6 +94,12 @@ void tst_LongTexts::shownIsTheBeginning_data()
     QTest::newRow("one more") << fits + u'x' << QString(5000, u'x') + u'\u2026';
     QTest::newRow("letters of two units")
         << u'x' + smile.repeated(30000) << u'x' + smile.repeated(2499) + u'\u2026';
+    const QString turn = u"a\u05D0"_s;
+    QTest::newRow("a word that turns often") << turn.repeated(2500) << turn.repeated(2500);
+    QTest::newRow("a word that turns too often")
+        << turn.repeated(2501) << turn.repeated(2500) + QChar(u'\u2026');
+    const QString words = u"a\u05D0 "_s.repeated(10000);
+    QTest::newRow("words that turn") << words << words;
 }
 
 void tst_LongTexts::shownIsTheBeginning()
