@@ -234,7 +234,6 @@ void tst_Legibility::question()
         press(QMessageBox::Cancel)(dialog);
     }});
     window->closeTab(1);
-    QCOMPARE(answers.problem(), QString());
     QCOMPARE(seen, QStringList(4, QStringLiteral("readable")));
 }
 
@@ -302,7 +301,6 @@ void tst_Legibility::fileDialog()
         window->sl_loadFile();
     else
         window->sl_saveAsFile();
-    QCOMPARE(answers.problem(), QString());
     QVERIFY2(seen.isEmpty(), qPrintable(seen.join(u'\n')));
     QVERIFY2(measured >= 14, qPrintable(QString::number(measured)));
 }

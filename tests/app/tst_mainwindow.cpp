@@ -156,7 +156,6 @@ void tst_MainWindow::tabNamesFollowTheNumberOfTabs()
     pressTabButton(window);
     const DialogAnswers answers({press(QMessageBox::No)});
     window.closeTab(0);
-    QCOMPARE(answers.problem(), QString());
     pressTabButton(window);
 
     QCOMPARE(tabTitles(window),
@@ -426,7 +425,6 @@ void tst_MainWindow::windowCanGoInTheMiddleOfWork()
     window->sl_delete();
     const DialogAnswers answers({press(QMessageBox::No)});
     window->closeTab(1); // its view waits to be destroyed while the window goes
-    QCOMPARE(answers.problem(), QString());
     tabsOf(*window)->setCurrentIndex(1);
     addChain(*sceneOf(*window, 1), 2);
     sceneOf(*window, 0)->updateStory();

@@ -118,7 +118,6 @@ void tst_MainWindowAccess::canvasHasTheKeyboardAgain()
         QTest::keyClick(window.get(), Qt::Key_T, Qt::ControlModifier);
         const DialogAnswers answers({press(QMessageBox::No)});
         QTest::keyClick(window.get(), Qt::Key_W, Qt::ControlModifier);
-        QCOMPARE(answers.problem(), QString());
     }
     window->activateWindow(); // which a window manager does after a dialog
     QVERIFY(QTest::qWaitForWindowActive(window.get()));
@@ -139,7 +138,6 @@ void tst_MainWindowAccess::otherTabsLeaveTheKeyboardWhereItIs()
     QCOMPARE(QApplication::focusWidget(), panel);
     const DialogAnswers answers({press(QMessageBox::No)});
     emit tabsOf(*window)->tabCloseRequested(1);
-    QCOMPARE(answers.problem(), QString());
     window->activateWindow(); // which a window manager does after a dialog
     QVERIFY(QTest::qWaitForWindowActive(window.get()));
     QCOMPARE(QApplication::focusWidget(), panel);

@@ -239,7 +239,6 @@ void tst_MainWindowAutosaveMeanwhile::saveQuestionIsOpen()
         window->closeTab(1);
     else
         window->close();
-    QCOMPARE(answers.problem(), QString());
     QCOMPARE(window->isVisible(), ofATab);
     QCOMPARE(tabTitles(*window).size(), ofATab ? 1 : 2);
 }
@@ -275,7 +274,6 @@ void tst_MainWindowAutosaveMeanwhile::saveDialogIsOpen()
         chooseFile(chosen)(dialog);
     }});
     actionOf(*window, untitled ? "actionSave" : "actionSave_As")->trigger();
-    QCOMPARE(answers.problem(), QString());
     QCOMPARE(window->currentFilePath(), chosen);
     QCOMPARE(readFile(chosen).toHex(), expected.toHex());
 }
@@ -295,7 +293,6 @@ void tst_MainWindowAutosaveMeanwhile::openDialogIsOpen()
         chooseFile(other)(dialog);
     }});
     actionOf(*window, "actionOpen")->trigger();
-    QCOMPARE(answers.problem(), QString());
     QCOMPARE(window->currentFilePath(), other);
     QCOMPARE(titlesOf(scene()), QStringList{QStringLiteral("Dusk")});
 }

@@ -212,7 +212,6 @@ void tst_MainWindow_Commands_View::unwiredActionsDoNothing()
     const LogCapture log;
     trigger(action);
     QCoreApplication::processEvents();
-    QCOMPARE(nothing.problem(), QString());
     QCOMPARE(log.lines(), QStringList());
     QVERIFY(window->isVisible());
     QCOMPARE(tabsOf(*window)->count(), 1);
@@ -244,7 +243,6 @@ void tst_MainWindow_Commands_View::shortcutsReachTheirActions()
     const DialogAnswers answers(std::vector<DialogAnswers::Answer>(std::size_t(dialogs), pressEscape()));
     const QKeyCombination keys = action->shortcut()[0];
     QTest::keyClick(view(), keys.key(), keys.keyboardModifiers());
-    QCOMPARE(answers.problem(), QString());
     QCOMPARE(triggered.count(), 1);
 }
 

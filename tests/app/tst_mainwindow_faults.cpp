@@ -110,7 +110,6 @@ void tst_MainWindowFaults::save(Save way, const std::vector<Fault> &faults)
     if (way == Save::asNew) {
         const DialogAnswers answers({chooseFile(path(newName), arm)});
         window->sl_saveAsFile();
-        QCOMPARE(answers.problem(), QString());
     } else {
         arm();
         way == Save::again ? window->sl_saveFile() : window->autosave();

@@ -102,13 +102,11 @@ void tst_MainWindowManyTabs::eachTabInFrontHasItsCloseButton()
         QVERIFY(tabs->tabBar()->tabRect(place).contains(button->geometry()));
         const DialogAnswers answers({press(QMessageBox::Cancel)});
         button->click();
-        QCOMPARE(answers.problem(), QString());
         QCOMPARE(tabs->count(), count);
     }
     const QWidget *page = tabs->currentWidget();
     const DialogAnswers answers({press(QMessageBox::No)});
     qobject_cast<QAbstractButton *>(tabs->tabBar()->tabButton(count / 2, QTabBar::RightSide))->click();
-    QCOMPARE(answers.problem(), QString());
     QCOMPARE(tabs->count(), count - 1);
     QCOMPARE(tabs->indexOf(page), -1);
     // The one that is in front now, and one that comes by itself, have theirs as well.

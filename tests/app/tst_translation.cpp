@@ -152,7 +152,6 @@ void tst_Translation::questionsAreTranslated()
     const DialogAnswers answers({look, look});
     window->closeTab(1);
     window->close();
-    QCOMPARE(answers.problem(), QString());
     QCOMPARE(texts.size(), 10);
     QCOMPARE(escaped(texts), QStringList());
 }
@@ -169,7 +168,6 @@ void tst_Translation::fileDialogsAreTranslated()
     const DialogAnswers answers({look, look});
     window->sl_loadFile();
     window->sl_saveAsFile();
-    QCOMPARE(answers.problem(), QString());
     QVERIFY(texts.size() >= 8);
     QVERIFY2(escaped(texts).isEmpty(), qPrintable(escaped(texts).join(u'\n')));
 }

@@ -70,8 +70,8 @@ struct SeenDialog
 
 /// Answers the modal dialogs that come up during its lifetime, one answer each, in order.
 ///
-/// A dialog without an answer is dismissed, and so is one that an answer did not end: no test hangs. Check
-/// problem() at the end.
+/// A dialog without an answer is dismissed, and so is one that an answer did not end: no test hangs. That
+/// fails the running test function in the end, unless it has asked for problem() itself.
 class DialogAnswers
 {
 public:
@@ -82,10 +82,18 @@ public:
         QObject::connect(&poll, &QTimer::timeout, &poll, [this] { lookForDialog(); });
         poll.start(5);
     }
+    ~DialogAnswers()
+    {
+        if (!isAsked)
+            QCOMPARE(problem(), QString());
+    }
+    DialogAnswers(const DialogAnswers &) = delete;
+    DialogAnswers &operator=(const DialogAnswers &) = delete;
 
     /// Empty if each answer had its dialog and each dialog its answer.
     QString problem() const
     {
+        isAsked = true;
         if (!trouble.isEmpty())
             return trouble;
         return seenDialogs.size() < answers.size() ? QStringLiteral("a dialog did not come") : QString();
@@ -144,6 +152,7 @@ private:
     std::vector<Answer> answers;
     std::vector<SeenDialog> seenDialogs;
     QString trouble;
+    mutable bool isAsked = false;
     QTimer poll;
     QPointer<QDialog> current;
     QElapsedTimer since;

@@ -204,7 +204,6 @@ inline void WorstMoment::goOn()
     QVERIFY(QTest::qWaitForWindowActive(window.get()));
     paint();
     letGo();
-    paint();
     if (tabIsThere()) {
         QCOMPARE(otherTexts(), textsBefore);
         // Nothing leads there from a node that is no more.

@@ -132,12 +132,12 @@ private:
 
 inline WorstStage::WorstStage() : window(std::make_unique<MainWindow>())
 {
-    window->resize(1500, 950);
+    window->resize(1500, 640);
     window->show();
     QVERIFY(QTest::qWaitForWindowActive(window.get()));
-    Record duskRecord{QStringLiteral("Dusk"), QPointF(20, 420), 0};
-    Record dawnRecord{QStringLiteral("Dawn"), QPointF(20, 60), 1, -1, true};
-    Record nightRecord{QStringLiteral("Night"), QPointF(560, 560), 2};
+    Record duskRecord{QStringLiteral("Dusk"), QPointF(20, 320), 0};
+    Record dawnRecord{QStringLiteral("Dawn"), QPointF(20, 20), 1, -1, true};
+    Record nightRecord{QStringLiteral("Night"), QPointF(560, 420), 2};
     Record awayRecord{QStringLiteral("Away"), QPointF(20, 30), 0, -1, true};
     for (Record *record : {&duskRecord, &dawnRecord, &nightRecord, &awayRecord})
         record->description = QStringLiteral("What happens at %1.").arg(record->title);
@@ -164,7 +164,7 @@ inline WorstStage::WorstStage() : window(std::make_unique<MainWindow>())
     QCOMPARE(noon->prevNode(), dawn.data());
     noon->setNodeName(QStringLiteral("Noon"));
     typeInto(descriptionOf(noon), QStringLiteral("What happens at Noon."));
-    noon->setPos(560, 260);
+    noon->setPos(560, 200);
     noon->updateLines();
     showCorner();
     press(outputOf(noon));
@@ -204,6 +204,7 @@ inline void WorstStage::letGo()
     paint();
     QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, whereLeft);
     isHeld = false;
+    paint();
 }
 
 inline void WorstStage::key(Qt::Key key, Qt::KeyboardModifiers modifiers) const

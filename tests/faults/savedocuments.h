@@ -31,14 +31,16 @@ private:
     QtMessageHandler previous = nullptr;
 };
 
-/// Events in a chain, each with a description of that many characters.
+/// Events in a chain, each with a description of that many characters. They stand in words: a single one of
+/// that length takes longer to be laid out than its save takes.
 inline std::vector<Record> chainOfRecords(int count, int length)
 {
     std::vector<Record> records;
     for (int i = 0; i < count; ++i) {
         Record record{QStringLiteral("Chapter %1").arg(i), QPointF(500.0 * i, 40.0 * i), i, i - 1};
         record.endOfStory = i == count - 1;
-        record.description = QString(length, QChar(char16_t(u'a' + i % 26)));
+        const QString word = QString(7, QChar(char16_t(u'a' + i % 26))) + QLatin1Char(' ');
+        record.description = word.repeated(length / 8 + 1).left(length);
         records.push_back(record);
     }
     return records;

@@ -38,7 +38,7 @@ inline bool hasColor(const QImage &image, const QColor &color)
     return false;
 }
 
-/// A shown window on a scene, in which texts can be clicked and typed.
+/// A window on a scene that is shown and active: texts can be clicked and typed in it.
 struct Desk
 {
     QGraphicsScene scene{0, 0, 1000, 800};
@@ -49,9 +49,8 @@ struct Desk
         scene.setBspTreeDepth(12); // fine enough to miss an item that moved unannounced
         view.setGeometry(0, 0, 1100, 900);
         view.show();
+        QVERIFY(QTest::qWaitForWindowActive(&view));
     }
-
-    bool isReady() { return QTest::qWaitForWindowActive(&view); }
 
     void click(const QPointF &scenePos, Qt::MouseButton button = Qt::LeftButton)
     {

@@ -120,7 +120,6 @@ void tst_EventData::outlineFollowsTheTextAtOnce()
 {
     QFETCH(QString, way);
     EventDesk desk;
-    QVERIFY(desk.isReady());
     STLineEdit *text = desk.event->descriptionItem();
     if (way == QLatin1String("undone"))
         desk.key(Qt::Key_Return);
@@ -164,7 +163,6 @@ void tst_EventData::paintsNothingItself()
 void tst_EventData::typingReportsOncePerChange()
 {
     EventDesk desk;
-    QVERIFY(desk.isReady());
     desk.type(QStringLiteral("!"));
     QCOMPARE(desk.changed.count(), 1);
     desk.type(QStringLiteral("abc"));
@@ -179,7 +177,6 @@ void tst_EventData::typingReportsOncePerChange()
 void tst_EventData::clickThatRemovesThePlaceholderIsReported()
 {
     EventDesk desk;
-    QVERIFY(desk.isReady());
     desk.click(desk.event->descriptionItem()->sceneBoundingRect().center());
     QCOMPARE(desk.event->getDescription(), QString());
     QCOMPARE(desk.changed.count(), 1);
@@ -188,7 +185,6 @@ void tst_EventData::clickThatRemovesThePlaceholderIsReported()
 void tst_EventData::changeBackToTheLastReportedTextIsNotReported()
 {
     EventDesk desk;
-    QVERIFY(desk.isReady());
     desk.event->setDescription(QStringLiteral("Enter descriptio"));
     desk.edit(desk.event->descriptionItem());
     desk.type(QStringLiteral("n"));
@@ -201,7 +197,6 @@ void tst_EventData::changeBackToTheLastReportedTextIsNotReported()
 void tst_EventData::comparisonIsCaseSensitive()
 {
     EventDesk desk;
-    QVERIFY(desk.isReady());
     desk.event->setDescription(QStringLiteral("Enter descriptio"));
     desk.edit(desk.event->descriptionItem());
     desk.type(QStringLiteral("N"));
@@ -228,7 +223,6 @@ void tst_EventData::settingTheDescriptionReportsNothing()
 void tst_EventData::editAfterASetIsComparedWithTheOlderText()
 {
     EventDesk desk;
-    QVERIFY(desk.isReady());
     desk.type(QStringLiteral("s")); // reported
     desk.event->setDescription(QStringLiteral("Rain"));
     desk.edit(desk.event->descriptionItem());
@@ -243,7 +237,6 @@ void tst_EventData::editAfterASetIsComparedWithTheOlderText()
 void tst_EventData::undoInsideTheTextIsReported()
 {
     EventDesk desk;
-    QVERIFY(desk.isReady());
     desk.type(QStringLiteral("!"));
     desk.key(Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(desk.event->getDescription(), placeholder);

@@ -279,7 +279,6 @@ void tst_Node::editingIsReportedAfterTheResize()
     Desk desk;
     auto *node = new Node(0);
     desk.scene.addItem(node);
-    QVERIFY(desk.isReady());
     const double before = node->boundingRect().height();
     QList<double> heights;
     connect(node, &Node::s_changed, node,
@@ -317,7 +316,6 @@ void tst_Node::editingTheTitleIsNotReported()
     Desk desk;
     auto *node = new Node(0);
     desk.scene.addItem(node);
-    QVERIFY(desk.isReady());
     const QSignalSpy changed(node, &Node::s_changed);
     desk.edit(node->nameItem());
     desk.type(QStringLiteral("s"));
@@ -361,7 +359,6 @@ void tst_Node::dyingWithTheFocusInATextIsQuiet()
     Desk desk;
     auto *node = new Node(0);
     desk.scene.addItem(node);
-    QVERIFY(desk.isReady());
     QGraphicsTextItem *text = node->nameItem();
     if (!inTitle)
         text = node->payload()->eventContent()->descriptionItem();

@@ -196,7 +196,6 @@ void tst_Node_Layout::everythingFollowsTheTextAtOnce()
     QFETCH(QString, way);
     const QString tall = QStringLiteral("One\ntwo\nthree\nfour");
     GraphDesk desk;
-    QVERIFY(desk.isReady());
     STLineEdit *text = descriptionOf(desk.node);
     desk.edit(text);
     if (way == QLatin1String("undone") || way == QLatin1String("redone"))
@@ -361,7 +360,6 @@ void tst_Node_Layout::headerIsPaintedOverTheBody()
 void tst_Node_Layout::endOfStoryIsRepainted()
 {
     GraphDesk desk;
-    QVERIFY(desk.isReady());
     QSignalSpy changed(&desk.scene, &QGraphicsScene::changed);
     desk.node->update(); // what was still to be painted is told with it
     QTRY_VERIFY(!changed.isEmpty());
@@ -374,7 +372,6 @@ void tst_Node_Layout::endOfStoryIsRepainted()
 void tst_Node_Layout::longTitleStaysInTheHeader()
 {
     GraphDesk desk;
-    QVERIFY(desk.isReady());
     const QRectF beside(desk.node->scenePos() + QPointF(455, 0), QSizeF(300, 34));
     const QImage canvas = painted(desk.scene, beside);
     desk.node->setNodeName(longTitle);

@@ -129,7 +129,6 @@ void tst_NodeData::typingReportsOncePerChange()
     Desk desk;
     auto *data = new NodeData(0, nullptr);
     desk.scene.addItem(data);
-    QVERIFY(desk.isReady());
     QStringList order;
     connect(data->eventContent(), &EventData::s_isChanged, data, [&] { order << QStringLiteral("content"); });
     connect(data, &NodeData::s_dataChanged, data, [&] { order << QStringLiteral("payload"); });

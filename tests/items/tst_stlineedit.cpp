@@ -136,7 +136,6 @@ void tst_STLineEdit::isATextToEditInPlace()
 void tst_STLineEdit::freshTextIsThePlaceholderInTheColourOfText()
 {
     TextDesk desk;
-    QVERIFY(desk.isReady());
     QCOMPARE(desk.text->toPlainText(), placeholder);
     QCOMPARE(desk.text->defaultTextColor(), inkColor);
     QVERIFY(hasColor(desk.image(), inkColor));
@@ -163,7 +162,6 @@ void tst_STLineEdit::panelIsPaintedFocusedOrNot()
 {
     QFETCH(bool, focused);
     TextDesk desk;
-    QVERIFY(desk.isReady());
     if (focused)
         desk.edit(desk.text);
     const QImage image = desk.image();
@@ -181,7 +179,6 @@ void tst_STLineEdit::panelIsPaintedFocusedOrNot()
 void tst_STLineEdit::firstClickRemovesThePlaceholder()
 {
     TextDesk desk;
-    QVERIFY(desk.isReady());
     desk.click(desk.middle());
     QVERIFY(desk.text->hasFocus());
     QCOMPARE(desk.text->toPlainText(), QString());
@@ -193,7 +190,6 @@ void tst_STLineEdit::firstClickRemovesThePlaceholder()
 void tst_STLineEdit::clickOnAPlaceholderThatWasTypedRemovesItToo()
 {
     TextDesk desk;
-    QVERIFY(desk.isReady());
     desk.click(desk.middle());
     desk.type(placeholder);
     QCOMPARE(desk.text->toPlainText(), placeholder);
@@ -205,7 +201,6 @@ void tst_STLineEdit::clickOnAPlaceholderThatWasTypedRemovesItToo()
 void tst_STLineEdit::clickLeavesOtherTextsAlone()
 {
     TextDesk desk;
-    QVERIFY(desk.isReady());
     desk.click(desk.middle());
     desk.type(QStringLiteral("Rain"));
     desk.text->clearFocus();
@@ -225,7 +220,6 @@ void tst_STLineEdit::placeholderIsComparedExactly()
 {
     QFETCH(QString, text);
     TextDesk desk;
-    QVERIFY(desk.isReady());
     desk.text->setText(text);
     desk.click(desk.middle());
     QCOMPARE(desk.text->toPlainText(), text);
@@ -234,7 +228,6 @@ void tst_STLineEdit::placeholderIsComparedExactly()
 void tst_STLineEdit::emptyTextStaysEmptyWhenLeft()
 {
     TextDesk desk;
-    QVERIFY(desk.isReady());
     desk.click(desk.middle());
     desk.text->clearFocus();
     QCOMPARE(desk.text->toPlainText(), QString());
@@ -245,7 +238,6 @@ void tst_STLineEdit::emptyTextStaysEmptyWhenLeft()
 void tst_STLineEdit::leavingClearsTheSelection()
 {
     TextDesk desk;
-    QVERIFY(desk.isReady());
     desk.text->setText(QStringLiteral("Rain"));
     desk.edit(desk.text);
     desk.key(Qt::Key_A, Qt::ControlModifier);
@@ -320,7 +312,6 @@ void tst_STLineEdit::panelCoversTheTextAtOnce()
     QFETCH(Edit, prepare);
     QFETCH(Edit, edit);
     TextDesk desk;
-    QVERIFY(desk.isReady());
     desk.edit(desk.text);
     prepare(desk);
     desk.edit(desk.text);
@@ -333,7 +324,6 @@ void tst_STLineEdit::panelCoversTheTextAtOnce()
 void tst_STLineEdit::listenersSeeTheNewOutline()
 {
     TextDesk desk;
-    QVERIFY(desk.isReady());
     QList<double> heights;
     connect(desk.text->document(), &QTextDocument::contentsChanged, &desk.scene,
             [&] { heights << desk.text->boundingRect().height() - textArea(*desk.text).height(); });
@@ -354,7 +344,6 @@ void tst_STLineEdit::returnAndEnterBreakTheLine()
 {
     QFETCH(Qt::Key, key);
     TextDesk desk;
-    QVERIFY(desk.isReady());
     desk.text->setText(QStringLiteral("Rain"));
     desk.edit(desk.text);
     const double line = desk.text->boundingRect().height() - 30; // without the margins
@@ -370,7 +359,6 @@ void tst_STLineEdit::returnAndEnterBreakTheLine()
 void tst_STLineEdit::longLineWrapsAtTheTextWidth()
 {
     TextDesk desk;
-    QVERIFY(desk.isReady());
     desk.click(desk.middle());
     const double line = desk.text->boundingRect().height() - 30;
     desk.type(longLine);
@@ -412,7 +400,6 @@ void tst_STLineEdit::textWidthCanBeChanged()
 void tst_STLineEdit::panelGrowsAgainWhenTheFocusIsLost()
 {
     TextDesk desk;
-    QVERIFY(desk.isReady());
     desk.edit(desk.text);
     desk.text->setRect(QRectF(0, 0, 20, 10));
     desk.key(Qt::Key_Left); // changes nothing in the text
@@ -465,7 +452,6 @@ void tst_STLineEdit::parentHearsOfANewSizeBeforeAndAfter()
 void tst_STLineEdit::grownPanelIsFoundWhereItIsPainted()
 {
     TextDesk desk;
-    QVERIFY(desk.isReady());
     const QPointF below = desk.text->sceneBoundingRect().bottomLeft() + QPointF(30, 60);
     QCOMPARE(desk.scene.itemAt(below, QTransform()), nullptr);
     desk.text->setText(longLine + QLatin1Char('\n') + longLine);
@@ -478,7 +464,6 @@ void tst_STLineEdit::grownPanelIsFoundWhereItIsPainted()
 void tst_STLineEdit::panelOfAGivenSizeIsRepaintedThere()
 {
     TextDesk desk;
-    QVERIFY(desk.isReady());
     const QPointF below = desk.text->sceneBoundingRect().bottomLeft() + QPointF(30, 300);
     QVERIFY(desk.scene.items(QRectF(below, QSizeF(1, 1)), Qt::IntersectsItemBoundingRect).isEmpty());
     desk.text->setRect(QRectF(0, 0, 400, 500));

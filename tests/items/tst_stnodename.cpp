@@ -107,7 +107,6 @@ void tst_STNodeName::isABoldLightTextToEditInPlace()
 void tst_STNodeName::paintsItsTextLight()
 {
     TitleDesk desk(QStringLiteral("Event"));
-    QVERIFY(desk.isReady());
     QVERIFY(hasColor(desk.image(), titleColor));
 }
 
@@ -122,7 +121,6 @@ void tst_STNodeName::clickSelectsAll()
 {
     QFETCH(QString, text);
     TitleDesk desk(text);
-    QVERIFY(desk.isReady());
     desk.click(desk.middle());
     QVERIFY(desk.title->hasFocus());
     QCOMPARE(desk.title->textCursor().selection().toPlainText(), text);
@@ -131,7 +129,6 @@ void tst_STNodeName::clickSelectsAll()
 void tst_STNodeName::typingAfterAClickReplacesTheTitle()
 {
     TitleDesk desk(QStringLiteral("Event"));
-    QVERIFY(desk.isReady());
     desk.click(desk.middle());
     desk.type(QStringLiteral("Storm"));
     QCOMPARE(desk.title->toPlainText(), QStringLiteral("Storm"));
@@ -140,7 +137,6 @@ void tst_STNodeName::typingAfterAClickReplacesTheTitle()
 void tst_STNodeName::clickOnAnEmptyTitleSelectsNothing()
 {
     TitleDesk desk{QString()};
-    QVERIFY(desk.isReady());
     desk.click(desk.middle());
     QVERIFY(desk.title->hasFocus());
     QCOMPARE(desk.title->textCursor().hasSelection(), false);
@@ -151,7 +147,6 @@ void tst_STNodeName::clickOnAnEmptyTitleSelectsNothing()
 void tst_STNodeName::leavingClearsTheSelection()
 {
     TitleDesk desk(QStringLiteral("Event"));
-    QVERIFY(desk.isReady());
     desk.click(desk.middle());
     const int position = desk.title->textCursor().position();
     desk.title->clearFocus();
@@ -163,7 +158,6 @@ void tst_STNodeName::leavingClearsTheSelection()
 void tst_STNodeName::panelIsPaintedOnlyWhileEditing()
 {
     TitleDesk desk(QStringLiteral("Event"));
-    QVERIFY(desk.isReady());
     const QPointF beside = desk.title->sceneBoundingRect().topLeft() + QPointF(1, 12); // in the margin
     QCOMPARE(colorAt(desk.scene, beside), QColor(0, 0, 0));
     desk.edit(desk.title);
@@ -175,7 +169,6 @@ void tst_STNodeName::panelIsPaintedOnlyWhileEditing()
 void tst_STNodeName::panelHasRoundedCornersAndNoFrame()
 {
     TitleDesk desk(QStringLiteral("Event"));
-    QVERIFY(desk.isReady());
     desk.edit(desk.title);
     const QImage image = desk.image();
     QCOMPARE(image.pixelColor(0, 0), QColor(0, 0, 0));
@@ -218,7 +211,6 @@ void tst_STNodeName::longTitleShowsItsBeginningAndAnEllipsis()
     QFETCH(QString, text);
     QFETCH(QString, hasToBeCut);
     TitleDesk desk(text);
-    QVERIFY(desk.isReady());
     desk.title->setAvailableWidth(200);
     const QRectF outline = desk.title->boundingRect();
     QCOMPARE(outline.topLeft(), QPointF(0, 0));
@@ -243,7 +235,6 @@ void tst_STNodeName::longTitleShowsItsBeginningAndAnEllipsis()
 void tst_STNodeName::longTitleIsShownWholeWhileEdited()
 {
     TitleDesk desk(longTitle);
-    QVERIFY(desk.isReady());
     const QImage whole = desk.image();
     desk.title->setAvailableWidth(200);
     const QImage shortened = desk.image();
@@ -272,7 +263,6 @@ void tst_STNodeName::toolTipFollowsTheHiddenEnd()
 void tst_STNodeName::moreWidthShowsMore()
 {
     TitleDesk desk(longTitle);
-    QVERIFY(desk.isReady());
     desk.title->setAvailableWidth(150);
     const int narrow = paintedColumns(desk.image()).second;
     desk.title->setAvailableWidth(300);
@@ -296,7 +286,6 @@ void tst_STNodeName::shorteningATitleEndsTheEllipsis()
 void tst_STNodeName::shortenedTitleIsHitOnlyWhereItIsShown()
 {
     TitleDesk desk(longTitle);
-    QVERIFY(desk.isReady());
     const QPointF inside = desk.title->scenePos() + QPointF(190, 10);
     const QPointF outside = desk.title->scenePos() + QPointF(300, 10);
     QCOMPARE(desk.scene.itemAt(outside, QTransform()), desk.title);
@@ -320,7 +309,6 @@ void tst_STNodeName::canvasIsRepaintedWhereATitleIsCutOff()
 {
     QFETCH(bool, edited);
     TitleDesk desk(longTitle);
-    QVERIFY(desk.isReady());
     if (edited) {
         desk.title->setAvailableWidth(200);
         desk.edit(desk.title);

@@ -75,7 +75,6 @@ void tst_TextEditing::pastedTextIsPlain()
 {
     QFETCH(bool, isTitle);
     TextDesk desk(isTitle, QStringLiteral("Old "));
-    QVERIFY(desk.isReady());
     desk.paste(html, plain);
     QCOMPARE(desk.text->toPlainText(), QStringLiteral("Old loud rain"));
     TextDesk typed(isTitle, QStringLiteral("Old loud rain"));
@@ -89,7 +88,6 @@ void tst_TextEditing::droppedTextIsPlain()
 {
     QFETCH(bool, isTitle);
     TextDesk desk(isTitle, QStringLiteral("Old "));
-    QVERIFY(desk.isReady());
     QMimeData mime;
     mime.setText(plain);
     mime.setHtml(html);
@@ -130,7 +128,6 @@ void tst_TextEditing::textClaimsItsEditingKeysOnly()
     QFETCH(bool, isTitle);
     QFETCH(QKeySequence, keys);
     TextDesk desk(isTitle, QStringLiteral("Rain"));
-    QVERIFY(desk.isReady());
     QKeyEvent event(QEvent::ShortcutOverride, keys[0].key(), keys[0].keyboardModifiers());
     event.ignore();
     QCoreApplication::sendEvent(&desk.view, &event);
@@ -155,7 +152,6 @@ void tst_TextEditing::textTakesUndoAndRedoByKey()
     QFETCH(bool, isTitle);
     QFETCH(QKeySequence, redo);
     TextDesk desk(isTitle, QStringLiteral("Rain"));
-    QVERIFY(desk.isReady());
     desk.type(QStringLiteral("s"));
     desk.key(Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(desk.text->toPlainText(), QStringLiteral("Rain"));

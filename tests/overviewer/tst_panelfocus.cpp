@@ -61,7 +61,6 @@ private:
 void tst_PanelFocus::keysStayInTheEntry()
 {
     PanelWindow w(5);
-    QVERIFY(w.isReady());
     prepareRow(w);
     w.click(written);
     w.type(u"abcxy"_s);
@@ -83,7 +82,6 @@ void tst_PanelFocus::keysStayInTheEntry()
 void tst_PanelFocus::selectionStays()
 {
     PanelWindow w(5);
-    QVERIFY(w.isReady());
     prepareRow(w);
     w.click(written);
     w.type(u"one two three"_s);
@@ -103,7 +101,6 @@ void tst_PanelFocus::selectionStays()
 void tst_PanelFocus::historyOfTheTextStays()
 {
     PanelWindow w(5);
-    QVERIFY(w.isReady());
     prepareRow(w);
     w.click(written);
     w.type(u"abc"_s);
@@ -124,7 +121,6 @@ void tst_PanelFocus::historyOfTheTextStays()
 void tst_PanelFocus::entryFarDownKeepsTheKeyboard()
 {
     PanelWindow w(60);
-    QVERIFY(w.isReady());
     w.click(50);
     w.type(u"abc"_s);
     w.key(Qt::Key_I, Qt::ControlModifier);
@@ -137,7 +133,6 @@ void tst_PanelFocus::entryFarDownKeepsTheKeyboard()
 void tst_PanelFocus::commandOfAMenuLeavesTheKeyboard()
 {
     PanelWindow w(5);
-    QVERIFY(w.isReady());
     w.click(written);
     w.type(u"abc"_s);
     w.key(Qt::Key_F10);
@@ -159,7 +154,6 @@ void tst_PanelFocus::commandOfAMenuLeavesTheKeyboard()
 void tst_PanelFocus::windowInTheBackgroundKeepsTheKeyboard()
 {
     PanelWindow w(5);
-    QVERIFY(w.isReady());
     w.click(written);
     w.type(u"abc"_s);
     QWidget other;
@@ -185,7 +179,6 @@ void tst_PanelFocus::keysChangeNothingOnceTheEventIsGone()
 {
     QFETCH(const QString, reason);
     PanelWindow w(5);
-    QVERIFY(w.isReady());
     w.window.addNodeGraphTab();
     const int last = 4;
     w.click(last);
@@ -236,7 +229,6 @@ void tst_PanelFocus::keyboardComesBackWithTheEvent()
 {
     QFETCH(const QString, way);
     PanelWindow w(5);
-    QVERIFY(w.isReady());
     w.window.addNodeGraphTab();
     w.click(written);
     w.type(u"abc"_s);
@@ -268,7 +260,6 @@ void tst_PanelFocus::keyboardComesBackWithTheEvent()
 void tst_PanelFocus::otherTabHasOtherEvents()
 {
     PanelWindow w(3);
-    QVERIFY(w.isReady());
     w.window.addNodeGraphTab();
     NodegraphScene *second = sceneOf(w.window, 1);
     for (int i = 0; i < 3; ++i)
@@ -300,7 +291,6 @@ void tst_PanelFocus::keyboardThatWentElsewhereStaysThere()
 {
     QFETCH(const QString, place);
     PanelWindow w(3);
-    QVERIFY(w.isReady());
     w.click(2);
     w.type(u"abc"_s);
     w.scene.setEndOfStory(w.node(1));
@@ -327,7 +317,6 @@ void tst_PanelFocus::keyboardThatWentElsewhereStaysThere()
 void tst_PanelFocus::textThatChangedMeanwhileIsShown()
 {
     PanelWindow w(3);
-    QVERIFY(w.isReady());
     w.click(written);
     w.type(u"a long text"_s);
     w.key(Qt::Key_L, Qt::ControlModifier);
@@ -343,7 +332,6 @@ void tst_PanelFocus::textThatChangedMeanwhileIsShown()
 void tst_PanelFocus::clickOnAnotherEntryGoesThere()
 {
     PanelWindow w(3);
-    QVERIFY(w.isReady());
     w.click(written);
     w.type(u"abc"_s);
     w.click(2);
@@ -359,7 +347,6 @@ void tst_PanelFocus::windowMayGoWhileATextIsWritten()
     QPointer<STLineEdit> text;
     {
         PanelWindow w(3);
-        QVERIFY(w.isReady());
         w.click(written);
         w.type(u"abc"_s);
         text = descriptionOf(w.entryOf(written));
@@ -368,7 +355,6 @@ void tst_PanelFocus::windowMayGoWhileATextIsWritten()
     QVERIFY(text.isNull());
     {
         PanelWindow w(3);
-        QVERIFY(w.isReady());
         w.click(written);
         text = descriptionOf(w.entryOf(written));
         w.key(Qt::Key_L, Qt::ControlModifier); // it waits, and nobody comes for it

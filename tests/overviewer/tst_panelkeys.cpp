@@ -86,7 +86,6 @@ void tst_PanelKeys::tabComesAndGoes()
 {
     QFETCH(const Qt::KeyboardModifiers, modifiers);
     PanelWindow w(3);
-    QVERIFY(w.isReady());
     w.click(1);
     w.type(u"abc"_s);
     w.window.views().front()->setFocus(Qt::MouseFocusReason);
@@ -106,7 +105,6 @@ void tst_PanelKeys::tabLeavesTheCanvas()
 {
     QFETCH(const Qt::KeyboardModifiers, modifiers);
     PanelWindow w(3);
-    QVERIFY(w.isReady());
     w.key(Qt::Key_F2);
     w.type(u"abc"_s);
     w.key(Qt::Key_Escape);
@@ -122,7 +120,6 @@ void tst_PanelKeys::tabLeavesTheCanvas()
 void tst_PanelKeys::tabComesToTheCanvas()
 {
     PanelWindow w(3);
-    QVERIFY(w.isReady());
     w.key(Qt::Key_F2);
     w.type(u"abc"_s);
     w.click(1);
@@ -140,7 +137,6 @@ void tst_PanelKeys::tabComesToTheCanvas()
 void tst_PanelKeys::markIsSeenWhileThePanelHasTheKeyboard()
 {
     PanelWindow w(3);
-    QVERIFY(w.isReady());
     const QImage unmarked = pictureOf(w);
     QVERIFY(reachPanel(w));
     QVERIFY(placeOf(w, 0).contains(difference(unmarked, pictureOf(w))));
@@ -157,7 +153,6 @@ void tst_PanelKeys::markIsSeenWhileThePanelHasTheKeyboard()
 void tst_PanelKeys::markStandsOut()
 {
     PanelWindow w(3);
-    QVERIFY(w.isReady());
     w.node(1)->setImportant(true);
     const QImage unmarked = pictureOf(w);
     QVERIFY(reachPanel(w));
@@ -197,7 +192,6 @@ void tst_PanelKeys::keysGoAboutTheEntries()
     QFETCH(const QList<int>, keys);
     QFETCH(const int, index);
     PanelWindow w(40);
-    QVERIFY(w.isReady());
     QVERIFY(reachPanel(w));
     for (const int key : keys)
         w.key(Qt::Key(key));
@@ -220,7 +214,6 @@ void tst_PanelKeys::beginningToWrite()
 {
     QFETCH(const int, key);
     PanelWindow w(2);
-    QVERIFY(w.isReady());
     typeInto(descriptionOf(w.node(0)), u"first\nsecond"_s);
     QVERIFY(reachPanel(w));
     w.key(Qt::Key(key));
@@ -237,7 +230,6 @@ void tst_PanelKeys::beginningToWrite()
 void tst_PanelKeys::escapeLeavesTheText()
 {
     PanelWindow w(3);
-    QVERIFY(w.isReady());
     w.click(1);
     w.type(u"abc"_s);
     const QImage unmarked = pictureOf(w);
@@ -262,7 +254,6 @@ void tst_PanelKeys::markFollowsItsEvent()
 {
     QFETCH(const int, command);
     PanelWindow w(5);
-    QVERIFY(w.isReady());
     panelCommands().at(std::size_t(command)).prepare(w);
     w.window.views().front()->setFocus();
     QVERIFY(reachPanel(w));
@@ -283,7 +274,6 @@ void tst_PanelKeys::markFollowsItsEvent()
 void tst_PanelKeys::markGoesWithItsEvent()
 {
     PanelWindow w(5);
-    QVERIFY(w.isReady());
     QVERIFY(reachPanel(w));
     w.key(Qt::Key_End);
     w.command("actionUndo");
@@ -305,7 +295,6 @@ void tst_PanelKeys::markGoesWithItsEvent()
 void tst_PanelKeys::keysOfATextDoNothingWithoutOne()
 {
     PanelWindow w(3);
-    QVERIFY(w.isReady());
     QVERIFY(reachPanel(w));
     const QByteArray before = w.document();
     for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_Backspace, Qt::Key_Space})
@@ -325,7 +314,6 @@ void tst_PanelKeys::keysOfATextDoNothingWithoutOne()
 void tst_PanelKeys::clickWritesAtOnce()
 {
     PanelWindow w(3);
-    QVERIFY(w.isReady());
     QVERIFY(reachPanel(w));
     w.click(1);
     w.type(u"abc"_s);
@@ -340,7 +328,6 @@ void tst_PanelKeys::clickWritesAtOnce()
 void tst_PanelKeys::longListIsGoneAboutAsAnyOther()
 {
     PanelWindow w(0);
-    QVERIFY(w.isReady());
     const QString file = w.home.filePath(u"long.scene"_s);
     QVERIFY(writeFile(file, chain(3000)));
     w.window.loadFrom(file);

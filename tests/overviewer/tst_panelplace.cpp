@@ -61,7 +61,6 @@ void tst_PanelPlace::topEntryStays()
 {
     QFETCH(const int, command);
     PanelWindow w(events);
-    QVERIFY(w.isReady());
     for (int i = 0; i < events; i += 2) // for the filter
         w.node(i)->setImportant(true);
     panelCommands().at(std::size_t(command)).prepare(w);
@@ -81,7 +80,6 @@ void tst_PanelPlace::topEntryStays()
 void tst_PanelPlace::shorterListShowsWhatItCan()
 {
     PanelWindow w(events);
-    QVERIFY(w.isReady());
     w.view.verticalScrollBar()->setValue(w.view.verticalScrollBar()->maximum());
     const Top last = topOf(w);
     w.command("actionUndo");
@@ -97,7 +95,6 @@ void tst_PanelPlace::shorterListShowsWhatItCan()
 void tst_PanelPlace::nextEntryTakesThePlaceOfOneThatIsGone()
 {
     PanelWindow w(events);
-    QVERIFY(w.isReady());
     scrollTo(w, 20, 7);
     w.scene.sl_selectCurrentNode(w.node(20));
     w.command("actionDelete");
@@ -110,7 +107,6 @@ void tst_PanelPlace::nextEntryTakesThePlaceOfOneThatIsGone()
 void tst_PanelPlace::formerEntryTakesItIfNoneIsBehind()
 {
     PanelWindow w(events);
-    QVERIFY(w.isReady());
     scrollTo(w, 40, 7);
     w.scene.setEndOfStory(w.node(30));
     QVERIFY(isAtTheEnd(w));
@@ -121,7 +117,6 @@ void tst_PanelPlace::formerEntryTakesItIfNoneIsBehind()
 void tst_PanelPlace::filteredListBeginsWithTheNextEntry()
 {
     PanelWindow w(events);
-    QVERIFY(w.isReady());
     for (int i = 0; i < events; i += 2)
         w.node(i)->setImportant(true);
     scrollTo(w, 21, 7);
@@ -135,7 +130,6 @@ void tst_PanelPlace::filteredListBeginsWithTheNextEntry()
 void tst_PanelPlace::whoScrollsHasAnotherPlace()
 {
     PanelWindow w(events);
-    QVERIFY(w.isReady());
     for (int i = 0; i < events; i += 2)
         w.node(i)->setImportant(true);
     scrollTo(w, 21, 7);
@@ -153,7 +147,6 @@ void tst_PanelPlace::whoScrollsHasAnotherPlace()
 void tst_PanelPlace::everyTabHasItsOwn()
 {
     PanelWindow w(events);
-    QVERIFY(w.isReady());
     w.window.addNodeGraphTab();
     scrollTo(w, 20, 7);
     w.clickTab(1);
@@ -170,7 +163,6 @@ void tst_PanelPlace::everyTabHasItsOwn()
 void tst_PanelPlace::entryAboveMayGrow()
 {
     PanelWindow w(events);
-    QVERIFY(w.isReady());
     scrollTo(w, 20, 7);
     for (const int above : {3, 19}) {
         const double height = w.entryOf(above)->boundingRect().height();
@@ -183,7 +175,6 @@ void tst_PanelPlace::entryAboveMayGrow()
 void tst_PanelPlace::listMayBecomeLongerAtItsBeginning()
 {
     PanelWindow w(events);
-    QVERIFY(w.isReady());
     QCOMPARE(topOf(w), Top(0, 0));
     const Node *loose = addLoose(w.scene, QPointF(100, 3000));
     emit w.scene.s_UndoCommandAdded(new ConnectNodesCommand(&w.scene, 0, loose->getIndex()));

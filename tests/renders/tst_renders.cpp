@@ -234,7 +234,6 @@ void tst_Renders::questionLooksAsBefore()
         press(QMessageBox::Cancel)(dialog);
     }});
     window->closeTab(1);
-    QCOMPARE(answers.problem(), QString());
     compareWithReference(shown, QStringLiteral("question"));
 }
 
