@@ -1,6 +1,7 @@
 #include "items/greekedtext.h"
 
 #include "items/detail.h"
+#include "items/latetext.h"
 
 #include <QColor>
 #include <QFont>
@@ -72,7 +73,7 @@ void GreekedText::paint(QPainter &painter, const QString &text, const QFont &fon
     const Type &type = typeOf(font);
     const int lines = std::max(1, qRound(area.height() / type.lineHeight));
     if (lengths.isEmpty())
-        measure(text, lines, std::max(1.0, area.width() / type.advance));
+        measure(LongText::shown(text), lines, std::max(1.0, area.width() / type.advance));
     QColor color = ink;
     const double pitch = area.height() / lines;
     if (pitch * Detail::scaleOf(painter) < finestPitch) {

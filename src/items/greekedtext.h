@@ -18,8 +18,8 @@ class GreekedText
 public:
     /// The text has changed.
     void forget() { lengths.clear(); }
-    /// Paints the bars of `text` into `area`, the place of its letters in the painter's coordinates, a line
-    /// for each height of `font` that fits.
+    /// Paints the bars of what is shown of `text` into `area`, the place of its letters in the painter's
+    /// coordinates, a line for each height of `font` that fits.
     void paint(QPainter &painter, const QString &text, const QFont &font, const QRectF &area,
                const QColor &ink);
 

@@ -200,7 +200,7 @@ void STLineEdit::paintGreeked(QPainter &painter, GreekedText &bars, const QStrin
     QColor color = backgroundColor;
     color.setAlphaF(float(ground));
     painter.fillRect(place, color);
-    bars.paint(painter, LongText::shown(text), textFont(),
+    bars.paint(painter, text, textFont(),
                place.adjusted(documentMargin, documentMargin, -documentMargin, -documentMargin), textColor);
 }
 

@@ -68,6 +68,6 @@ QRectF TitleLook::place(const QRectF &whole, double width) const
 void TitleLook::paintGreeked(QPainter &painter, GreekedText &bars, const QString &title,
                              const QRectF &place) const
 {
-    bars.paint(painter, isShortened() ? shortText : LongText::shown(title), font(),
+    bars.paint(painter, isShortened() ? shortText : title, font(),
                place.adjusted(margin, margin, -margin, -margin), ink);
 }
