@@ -12,7 +12,21 @@
 #include <QFile>
 #include <QPointF>
 
-void writeStory(const QString &path, int events)
+namespace {
+
+/// Which event feeds that one, -1 if none does.
+int feederOf(int event, int events, StoryShape shape)
+{
+    const int chain = shape == StoryShape::chain ? events : events / 2;
+    if (event < chain)
+        return event - 1;
+    const bool isFirstStored = (event - chain) % 2 == 0;
+    return isFirstStored && event + 1 < events ? event + 1 : chain - 1;
+}
+
+} // namespace
+
+void writeStory(const QString &path, int events, StoryShape shape)
 {
     constexpr int inARow = 100;
     QFile file(path);
@@ -25,8 +39,8 @@ void writeStory(const QString &path, int events)
         const QString text = (QString::number(i) + QLatin1Char(' ') + words).left(300);
         stream << QStringLiteral("Event") << QStringLiteral("Event %1").arg(i)
                << QPointF(600.0 * (i % inARow), 500.0 * (i / inARow)) // NOLINT(bugprone-integer-division)
-               << qint32(i) << qint32(i - 1) << qint32(i == events - 1 ? 1 : 0) << qint32(i % 7 == 3 ? 1 : 0)
-               << text;
+               << qint32(i) << qint32(feederOf(i, events, shape)) << qint32(i == events - 1 ? 1 : 0)
+               << qint32(i % 7 == 3 ? 1 : 0) << text;
     }
 }
 

@@ -10,8 +10,15 @@ class NodegraphView;
 class OverViewerScene;
 class QGraphicsView;
 
-/// Writes a scene file with one tab: so many events in one chain, 300 characters each, a hundred in a row.
-void writeStory(const QString &path, int events);
+/// Who feeds whom in a story.
+enum class StoryShape {
+    chain,             // each event the next one
+    pairsBehindAChain, // half of the events are a chain, whose last one feeds pairs; a pair's end is stored
+                       // first
+};
+
+/// Writes a scene file with one tab: so many events, 300 characters each, a hundred in a row.
+void writeStory(const QString &path, int events, StoryShape shape = StoryShape::chain);
 
 /// The program's window with a story in it, on a screen of its usual size.
 class StoryWindow : public QObject

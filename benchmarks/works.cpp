@@ -153,6 +153,15 @@ void Works::documents()
         settle(*story);
     };
     const int few = qMax(3, rounds / 2);
+    const QString pairs = folder.filePath(QStringLiteral("pairs.scene"));
+    writeStory(pairs, events, StoryShape::pairsBehindAChain);
+    add(
+        QStringLiteral("open pairs behind a chain"), empty,
+        [this, pairs] {
+            story->window().loadFrom(pairs);
+            story->show();
+        },
+        few);
     add(QStringLiteral("open"), empty, open, few);
     add(QStringLiteral("save"), {},
         [this] { story->window().saveTo(folder.filePath(QStringLiteral("saved"))); });

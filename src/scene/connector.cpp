@@ -5,6 +5,9 @@
 #include "items/socket.h"
 #include "scene/massremoval.h"
 
+#include <span>
+#include <vector>
+
 namespace {
 
 /// Marks the sockets of two nodes as each other's ends.
@@ -14,19 +17,54 @@ void pairSockets(Node *downstream, Node *upstream)
     upstream->setPartner(SocketType::output, downstream);
 }
 
+/// The nodes that a node feeds, over any number of nodes, one after the other. Nothing is joined or parted
+/// meanwhile.
+class FedNodes
+{
+public:
+    explicit FedNodes(const Node *node) { open(node); }
+
+    /// Null after the last one.
+    const Node *next()
+    {
+        if (unmet.empty())
+            return nullptr;
+        const Node *node = unmet.back().front();
+        unmet.back() = unmet.back().subspan(1);
+        if (unmet.back().empty())
+            unmet.pop_back();
+        open(node);
+        return node;
+    }
+
+private:
+    void open(const Node *node)
+    {
+        if (!node->nextNodes().empty())
+            unmet.emplace_back(node->nextNodes());
+    }
+
+    std::vector<std::span<Node *const>> unmet; // none of them empty
+};
+
 } // namespace
 
-// Every node has one input at most, so walking up from `upstream` meets every node that could feed it.
+// Every node has one input at most, so walking up from `upstream` meets every node that could feed it, and
+// walking down from `downstream` every node that it could feed. Both are walked a step at a time, and the
+// shorter way decides: a file may put many short stories behind a long one, or a long one behind many short
+// ones.
 bool Connector::wouldCloseCycle(const Node *downstream, const Node *upstream)
 {
     if (!downstream || !upstream)
         return false;
-    if (downstream == upstream)
-        return true;
-    if (downstream->nextNodes().empty()) // feeds nothing, so nobody's story can lead back to it
-        return false;
-    for (const Node *node = upstream; node; node = node->prevNode()) {
-        if (node == downstream)
+    FedNodes fed(downstream);
+    for (const Node *feeding = upstream; feeding; feeding = feeding->prevNode()) {
+        if (feeding == downstream)
+            return true;
+        const Node *node = fed.next();
+        if (!node)
+            return false;
+        if (node == upstream)
             return true;
     }
     return false;

@@ -7,12 +7,13 @@
 #include "support/testsupport.h"
 
 #include <QPointer>
+#include <QRandomGenerator>
 
 using Nodes = std::vector<Node *>;
 
 namespace {
 
-/// Four events on a canvas that knows nothing of them.
+/// Some events on a canvas that knows nothing of them.
 struct Wires
 {
     PromptScene canvas;
@@ -20,9 +21,9 @@ struct Wires
     Connector connector{lines};
     Nodes nodes;
 
-    Wires()
+    explicit Wires(int events = 4)
     {
-        for (int i = 0; i < 4; ++i) {
+        for (int i = 0; i < events; ++i) {
             auto *node = new Node(0);
             canvas.addItem(node);
             node->placeAt(QPointF(500 * i, 100));
@@ -53,6 +54,8 @@ private slots:
     void partingWhatNothingFeedsIsHarmless();
     void aCycleIsSeen_data();
     void aCycleIsSeen();
+    void aCycleIsSeenInBranchingStories_data();
+    void aCycleIsSeenInBranchingStories();
 };
 
 void tst_Connector::joinedNodesKnowEachOther()
@@ -189,6 +192,42 @@ void tst_Connector::aCycleIsSeen()
     QTEST(Connector::wouldCloseCycle(wires[std::size_t(downstream)], wires[std::size_t(upstream)]), "closes");
     QVERIFY(!Connector::wouldCloseCycle(nullptr, wires[0]));
     QVERIFY(!Connector::wouldCloseCycle(wires[0], nullptr));
+}
+
+void tst_Connector::aCycleIsSeenInBranchingStories_data()
+{
+    QTest::addColumn<quint32>("seed");
+    QTest::addColumn<int>("choice"); // how many events before it may feed an event; with one it is a chain
+    for (quint32 seed = 1; seed <= 4; ++seed) {
+        for (const int choice : {1, 3, 40})
+            QTest::addRow("seed %u, of the %d before", seed, choice) << seed << choice;
+    }
+}
+
+void tst_Connector::aCycleIsSeenInBranchingStories()
+{
+    QFETCH(quint32, seed);
+    QFETCH(int, choice);
+    constexpr int events = 40;
+    QRandomGenerator random(seed);
+    Wires wires(events);
+    std::vector<int> feeders(events, -1);
+    for (int i = 1; i < events; ++i) {
+        if (random.bounded(8) == 0)
+            continue; // a story of its own begins
+        feeders[std::size_t(i)] = std::max(0, i - 1 - random.bounded(choice));
+        wires.connector.join(wires[std::size_t(i)], wires[std::size_t(feeders[std::size_t(i)])]);
+    }
+    for (int downstream = 0; downstream < events; ++downstream) {
+        for (int upstream = 0; upstream < events; ++upstream) {
+            int feeding = upstream;
+            while (feeding >= 0 && feeding != downstream)
+                feeding = feeders[std::size_t(feeding)];
+            QVERIFY2(Connector::wouldCloseCycle(wires[std::size_t(downstream)],
+                                                wires[std::size_t(upstream)]) == (feeding == downstream),
+                     qPrintable(QStringLiteral("%1 fed by %2").arg(downstream).arg(upstream)));
+        }
+    }
 }
 
 QTEST_MAIN(tst_Connector)
