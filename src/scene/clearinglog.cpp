@@ -2,7 +2,6 @@
 
 #include "scene/nodegraphscene.h"
 
-#include <QDebug>
 #include <QSet>
 
 namespace {
@@ -34,7 +33,7 @@ void Departure::tellStory() const
 void Departure::part(const Node *node) const
 {
     tellStory();
-    qInfo() << "Disconnected node " << node->getIndex();
+    qInfo("Disconnected node  %d", node->getIndex());
 }
 
 void Departure::leave(const Node *node)
@@ -47,7 +46,7 @@ void Departure::leave(const Node *node)
     }
     if (node->hasInput() && !hasLeft(node->prevNode()))
         part(node);
-    qInfo() << "Deleted node " << node->getIndex();
+    qInfo("Deleted node  %d", node->getIndex());
     gone.insert(node);
     tellStory();
 }

@@ -3,6 +3,7 @@
 #include "items/promptscene.h"
 
 #include <algorithm>
+#include <functional>
 
 MassRemoval::Together::Together(MassRemoval &delayed) : removal(delayed) { ++removal.depth; }
 
@@ -21,7 +22,7 @@ void MassRemoval::bringIn(QGraphicsItem *item)
 void MassRemoval::takeOut(QGraphicsItem *item)
 {
     if (depth > 0)
-        leaving.push_back(item);
+        leaving.emplace_back(arrivals.value(item), item);
     else
         takeOutNow(item);
 }
@@ -35,10 +36,8 @@ void MassRemoval::takeOutNow(QGraphicsItem *item)
 void MassRemoval::takeOutLeaving()
 {
     canvas.takeInNewItems();
-    std::sort(leaving.begin(), leaving.end(), [this](const QGraphicsItem *a, const QGraphicsItem *b) {
-        return arrivals.value(a) > arrivals.value(b);
-    });
-    for (QGraphicsItem *item : leaving)
+    std::sort(leaving.begin(), leaving.end(), std::greater());
+    for (const auto &[arrival, item] : leaving)
         takeOutNow(item);
     leaving.clear();
 }

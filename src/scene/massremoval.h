@@ -2,6 +2,7 @@
 
 #include <QHash>
 
+#include <utility>
 #include <vector>
 
 class QGraphicsItem;
@@ -43,6 +44,6 @@ private:
     PromptScene &canvas;
     QHash<const QGraphicsItem *, quint64> arrivals; // when they came
     quint64 nextArrival = 0;
-    std::vector<QGraphicsItem *> leaving;
-    int depth = 0; // of Togethers in each other
+    std::vector<std::pair<quint64, QGraphicsItem *>> leaving; // with their arrivals
+    int depth = 0;                                            // of Togethers in each other
 };

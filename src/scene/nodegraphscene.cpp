@@ -204,7 +204,7 @@ void NodegraphScene::disconnectNode(Node *node)
         line->disconnect(this);
     parts->connector.part(node);
     updateStory();
-    qInfo() << "Disconnected node " << node->getIndex();
+    qInfo("Disconnected node  %d", node->getIndex());
 }
 
 void NodegraphScene::sl_socketClick(int type, QPointF pos)
@@ -241,7 +241,7 @@ void NodegraphScene::deleteNode(Node *node)
         disconnectNode(next);
     if (node->hasInput())
         disconnectNode(node);
-    qInfo() << "Deleted node " << node->getIndex();
+    qInfo("Deleted node  %d", node->getIndex());
     // Here, and nowhere else, a dying node leaves everything that the scene remembers.
     parts->all.remove(node);
     parts->selection.forget(node);
