@@ -59,7 +59,7 @@ NodegraphView::NodegraphView(QWidget *parent) : QGraphicsView(parent)
 void NodegraphView::setNodegraphScene(NodegraphScene *scene)
 {
     nodegraphScene_ = scene;
-    setScene(scene);
+    activity.show(scene);
 }
 
 void NodegraphView::sl_undoCommandAdded(QUndoCommand *undoCommand) { undoStack_->push(undoCommand); }
@@ -216,6 +216,12 @@ bool NodegraphView::event(QEvent *event)
         noteRestingMouse(static_cast<QEnterEvent *>(event)->globalPosition());
     }
     return handled;
+}
+
+bool NodegraphView::viewportEvent(QEvent *event)
+{
+    return activity.takes(*event) ? QAbstractScrollArea::viewportEvent(event)
+                                  : QGraphicsView::viewportEvent(event);
 }
 
 /// A zoom keeps the scene point where the base last saw the mouse move. A mouse that is here without having

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "view/canvasactivity.h"
+
 #include <QGraphicsView>
 #include <QRectF>
 
@@ -43,6 +45,7 @@ public slots:
 
 protected:
     bool event(QEvent *event) override;
+    bool viewportEvent(QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
@@ -63,6 +66,7 @@ private:
     void watchRightButton(Qt::MouseButtons pressed);
     void endPan();
 
+    CanvasActivity activity{*this};
     double zoomDivisor_ = 1.0; // reciprocal of the zoom by wheel and pinch since it was last set
     QPointF panAnchor;         // viewport coordinates, (0, 0) while nobody pans
     int panSpeed = 1;
