@@ -3,6 +3,8 @@
 #include "story.h"
 #include "works.h"
 
+#include "app/heap.h"
+
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QFile>
@@ -73,6 +75,7 @@ bool writeJson(const QString &path, const QVector<Row> &rows, double unit)
 
 int main(int argc, char *argv[])
 {
+    joinFreedMemory(); // as the program does
     qInstallMessageHandler(keepWarningsOnly);
     QStandardPaths::setTestModeEnabled(true);
     const QApplication application(argc, argv);

@@ -6,6 +6,13 @@
 #include <malloc.h>
 #endif
 
+void joinFreedMemory()
+{
+#ifdef __GLIBC__
+    mallopt(M_MXFAST, 0);
+#endif
+}
+
 void giveMemoryBack()
 {
 #ifdef __GLIBC__

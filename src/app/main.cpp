@@ -1,6 +1,7 @@
 #include "app/applicationpalette.h"
 #include "app/displayloss.h"
 #include "app/guardedapplication.h"
+#include "app/heap.h"
 #include "app/mainwindow.h"
 #include "app/programend.h"
 #include "app/steadylog.h"
@@ -9,6 +10,7 @@
 
 int main(int argc, char *argv[])
 {
+    joinFreedMemory();
     QApplication::setStyle(QStringLiteral("Fusion"));
     ProgramEnd::outliveFailedWrites();
     const SteadyLog log; // before anything can be written: Qt itself may have something to say as it starts
