@@ -13,8 +13,8 @@ public:
     explicit Departure(const NodegraphScene &graph) : end(graph.endOfStoryNode()) {}
 
     bool hasLeft(const Node *node) const { return gone.contains(node); }
-    void leave(const Node *node);
-    void leaveByCommand(const Node *node);
+    void leave(const Node &node);
+    void leaveByCommand(const Node &node);
 
 private:
     void tellStory() const;
@@ -36,22 +36,22 @@ void Departure::part(const Node *node) const
     qInfo("Disconnected node  %d", node->getIndex());
 }
 
-void Departure::leave(const Node *node)
+void Departure::leave(const Node &node)
 {
-    if (node == end)
+    if (&node == end)
         end = nullptr;
-    for (const Node *next : node->nextNodes()) {
+    for (const Node *next : node.nextNodes()) {
         if (!hasLeft(next))
             part(next);
     }
-    if (node->hasInput() && !hasLeft(node->prevNode()))
-        part(node);
-    qInfo("Deleted node  %d", node->getIndex());
-    gone.insert(node);
+    if (node.hasInput() && !hasLeft(node.prevNode()))
+        part(&node);
+    qInfo("Deleted node  %d", node.getIndex());
+    gone.insert(&node);
     tellStory();
 }
 
-void Departure::leaveByCommand(const Node *node)
+void Departure::leaveByCommand(const Node &node)
 {
     qInfo("Del");
     leave(node);
@@ -68,16 +68,16 @@ void logClearing(const NodegraphScene &graph)
             continue;
         qInfo("clearing scene");
         if (!isSelectionLeft) {
-            departure.leaveByCommand(node);
+            departure.leaveByCommand(*node);
             continue;
         }
         isSelectionLeft = false; // it goes with the first one, and instead of it
         for (const Node *selected : graph.selectedNodes())
-            departure.leaveByCommand(selected);
+            departure.leaveByCommand(*selected);
     }
     const std::vector<const Node *> backwards(graph.nodes().rbegin(), graph.nodes().rend());
     for (const Node *node : backwards) {
         if (!departure.hasLeft(node))
-            departure.leave(node);
+            departure.leave(*node);
     }
 }

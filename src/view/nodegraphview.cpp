@@ -220,8 +220,9 @@ bool NodegraphView::event(QEvent *event)
 
 bool NodegraphView::viewportEvent(QEvent *event)
 {
-    return activity.takes(*event) ? QAbstractScrollArea::viewportEvent(event)
-                                  : QGraphicsView::viewportEvent(event);
+    if (activity.takes(*event))
+        return QAbstractScrollArea::viewportEvent(event); // NOLINT(bugprone-parent-virtual-call): on purpose
+    return QGraphicsView::viewportEvent(event);
 }
 
 /// A zoom keeps the scene point where the base last saw the mouse move. A mouse that is here without having
