@@ -1,22 +1,10 @@
 #include "scene/canvasscene.h"
 
-#include <QFocusEvent>
 #include <QGraphicsView>
 #include <QPainter>
 
-// By Tab the framework would go back to the text that was edited last, whatever has become of its event, and
-// the next Tab would be written into it.
-void CanvasScene::focusInEvent(QFocusEvent *event)
-{
-    const bool isByTab = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
-    QFocusEvent entered(event->type(), isByTab ? Qt::OtherFocusReason : event->reason());
-    QGraphicsScene::focusInEvent(&entered);
-    if (isByTab)
-        setFocusItem(nullptr);
-}
-
 // The texts are nobody's stops on the way through the window: a Tab would land in the one that was written in
-// last, or in any, and each further one would be written there.
+// last, whatever has become of its event, or in any, and each further one would be written there.
 bool CanvasScene::focusNextPrevChild(bool) { return false; }
 
 // The framework looks for whoever is under the mouse after this.

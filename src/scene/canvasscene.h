@@ -27,7 +27,6 @@ protected:
     bool event(QEvent *event) override;
     void drawBackground(QPainter *painter, const QRectF &rect) override;
     bool focusNextPrevChild(bool next) override;
-    void focusInEvent(QFocusEvent *event) override;
 
     /// For whoever makes nodes: it has to know of each new one.
     Exposure &exposure() { return exposure_; }

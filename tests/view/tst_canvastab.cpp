@@ -15,6 +15,8 @@ private slots:
     void tabWritesNothing_data();
     void tabWritesNothing();
     void tabIsWrittenByWhoWrites();
+    void aTextLeftBehindStaysSo_data();
+    void aTextLeftBehindStaysSo();
 };
 
 void tst_CanvasTab::tabWritesNothing_data()
@@ -66,6 +68,44 @@ void tst_CanvasTab::tabIsWrittenByWhoWrites()
     QTest::keyClick(window.windowHandle(), Qt::Key_End);
     QTest::keyClick(window.windowHandle(), Qt::Key_Tab);
     QVERIFY(node->title().endsWith(u'\t'));
+}
+
+void tst_CanvasTab::aTextLeftBehindStaysSo_data()
+{
+    QTest::addColumn<Qt::FocusReason>("reason");
+    QTest::newRow("Tab") << Qt::TabFocusReason;
+    QTest::newRow("Shift+Tab") << Qt::BacktabFocusReason;
+}
+
+// Whoever comes by Tab is on the canvas, not in the text that was written in before; nor is one who goes to
+// another window from there and comes back.
+void tst_CanvasTab::aTextLeftBehindStaysSo()
+{
+    QFETCH(const Qt::FocusReason, reason);
+    const PrivateHome home;
+    MainWindow window;
+    QWidget other;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    NodegraphScene *scene = sceneOf(window, 0);
+    addChain(*scene, 1);
+    NodegraphView *view = window.views().front();
+    view->setFocus();
+    scene->nodes().front()->nameItem()->setFocus();
+    const QByteArray before = SceneBytes::saved(*scene);
+    window.overviewerScene()->views().first()->setFocus();
+    view->setFocus(reason);
+    QVERIFY(view->hasFocus());
+    QVERIFY(!scene->focusItem());
+    other.show();
+    other.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&other));
+    window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    QVERIFY(view->hasFocus());
+    QVERIFY(!scene->focusItem());
+    QTest::keyClick(window.windowHandle(), Qt::Key_Comma);
+    QCOMPARE(SceneBytes::saved(*scene), before);
 }
 
 QTEST_MAIN(tst_CanvasTab)
